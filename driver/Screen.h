@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QString>
+
+class QQuickItem;
+class QQuickWindow;
+
+namespace dubrix {
+
+/// The window as a person meets it: what it shows, what things are called, where a finger can go.
+/// Input is handed to the window system's queue, like a real hand's: while the application leaves
+/// user input alone it is kept for later.
+class Screen {
+public:
+    explicit Screen(QQuickWindow& window) : window_(window) {}
+
+    struct Alert {
+        QString title;
+        QString message;
+        bool operator==(const Alert&) const = default;
+    };
+
+    /// Every visible text, topmost first.
+    QList<QString> texts() const;
+    /// Whether `text` is a whole visible text or one whole line of one.
+    bool shows(const QString& text) const;
+    /// The accessible names of everything that can be used now, topmost first.
+    QList<QString> names() const;
+    /// Alerts and status boxes that are shown now.
+    QList<Alert> alerts() const;
+
+    /// Presses and lets go in the middle of what has this accessible name, the topmost that can be
+    /// used now, scrolled into view. False when there is none.
+    bool tap(const QString& name);
+    /// Taps the field, then replaces its text. False when there is none of this name.
+    bool type(const QString& name, const QString& text);
+    /// The window's picture as PNG bytes.
+    QByteArray picture() const;
+
+private:
+    /// Every item of the window that is shown, in painting order.
+    QList<QQuickItem*> shownItems() const;
+    QHash<const QObject*, QString> accessibleNames() const;
+    QQuickItem* find(const QString& name) const;
+    void tapAt(const QPointF& point);
+    void press(int key, Qt::KeyboardModifiers modifiers, const QString& text);
+
+    QQuickWindow& window_;
+};
+
+} // namespace dubrix

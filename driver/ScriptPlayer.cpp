@@ -1,0 +1,135 @@
+#include "driver/ScriptPlayer.h"
+
+#include <iostream>
+
+namespace dubrix {
+
+namespace {
+
+constexpr int lookEvery = 20; // milliseconds
+constexpr double tapPatience = 5;
+constexpr auto failureShot = "dubrix-failed.png";
+
+QString oneLine(QString text) {
+    return text.trimmed().replace(QLatin1Char('\n'), QStringLiteral(" / "));
+}
+
+double patience(const ScriptStep& step) {
+    switch (step.verb) {
+    case ScriptStep::Verb::Tap:
+    case ScriptStep::Verb::Type:
+        return tapPatience;
+    case ScriptStep::Verb::Wait:
+        return step.seconds;
+    default:
+        return 0;
+    }
+}
+
+} // namespace
+
+ScriptPlayer::ScriptPlayer(QQuickWindow& window, int script, ShotPipe shots)
+    : screen_(window),
+      script_(script),
+      shots_(shots) {
+    clock_.setInterval(lookEvery);
+    connect(&clock_, &QTimer::timeout, this, &ScriptPlayer::look);
+}
+
+void ScriptPlayer::play() {
+    clock_.start();
+}
+
+void ScriptPlayer::look() {
+    narrate();
+    if (!step_ && !takeStep())
+        return;
+    const Outcome outcome = tryStep();
+    if (outcome == Outcome::Done) {
+        std::cout << "ok    " << line_ << std::endl;
+        step_.reset();
+    } else if (outcome == Outcome::Failed ||
+               waiting_.elapsed() >= static_cast<qint64>(patience(*step_) * 1000)) {
+        fail();
+    }
+}
+
+void ScriptPlayer::narrate() {
+    const QList<Screen::Alert> shown = screen_.alerts();
+    for (const Screen::Alert& alert : shown)
+        if (!alerts_.contains(alert))
+            std::cout << "      " << oneLine(alert.title).toStdString()
+                      << (alert.message.isEmpty() ? "" : ": ")
+                      << oneLine(alert.message).toStdString() << std::endl;
+    alerts_ = shown;
+}
+
+bool ScriptPlayer::takeStep() {
+    while (const std::optional<std::string> line = script_.nextLine()) {
+        line_ = *line;
+        const ScriptLine parsed = parseScriptLine(line_);
+        if (!parsed.error.empty()) {
+            std::cout << "wrong " << line_ << "\n      " << parsed.error << std::endl;
+            end(2);
+            return false;
+        }
+        if (parsed.step) {
+            step_ = parsed.step;
+            reason_.clear();
+            waiting_.start();
+            return true;
+        }
+    }
+    if (script_.atEnd())
+        end(0);
+    return false;
+}
+
+ScriptPlayer::Outcome ScriptPlayer::tryStep() {
+    const QString target = QString::fromStdString(step_->target);
+    const auto when = [](bool done) { return done ? Outcome::Done : Outcome::NotYet; };
+    switch (step_->verb) {
+    case ScriptStep::Verb::Tap:
+        return when(screen_.tap(target));
+    case ScriptStep::Verb::Type:
+        return when(screen_.type(target, QString::fromStdString(step_->text)));
+    case ScriptStep::Verb::Wait:
+    case ScriptStep::Verb::Expect:
+        return when(screen_.shows(target));
+    case ScriptStep::Verb::Absent:
+        return when(!screen_.shows(target));
+    case ScriptStep::Verb::Shot:
+        return saveShot(step_->target);
+    }
+    return Outcome::Failed;
+}
+
+ScriptPlayer::Outcome ScriptPlayer::saveShot(const std::string& file) {
+    const QByteArray picture = screen_.picture();
+    reason_ = shots_.save(file, {picture.constData(), static_cast<std::size_t>(picture.size())});
+    return reason_.empty() ? Outcome::Done : Outcome::Failed;
+}
+
+void ScriptPlayer::fail() {
+    std::cout << "FAIL  " << line_ << "\n";
+    if (!reason_.empty())
+        std::cout << "      " << reason_ << "\n";
+    std::cout << "      visible instead:\n";
+    for (const QString& text : screen_.texts())
+        std::cout << "        \"" << oneLine(text).toStdString() << "\"\n";
+    std::cout << "      to tap:\n";
+    for (const QString& name : screen_.names())
+        std::cout << "        \"" << oneLine(name).toStdString() << "\"\n";
+    if (reason_.empty() && saveShot(failureShot) == Outcome::Done)
+        std::cout << "      saved " << failureShot << "\n";
+    std::cout << std::flush;
+    end(1);
+}
+
+void ScriptPlayer::end(int status) {
+    clock_.stop();
+    step_.reset();
+    Q_EMIT finished(status);
+}
+
+} // namespace dubrix

@@ -1,0 +1,59 @@
+#include "platform/linux/LinuxCommandRunner.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <cerrno>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace dubrix {
+
+namespace {
+
+void waitForEnd(pid_t process) {
+    while (::waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
+void waitWhilePainting(pid_t process) {
+    QEventLoop loop;
+    std::thread waiter([process, &loop] {
+        waitForEnd(process);
+        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+    });
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    // The loop also ends when the application is told to quit; the command is still waited for.
+    waiter.join();
+}
+
+} // namespace
+
+LinuxCommandRunner::LinuxCommandRunner(const std::filesystem::path& root,
+                                       const std::filesystem::path& pathsScript) {
+    if (root != "/")
+        additions_ = {"DUBRIX_ROOT=" + root.string(), "BASH_ENV=" + pathsScript.string()};
+}
+
+void LinuxCommandRunner::runCommand(const std::string& command) {
+    // Not through strings of the toolkit: names of files are bytes and must arrive as they are.
+    const char* arguments[] = {"/bin/bash", "-c", command.c_str(), nullptr};
+    std::vector<char*> environment;
+    for (std::string& addition : additions_)
+        environment.push_back(addition.data());
+    for (char** variable = environ; *variable; ++variable)
+        environment.push_back(*variable);
+    environment.push_back(nullptr);
+
+    pid_t process = 0;
+    if (::posix_spawn(&process, arguments[0], nullptr, nullptr, const_cast<char* const*>(arguments),
+                      environment.data()) != 0)
+        return;
+    if (QCoreApplication::instance())
+        waitWhilePainting(process);
+    else
+        waitForEnd(process);
+}
+
+} // namespace dubrix

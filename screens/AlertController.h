@@ -1,0 +1,57 @@
+#pragma once
+
+#include "screens/ViewController.h"
+
+#include <QRectF>
+#include <QStringList>
+#include <functional>
+#include <vector>
+
+namespace dubrix {
+
+/// A modal alert: title, message and buttons in the order in which they were added. It has no
+/// time-out and goes away only through its buttons or its presenter.
+class AlertController : public ViewController {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made by the application")
+    Q_PROPERTY(QString message READ message CONSTANT)
+    Q_PROPERTY(QStringList buttons READ buttons CONSTANT)
+    /// The turning spinner's place in points; empty for an alert without one.
+    Q_PROPERTY(QRectF spinnerFrame READ spinnerFrame CONSTANT)
+    Q_PROPERTY(bool hasSpinner READ hasSpinner CONSTANT)
+
+public:
+    using Handler = std::function<void()>;
+
+    AlertController(const QString& title, const QString& message);
+
+    QString layout() const override { return QStringLiteral("AlertView.qml"); }
+    bool coversPresenter() const override { return false; }
+
+    /// Adds a button of the default style; `handler` runs once, when it is pressed.
+    void addAction(const QString& title, Handler handler);
+    void addSpinner(const QRectF& frame) { spinnerFrame_ = frame; }
+
+    QString message() const { return message_; }
+    QStringList buttons() const;
+    QRectF spinnerFrame() const { return spinnerFrame_; }
+    bool hasSpinner() const { return !spinnerFrame_.isEmpty(); }
+
+    /// Presses a button. Its handler runs from the event loop, when the layout's own code has
+    /// returned: it may work for minutes and see this alert deleted. Only the first press counts.
+    Q_INVOKABLE void press(int button);
+
+private:
+    struct Action {
+        QString title;
+        Handler handler;
+    };
+
+    QString message_;
+    std::vector<Action> actions_;
+    QRectF spinnerFrame_;
+    bool pressed_ = false;
+};
+
+} // namespace dubrix

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/Platform.h"
+
+#include <memory>
+
+namespace dubrix {
+
+class ModalStack;
+class TabBarController;
+
+/// What the application's main interface layout holds: the tab bar controller with its tabs and
+/// the screen in each. `modals` takes the window's modal screens.
+std::unique_ptr<TabBarController> makeInterfaceLayout(const Platform& platform, ModalStack& modals);
+
+} // namespace dubrix

@@ -1,0 +1,124 @@
+#include "screens/PrefsViewController.h"
+
+#include "engine/SettingsFile.h"
+#include "platform/ApplicationList.h"
+#include "platform/FileManager.h"
+#include "platform/SystemLog.h"
+
+#include <array>
+
+namespace dubrix {
+
+namespace {
+
+QString displayed(const Text& text) {
+    return QString::fromStdString(text.value_or(""));
+}
+
+bool toggle(const std::optional<PropertyList>& value) {
+    return value && value->booleanValue();
+}
+
+} // namespace
+
+PrefsViewController::PrefsViewController(const Platform& platform)
+    : CloneEngine(platform, static_cast<Alerts&>(*this)) {}
+
+void PrefsViewController::viewDidLoad() {
+    ViewController::viewDidLoad();
+    prefTable.setContentInset({0, 0, 0, 30});
+    prefs_ = dictionaryWithContentsOfFile(platform().files, settingsFilePath);
+    al = &platform().applications;
+
+    const PropertyList prefs = prefs_.value_or(PropertyList::dictionary());
+    const auto component = [&prefs](std::string_view key) {
+        const auto value = prefs.valueForKey(key);
+        return value ? value->floatValue() : 0.0F;
+    };
+    const bool customColor = toggle(prefs.valueForKey("customColorToggle"));
+    const bool customName = toggle(prefs.valueForKey("customNameToggle"));
+    colorView.setHidden(!customColor);
+    colorCell.setHidden(!customColor);
+    textfieldCell.setHidden(!customName);
+    sharedClass_ = std::make_unique<DXShared>(platform().files, platform().log);
+    appNameLabel.setText(prefs.hasKey("appName") ? displayed(prefs.stringForKey("appName"))
+                                                 : QStringLiteral(" "));
+    colorView.setBackgroundColor(
+        QColor::fromRgbF(component("Red"), component("Green"), component("Blue")));
+    customNameSwitch.setOn(customName);
+    customColorSwitch.setOn(customColor);
+    textField.setText(displayed(prefs.stringForKey("customText")));
+    textField.setReturnKey(TextField::ReturnKey::Done);
+}
+
+int PrefsViewController::tableViewNumberOfRowsInSection(int section) const {
+    constexpr std::array rows = {1, 2, 3, 1, 1};
+    return section >= 0 && section < static_cast<int>(rows.size())
+               ? rows[static_cast<std::size_t>(section)]
+               : 0;
+}
+
+bool PrefsViewController::storedToggle(std::string_view key) const {
+    return sharedClass_ && toggle(sharedClass_->retrieveValueForKey(key));
+}
+
+double PrefsViewController::tableViewHeightForRowAtIndexPath(int section, int row) const {
+    const bool customName = storedToggle("customNameToggle");
+    const bool customColor = storedToggle("customColorToggle");
+    if (section == 1 && row == 1 && !customName)
+        return 0;
+    if (section == 2 && (row == 1 || row == 2) && !customColor)
+        return 0;
+    return section == 2 && row == 2 ? 16 : 44;
+}
+
+void PrefsViewController::tableViewDidSelectRowAtIndexPath(int section, int row) {
+    platform().log.log(
+        stringWithFormat("\nindexPath.row %ld \nindex.section %ld \n", row, section));
+    prefTable.selectRow(section, row);
+    if (section == 3 && row == 0) {
+        showDuplicateAlert();
+        prefTable.deselectRow(false);
+    } else if (section == 4 && row == 0) {
+        showUpdateAlert();
+        prefTable.deselectRow(false);
+    }
+}
+
+void PrefsViewController::nameSwitchChanged(bool on) {
+    platform().log.log(on ? "Custom Name ON" : "Custom Name OFF");
+    customNameSwitch.setOn(on);
+    textfieldCell.setHidden(!on);
+    prefTable.reloadData();
+    sharedClass_->addKey("customNameToggle", PropertyList::boolean(on));
+}
+
+void PrefsViewController::colorSwitchChanged(bool on) {
+    platform().log.log(on ? "Custom Color ON" : "Custom Color OFF");
+    customColorSwitch.setOn(on);
+    colorCell.setHidden(!on);
+    colorView.setHidden(!on);
+    prefTable.reloadData();
+    sharedClass_->addKey("customColorToggle", PropertyList::boolean(on));
+}
+
+void PrefsViewController::textFieldChanged(const QString& text) {
+    textField.setText(text);
+    sharedClass_->addKey("customText", PropertyList::string(text.toStdString()));
+}
+
+bool PrefsViewController::textFieldShouldReturn() {
+    Q_EMIT textField.editingEnded();
+    return false;
+}
+
+void PrefsViewController::setAppNameLabelText() {
+    const auto name = sharedClass_->retrieveValueForKey("appName");
+    appNameLabel.setText(displayed(name ? name->stringValue() : std::nullopt));
+}
+
+void PrefsViewController::viewWillAppear() {
+    prefTable.deselectRow(true);
+}
+
+} // namespace dubrix

@@ -1,0 +1,180 @@
+#include "screens/QuickOverlayStage.h"
+
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QTimer>
+#include <algorithm>
+#include <cmath>
+
+namespace dubrix {
+
+namespace {
+
+QColor quickColor(const Color& color) {
+    return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
+                            static_cast<float>(color.blue), static_cast<float>(color.alpha));
+}
+
+int milliseconds(double seconds) {
+    return static_cast<int>(std::lround(seconds * 1000));
+}
+
+} // namespace
+
+void OverlayPiece::make(const Rect& frame, const Color& color, double cornerRadius) {
+    inParent_ = false;
+    hidden_ = false;
+    alpha_ = 1;
+    scale_ = 1;
+    color_ = quickColor(color);
+    cornerRadius_ = cornerRadius;
+    apply({.frame = frame}, 0);
+}
+
+void OverlayPiece::setParentShown(bool inParent) {
+    inParent_ = inParent;
+    Q_EMIT changed();
+}
+
+void OverlayPiece::apply(const PieceChange& change, double seconds) {
+    if (milliseconds(seconds) != std::exchange(duration_, milliseconds(seconds)))
+        Q_EMIT durationChanged();
+    if (change.frame) {
+        size_ = change.frame->size;
+        center_ = {change.frame->origin.x + size_.width / 2,
+                   change.frame->origin.y + size_.height / 2};
+    }
+    size_ = change.bounds.value_or(size_);
+    center_ = change.center.value_or(center_);
+    alpha_ = change.alpha.value_or(alpha_);
+    scale_ = change.scale.value_or(scale_);
+    hidden_ = change.hidden.value_or(hidden_);
+    Q_EMIT changed();
+}
+
+QuickOverlayStage::QuickOverlayStage() {
+    connect(QGuiApplication::inputMethod(), &QInputMethod::keyboardRectangleChanged, this,
+            &QuickOverlayStage::keyboardChanged);
+}
+
+QuickOverlayStage::~QuickOverlayStage() = default;
+
+void QuickOverlayStage::windowDidLayout(double width, double height) {
+    screen_ = {width, height};
+    // A resized window is to the overlay what a turned screen is: a reason to find its place again.
+    notify({.name = NotificationName::UIApplicationDidChangeStatusBarOrientationNotification});
+}
+
+std::vector<WindowContents> QuickOverlayStage::windows() {
+    std::vector<WindowContents> windows{{"UIWindow", {}}};
+    if (keyboardHeight_ > 0)
+        windows.push_back({"UITextEffectsWindow", {{"UIPeripheralHostView", keyboardHeight_}}});
+    return windows;
+}
+
+Size QuickOverlayStage::measureText(const std::string& text, const Font& font, Size limit) {
+    QFont measured = QGuiApplication::font();
+    measured.setPixelSize(static_cast<int>(std::lround(font.pointSize)));
+    measured.setBold(font.bold);
+    const QRectF box = QFontMetricsF(measured).boundingRect({0, 0, limit.width, limit.height},
+                                                            Qt::AlignHCenter | Qt::TextWordWrap,
+                                                            QString::fromStdString(text));
+    return {std::min(std::ceil(box.width()), limit.width),
+            std::min(std::ceil(box.height()), limit.height)};
+}
+
+void QuickOverlayStage::makeBackground(const BackgroundAppearance& appearance) {
+    background()->make(appearance.frame, appearance.backgroundColor);
+}
+
+void QuickOverlayStage::makeHud(const HudAppearance& appearance) {
+    hud()->make(appearance.frame, appearance.backgroundColor, appearance.cornerRadius);
+}
+
+void QuickOverlayStage::makeSpinner(const SpinnerAppearance& appearance) {
+    // The large style is 37 points wide.
+    spinner()->make({{0, 0}, {37, 37}}, appearance.color);
+    setSpinning(false);
+}
+
+void QuickOverlayStage::makeImage(const ImageAppearance& appearance) {
+    image()->make(appearance.frame, {});
+    setImage(std::nullopt);
+}
+
+void QuickOverlayStage::makeLabel(const LabelAppearance& appearance) {
+    label()->make(appearance.frame, appearance.textColor);
+    fontSize_ = static_cast<int>(std::lround(appearance.font.pointSize));
+    setLabelText(std::nullopt);
+}
+
+void QuickOverlayStage::addToWindow(Piece which, WindowId) {
+    piece(which).setParentShown(true);
+}
+
+void QuickOverlayStage::addToPiece(Piece which, Piece) {
+    piece(which).setParentShown(true);
+}
+
+void QuickOverlayStage::removeFromParent(Piece which) {
+    piece(which).setParentShown(false);
+}
+
+void QuickOverlayStage::change(Piece which, const PieceChange& properties) {
+    piece(which).apply(properties, 0);
+}
+
+void QuickOverlayStage::setLabelText(const std::optional<std::string>& text) {
+    message_ = QString::fromStdString(text.value_or(""));
+    Q_EMIT contentsChanged();
+}
+
+void QuickOverlayStage::setImage(const std::optional<std::string>& fileName) {
+    imageFile_ = QString::fromStdString(fileName.value_or(""));
+    Q_EMIT contentsChanged();
+}
+
+void QuickOverlayStage::setSpinning(bool spinning) {
+    spinning_ = spinning;
+    Q_EMIT contentsChanged();
+}
+
+void QuickOverlayStage::animate(Piece which, const PieceChange& properties,
+                                const Animation& animation, std::function<void()> completion) {
+    piece(which).apply(properties, animation.duration);
+    if (completion)
+        QTimer::singleShot(milliseconds(animation.duration), this, std::move(completion));
+}
+
+void QuickOverlayStage::observe(NotificationName name,
+                                std::function<void(const Notification&)> handler) {
+    observers_.push_back({name, std::move(handler)});
+}
+
+void QuickOverlayStage::notify(const Notification& notification) {
+    const std::vector<Observer> observers = observers_; // a handler may end its observation
+    for (const Observer& observer : observers)
+        if (observer.name == notification.name)
+            observer.handler(notification);
+}
+
+void QuickOverlayStage::keyboardChanged() {
+    const QRectF keyboard = QGuiApplication::inputMethod()->keyboardRectangle();
+    keyboardHeight_ = keyboard.height();
+    notify({.name = keyboard.isEmpty() ? NotificationName::UIKeyboardDidHideNotification
+                                       : NotificationName::UIKeyboardDidShowNotification,
+            .animationDuration = 0.25,
+            .keyboardFrameBegin = {{keyboard.x(), keyboard.y()},
+                                   {keyboard.width(), keyboard.height()}}});
+}
+
+void QuickOverlayStage::runOnMainThread(std::function<void()> work) {
+    QMetaObject::invokeMethod(this, std::move(work), Qt::QueuedConnection);
+}
+
+void QuickOverlayStage::runOnNewThread(std::function<void()> work) {
+    workers_.start(std::move(work));
+}
+
+} // namespace dubrix

@@ -1,0 +1,38 @@
+#include "screens/TabBarController.h"
+
+namespace dubrix {
+
+void TabBarController::addTab(std::unique_ptr<ViewController> screen, const QString& title,
+                              const TemplateImage& image, const TemplateImage& selectedImage) {
+    auto item = std::make_unique<TabBarItem>();
+    item->title = title;
+    item->image = image;
+    item->selectedImage = selectedImage;
+    items_.push_back(std::move(item));
+    screen->setModalStack(modalStack());
+    viewControllers_.push_back(std::move(screen));
+}
+
+void TabBarController::setSelectedIndex(int index) {
+    if (index < 0 || index >= static_cast<int>(viewControllers_.size()) ||
+        index == std::exchange(selectedIndex_, index))
+        return;
+    viewControllers_[static_cast<std::size_t>(index)]->loadViewIfNeeded();
+    Q_EMIT selectedIndexChanged();
+}
+
+QList<QObject*> TabBarController::itemObjects() const {
+    QList<QObject*> objects;
+    for (const auto& item : items_)
+        objects.append(item.get());
+    return objects;
+}
+
+QList<QObject*> TabBarController::viewControllerObjects() const {
+    QList<QObject*> objects;
+    for (const auto& screen : viewControllers_)
+        objects.append(screen.get());
+    return objects;
+}
+
+} // namespace dubrix

@@ -1,0 +1,40 @@
+import QtQuick
+
+/// The strip that shows the chosen tint across the foot of its section.
+Item {
+    id: strip
+
+    required property real rowHeight
+    required property color color
+
+    signal tapped
+
+    width: parent?.width ?? 0
+    height: Theme.points(rowHeight)
+    visible: height > 0
+    clip: true
+    Accessible.role: Accessible.Graphic
+    Accessible.name: "Color"
+    Accessible.description: color.toString()
+    Accessible.ignored: rowHeight === 0
+
+    Behavior on height {
+        NumberAnimation {
+            duration: 180
+            easing.type: Easing.InOutQuad
+        }
+    }
+
+    // Its upper corners lie outside the clipped strip, so only the lower ones are round.
+    Rectangle {
+        y: -Theme.cardRadius
+        width: parent.width
+        height: parent.height + Theme.cardRadius
+        radius: Theme.cardRadius
+        color: strip.color
+    }
+
+    TapHandler {
+        onTapped: strip.tapped()
+    }
+}

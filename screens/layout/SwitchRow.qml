@@ -1,0 +1,23 @@
+import QtQuick
+
+/// A row with a switch at its right.
+SettingsRow {
+    id: row
+
+    required property bool on
+
+    signal changeRequested(bool on)
+
+    Accessible.ignored: true
+
+    ToggleSwitch {
+        anchors {
+            right: parent.right
+            rightMargin: Theme.margin
+            verticalCenter: parent.verticalCenter
+        }
+        name: row.title
+        on: row.on
+        onChangeRequested: on => row.changeRequested(on)
+    }
+}

@@ -1,0 +1,48 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+
+/// The selected tab's screen with the tab bar below it. A screen is drawn from its first selection
+/// on.
+Item {
+    id: view
+
+    required property TabBarController controller
+
+    Repeater {
+        model: view.controller.viewControllers
+        delegate: Loader {
+            id: tab
+
+            required property int index
+            required property ViewController modelData
+            readonly property bool selected: index === view.controller.selectedIndex
+
+            anchors {
+                left: parent?.left
+                right: parent?.right
+                top: parent?.top
+                bottom: parent?.bottom
+                bottomMargin: bar.height
+            }
+            visible: selected
+            focus: selected
+            onSelectedChanged: active = active || selected
+            active: index === view.controller.selectedIndex
+            sourceComponent: ScreenLoader {
+                controller: tab.modelData
+            }
+        }
+    }
+
+    TabBar {
+        id: bar
+
+        anchors {
+            left: parent.left
+            right: parent.right
+            bottom: parent.bottom
+        }
+        controller: view.controller
+    }
+}

@@ -1,0 +1,64 @@
+import QtQuick
+
+/// A row that is a text field, with its title as the placeholder and a button that gives up the
+/// keyboard.
+SettingsRow {
+    id: row
+
+    property string text
+
+    signal edited(string text)
+    signal returned
+
+    title: ""
+    Accessible.ignored: true
+
+    TextInput {
+        id: input
+
+        anchors {
+            left: parent.left
+            leftMargin: Theme.margin
+            right: done.left
+            rightMargin: Theme.points(8)
+            verticalCenter: parent.verticalCenter
+        }
+        enabled: row.shown
+        clip: true
+        text: row.text
+        color: Theme.text
+        selectionColor: Theme.accent
+        selectedTextColor: Theme.onAccent
+        font.pixelSize: Theme.bodySize
+        selectByMouse: true
+        activeFocusOnTab: row.shown
+        EnterKey.type: Qt.EnterKeyDone
+        Accessible.role: Accessible.EditableText
+        Accessible.name: "Name"
+        Accessible.editable: true
+        onTextEdited: row.edited(text)
+        onAccepted: row.returned()
+
+        Text {
+            anchors.fill: parent
+            text: "Name"
+            color: Theme.secondaryText
+            font: input.font
+            visible: input.text === "" && input.preeditText === ""
+            Accessible.ignored: true
+        }
+    }
+
+    TextButton {
+        id: done
+
+        anchors {
+            right: parent.right
+            rightMargin: Theme.points(8)
+            verticalCenter: parent.verticalCenter
+        }
+        text: "Done"
+        visible: input.activeFocus
+        onTapped: row.returned()
+    }
+}
