@@ -38,13 +38,13 @@ install_archives() {
         [[ $name != -* ]] || name=./$name
         names+=("$name")
     done
-    local shared=("${own[@]}" --chdir /archives)
+    local start_folder=/archives shared=("${own[@]}")
     run_on_device ipainstaller -f "${names[@]}"
 }
 
 # export_archive IDENTIFIER FOLDER NAME
 export_archive() {
-    local name=$3 shared=("${shared[@]}" --bind "$2" /export --chdir /export)
+    local name=$3 start_folder=/export shared=("${shared[@]}" --bind "$2" /export)
     [[ $name != -* ]] || name=./$name
     cd -- "$2" || exit 1
     run_on_device ipainstaller -b "$1" "$name"

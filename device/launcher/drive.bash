@@ -25,7 +25,8 @@ drive_with_shots() {
     coproc RECEIVER { receive_shots 6<&-; }
     receiver=$RECEIVER_PID
     shots_in=${RECEIVER[0]} shots_out=${RECEIVER[1]}
-    exec 7>&"$shots_out" 8<&"$shots_in"
+    # Opened anew, not duplicated: bash hands its own ends of a coprocess to nobody.
+    exec 7>"/dev/fd/$shots_out" 8<"/dev/fd/$shots_in"
     exec {shots_out}>&- {shots_in}<&-
     run_on_device dubrix-app --drive 6:7:8
     status=$?
@@ -48,7 +49,12 @@ receive_shots() {
 save_shot() {
     local target=$1 temporary error
     [[ $target == /* ]] || target=./$target
-    if ! temporary=$(mktemp -- "$(dirname -- "$target")/.dubrix-XXXXXX" 2>&1); then
+    if [[ -d $target ]]; then
+        temporary='Is a directory'
+    else
+        temporary=$(mktemp -- "$(dirname -- "$target")/.dubrix-XXXXXX" 2>&1)
+    fi
+    if [[ ! -f $temporary ]]; then
         head -c "$2" >/dev/null
         echo "$1: ${temporary##*: }"
         return

@@ -3,10 +3,11 @@
 # shellcheck shell=bash disable=SC2154 # device, libexec and share are the launcher's
 
 isolated=
-system=()    # the desktop's system folders, read-only
-shared=()    # what the command at hand is given beyond the device
-settings=()  # environment without isolation, as NAME=VALUE
-network=(--unshare-net)
+system=()                 # the desktop's system folders, read-only
+shared=()                 # what the command at hand is given beyond the device
+variables=()              # the same for a command without isolation, as NAME=VALUE
+network=(--unshare-net)   # empty where the network is shared
+start_folder=/var/mobile  # where a command starts
 
 check_tools() {
     local tool missing=()
@@ -48,6 +49,9 @@ bind_system() {
         fi
     done
     system+=(--proc /proc --dev /dev --tmpfs /run --perms 0700 --dir /run/mobile)
+    # Root may write kernel settings even without capabilities.
+    ((EUID != 0)) || system+=(--ro-bind /proc/sys /proc/sys
+        --ro-bind-try /proc/sysrq-trigger /proc/sysrq-trigger)
 }
 
 device_bindings() {
@@ -86,7 +90,7 @@ share_network() {
 
 set_variable() {
     shared+=(--setenv "$1" "$2")
-    settings+=("$1=$2")
+    variables+=("$1=$2")
 }
 
 # The whole command line of COMMAND in the namespace, in `line`. `session` is empty where the
@@ -96,7 +100,7 @@ namespace_line() {
     device_bindings
     device_environment
     line=(bwrap "${system[@]}" "${network[@]}" "${bindings[@]}" "${environment[@]}"
-        --chdir /var/mobile "${shared[@]}" --remount-ro / "${session[@]}" -- "$@")
+        "${shared[@]}" --chdir "$start_folder" --remount-ro / "${session[@]}" -- "$@")
 }
 
 # Runs a program of the device with its arguments; gives its exit status.
@@ -106,7 +110,7 @@ run_on_device() {
     if [[ -n $isolated ]]; then
         namespace_line "$@"
     else
-        line=(env "PATH=$libexec:$PATH" ZIPOPT=-0 "${settings[@]}"
+        line=(env "PATH=$libexec:$PATH" ZIPOPT=-0 "${variables[@]}"
             "$libexec/$1" --root "$device" "${@:2}")
         ((EUID != 0)) || line=(env QTWEBENGINE_DISABLE_SANDBOX=1 "${line[@]}")
     fi
