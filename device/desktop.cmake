@@ -16,10 +16,17 @@ install(DIRECTORY ${libexec}/launcher DESTINATION libexec/dubrix)
 install(FILES ${libexec}/device-paths.bash DESTINATION libexec/dubrix)
 install(FILES first-duplicate.drive DESTINATION share/dubrix)
 
-# All that ./run needs; the tests are not part of it.
+# All that ./run needs; the tests are not part of it. The programs for the device may be defined
+# after this folder, so they are gathered when all of the project is known.
 add_custom_target(dubrix DEPENDS dubrix_samples)
-foreach(program dubrix-app ipainstaller)
-    if(TARGET ${program})
-        add_dependencies(dubrix ${program})
-    endif()
-endforeach()
+function(dubrix_gather_programs)
+    foreach(program dubrix-app ipainstaller)
+        if(TARGET ${program})
+            add_dependencies(dubrix ${program})
+            set_target_properties(${program} PROPERTIES
+                RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/libexec/dubrix)
+            install(TARGETS ${program} DESTINATION libexec/dubrix)
+        endif()
+    endforeach()
+endfunction()
+cmake_language(DEFER DIRECTORY ${PROJECT_SOURCE_DIR} CALL dubrix_gather_programs)
