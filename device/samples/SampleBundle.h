@@ -1,0 +1,47 @@
+#pragma once
+
+#include "device/samples/IconArt.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace dubrix {
+
+/// A base name in an icon list and the file variants that stand for it.
+struct IconFile {
+    /// What follows the base name, ".png" left out: "", "@2x", "@3x", "~ipad", "@2x~ipad".
+    struct Variant {
+        const char* suffix;
+        int pixels;
+    };
+    const char* baseName;
+    std::vector<Variant> variants;
+};
+
+/// Where a bundle's Info.plist names its icons.
+enum class IconKeys { TopLevelList, PrimaryIcon, PrimaryIconAndTablet };
+
+struct SampleBundle {
+    const char* name;
+    const char* displayName;
+    const char* version;
+    IconKeys iconKeys;
+    bool binaryPropertyList;
+    IconArt art;
+    std::vector<IconFile> icons;
+};
+
+/// The sample applications, in the order of their folders' names.
+std::vector<SampleBundle> sampleBundles();
+
+/// All icon files of `icons` as PNG files in `folder`; false when one cannot be written.
+bool writeIcons(const std::filesystem::path& folder, IconArt art,
+                const std::vector<IconFile>& icons);
+
+/// Writes <folder>/<name>.app with icons, Info.plist, an executable placeholder and resources of
+/// several kinds (localised folders, a symbolic link, unusual permissions). False on any failure,
+/// with a part of the bundle left.
+bool writeBundle(const std::filesystem::path& folder, const SampleBundle& sample);
+
+} // namespace dubrix
