@@ -14,7 +14,9 @@ void appendBigEndian32(std::string& bytes, std::uint32_t value) {
         bytes.push_back(static_cast<char>(value >> shift));
 }
 
-std::uint32_t checksum(std::string_view bytes, uLong start = 0) {
+std::uint32_t checksum(std::string_view bytes, std::uint32_t start = 0) {
+    if (bytes.empty()) // whose null pointer would mean "begin anew" to zlib
+        return start;
     return static_cast<std::uint32_t>(
         crc32_z(start, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size()));
 }

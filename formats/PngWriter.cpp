@@ -14,9 +14,9 @@ constexpr std::size_t dataChunkSize = std::size_t{1} << 17;
 
 struct PngWriter::Deflater {
     explicit Deflater(Packing packing) {
-        const bool isStored = packing == Packing::stored;
-        isSound = deflateInit2(&stream, isStored ? 0 : 1, Z_DEFLATED, MAX_WBITS, MAX_MEM_LEVEL,
-                               isStored ? Z_DEFAULT_STRATEGY : Z_FILTERED) == Z_OK;
+        const int level = packing == Packing::stored ? Z_NO_COMPRESSION : Z_BEST_SPEED;
+        isSound = deflateInit2(&stream, level, Z_DEFLATED, MAX_WBITS, MAX_MEM_LEVEL,
+                               Z_DEFAULT_STRATEGY) == Z_OK;
         rewindOutput();
     }
     ~Deflater() { deflateEnd(&stream); }

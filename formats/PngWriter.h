@@ -15,7 +15,7 @@ public:
     /// How the rows are deflated.
     enum class Packing {
         stored, ///< not compressed: for a stream that is decoded at once and thrown away
-        fast,   ///< for files; the level and strategy that paid best on icons, see bench/
+        fast,   ///< for files that are written while the user waits
     };
 
     PngWriter(const PngHeader& header, Packing packing);

@@ -21,7 +21,7 @@ class JpegReading {
 public:
     explicit JpegReading(std::string_view bytes) : bytes_(bytes) {
         jpeg_.err = jpeg_std_error(&errors_);
-        errors_.error_exit = [](j_common_ptr jpeg) { fail(jpeg); };
+        errors_.error_exit = &fail;
         errors_.emit_message = [](j_common_ptr jpeg, int level) {
             if (level < 0) // corrupt data that libjpeg would fill up with grey
                 fail(jpeg);
