@@ -1,0 +1,40 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace dubrix {
+
+/// Remaps pixels onto shades of one colour, in linear light:
+///
+///     Y  = 0.2126 lin(R) + 0.7152 lin(G) + 0.0722 lin(B)      luminance, ITU-R BT.709-6, table 4
+///     C' = enc(Y * lin(C))                                    for each component C of the colour
+///
+/// where lin and enc are the transfer function of sRGB and its inverse (IEC 61966-2-1). White turns
+/// into the colour itself and black stays black. Alpha is kept, and colours must not be
+/// premultiplied by it, so edges get no halo.
+///
+/// Results are within 1/255 of the formula. Per pixel there are four table look-ups: one weighted
+/// luminance for each component, then a shade for the sum.
+class MonochromeRemap {
+public:
+    /// Components are gamma-encoded sRGB from 0 to 1; what lies outside is clamped, not-a-number
+    /// counts as 0.
+    MonochromeRemap(float red, float green, float blue);
+
+    /// Remaps 8-bit RGBA pixels in place.
+    void apply(std::uint8_t* rgba, std::size_t pixelCount) const;
+
+private:
+    /// Luminance is cut into this many equal steps. sRGB is steepest next to black, where 3295
+    /// steps make one of 255 (12.92 * 255): with more, the grey levels map onto themselves.
+    static constexpr std::uint32_t luminanceSteps = 4095;
+
+    void fillComponent(std::size_t component, float value);
+
+    /// For each luminance step red, green, blue and 0 in the memory order of a pixel.
+    std::array<std::array<std::uint8_t, 4>, luminanceSteps + 1> shades_{};
+};
+
+} // namespace dubrix
