@@ -212,6 +212,12 @@ TEST_F(ProgressHUDTest, AnOlderTimedHideHidesANewerMessage) {
     ProgressHUD::show(std::string(100, 'x'));
     stage.letThreadsGo();
     EXPECT_DOUBLE_EQ(stage.sleeps.back(), 4.5) << "the text as it stands when the wait begins";
+
+    ProgressHUD::showError("gone before its thread begins");
+    ProgressHUD::dismiss();
+    stage.advance(0.15);
+    stage.letThreadsGo();
+    EXPECT_DOUBLE_EQ(stage.sleeps.back(), 0.5);
 }
 
 TEST_F(ProgressHUDTest, FallsBackToTheKeyWindow) {
