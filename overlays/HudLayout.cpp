@@ -1,0 +1,67 @@
+#include "overlays/HudLayout.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace dubrix {
+
+namespace {
+
+constexpr double kSmallestBox = 100;
+constexpr double kHeightAroundText = 80;
+constexpr double kLabelMargin = 12;
+constexpr double kLabelTop = 66;
+constexpr double kMarkAboveText = 36; ///< centre of the spinner and of the image
+
+bool isLandscape(Orientation orientation) {
+    return orientation == Orientation::landscapeLeft || orientation == Orientation::landscapeRight;
+}
+
+} // namespace
+
+HudLayout layoutAround(const std::optional<Size>& text) {
+    if (!text)
+        return {.box = {kSmallestBox, kSmallestBox},
+                .label = {},
+                .mark = {kSmallestBox / 2, kSmallestBox / 2}};
+    const double padded = text->width + 2 * kLabelMargin;
+    const double width = std::max(padded, kSmallestBox);
+    Rect label{{kLabelMargin, kLabelTop}, *text};
+    if (padded < kSmallestBox) {
+        label.origin.x = 0;
+        label.size.width = kSmallestBox;
+    }
+    return {.box = {width, text->height + kHeightAroundText},
+            .label = label,
+            .mark = {width / 2, kMarkAboveText}};
+}
+
+double keyboardHeightAfter(const OverlayNotification& notification, Orientation orientation) {
+    using enum OverlayNotification::Name;
+    if (notification.name != UIKeyboardWillShowNotification &&
+        notification.name != UIKeyboardDidShowNotification)
+        return 0;
+    const Size keyboard = notification.keyboardFrameBegin.size;
+    return isLandscape(orientation) ? keyboard.width : keyboard.height;
+}
+
+Point boxCenter(Size screen, Orientation orientation, double keyboard) {
+    if (isLandscape(orientation))
+        std::swap(screen.width, screen.height);
+    const double middle = screen.width / 2;
+    const double free = screen.height - keyboard;
+    switch (orientation) {
+    case Orientation::upsideDown:
+        return {middle, screen.height - free / 2};
+    case Orientation::landscapeLeft:
+        return {screen.height - free / 2, middle};
+    case Orientation::landscapeRight:
+        return {free / 2, middle};
+    case Orientation::portrait:
+    case Orientation::unknown:
+        break;
+    }
+    return {middle, free / 2};
+}
+
+} // namespace dubrix

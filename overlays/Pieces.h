@@ -1,0 +1,93 @@
+#pragma once
+
+#include "overlays/Geometry.h"
+
+#include <optional>
+
+namespace dubrix {
+
+/// What the status overlay consists of on the screen. There is at most one of each.
+enum class Piece {
+    background, ///< the layer that dims the window and takes its touches
+    hud,        ///< the rounded box
+    spinner,    ///< the busy indicator inside the box
+    image,      ///< the success or error image inside the box
+    label,      ///< the message inside the box
+};
+
+struct Font {
+    double pointSize = 0;
+    bool bold = false; ///< of the system's own family
+
+    bool operator==(const Font&) const = default;
+};
+
+struct BackgroundAppearance {
+    Rect frame;
+    Color backgroundColor;
+
+    bool operator==(const BackgroundAppearance&) const = default;
+};
+
+struct HudAppearance {
+    Rect frame;
+    bool translucent = false; ///< what lies below shines through, blurred
+    Color backgroundColor;    ///< laid over the translucent material
+    double cornerRadius = 0;
+    bool clipsToBounds = false;
+
+    bool operator==(const HudAppearance&) const = default;
+};
+
+enum class SpinnerStyle { white, whiteLarge, gray };
+
+struct SpinnerAppearance {
+    SpinnerStyle style = SpinnerStyle::white;
+    Color color;
+    bool hidesWhenStopped = false;
+
+    bool operator==(const SpinnerAppearance&) const = default;
+};
+
+struct ImageAppearance {
+    Rect frame;
+
+    bool operator==(const ImageAppearance&) const = default;
+};
+
+enum class TextAlignment { left, center, right };
+enum class BaselineAdjustment { alignBaselines, alignCenters, none };
+
+struct LabelAppearance {
+    Rect frame;
+    Font font;
+    Color textColor;
+    Color backgroundColor;
+    TextAlignment textAlignment = TextAlignment::left;
+    BaselineAdjustment baselineAdjustment = BaselineAdjustment::alignBaselines;
+    int numberOfLines = 1; ///< 0: as many as there is room for
+
+    bool operator==(const LabelAppearance&) const = default;
+};
+
+/// New values for the properties that are given; the others stay.
+struct PieceChange {
+    std::optional<Size> bounds = std::nullopt;  ///< resizes around the centre; the origin is (0, 0)
+    std::optional<Rect> frame = std::nullopt;   ///< place and size within the parent
+    std::optional<Point> center = std::nullopt; ///< within the parent
+    std::optional<double> alpha = std::nullopt; ///< 0 to 1
+    std::optional<double> scale = std::nullopt; ///< of the drawing around the centre; 1 is unscaled
+    std::optional<bool> hidden = std::nullopt;
+
+    bool operator==(const PieceChange&) const = default;
+};
+
+struct Animation {
+    double duration = 0;               ///< seconds, counted from the call
+    bool layoutSubviews = false;       ///< lay the pieces inside out again on the way
+    bool allowUserInteraction = false; ///< touches pass meanwhile
+
+    bool operator==(const Animation&) const = default;
+};
+
+} // namespace dubrix

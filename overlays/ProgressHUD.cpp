@@ -1,0 +1,218 @@
+#include "overlays/ProgressHUD.h"
+
+#include "overlays/HudLayout.h"
+
+namespace dubrix {
+
+namespace {
+
+constexpr Color kClear{};
+constexpr Font kLabelFont{.pointSize = 16, .bold = true};
+constexpr HudAppearance kHudAppearance{.frame = {},
+                                       .translucent = true,
+                                       .backgroundColor = {0, 0, 0, 0.1},
+                                       .cornerRadius = 10,
+                                       .clipsToBounds = true};
+constexpr Color kDimming{0, 0, 0, 0.2};
+constexpr SpinnerAppearance kSpinnerAppearance{.style = SpinnerStyle::whiteLarge,
+                                               .color = {185.0 / 255, 220.0 / 255, 47.0 / 255, 1},
+                                               .hidesWhenStopped = true};
+constexpr ImageAppearance kImageAppearance{.frame = {{0, 0}, {28, 28}}};
+constexpr LabelAppearance kLabelAppearance{.frame = {},
+                                           .font = kLabelFont,
+                                           .textColor = {0, 0, 0, 1},
+                                           .backgroundColor = kClear,
+                                           .textAlignment = TextAlignment::center,
+                                           .baselineAdjustment = BaselineAdjustment::alignCenters,
+                                           .numberOfLines = 0};
+
+constexpr Size kLargestText{200, 300};
+constexpr double kPopDuration = 0.15;
+constexpr double kPopInScale = 1.4;
+constexpr double kPopOutScale = 0.7;
+
+constexpr double kSecondsToHide = 0.5;
+constexpr double kSecondsPerCharacter = 0.04;
+
+/// UTF-8 spends one byte that does not continue another on each character, and those that need two
+/// UTF-16 units are those of four bytes.
+std::size_t utf16Length(const std::string& text) {
+    std::size_t length = 0;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        const bool continues = (byte & 0xC0) == 0x80;
+        if (!continues)
+            length += byte >= 0xF0 ? 2 : 1;
+    }
+    return length;
+}
+
+std::optional<WindowId> windowToAttachTo(OverlayStage& stage) {
+    const std::optional<WindowId> declared = stage.delegateWindow();
+    return declared ? declared : stage.keyWindow();
+}
+
+} // namespace
+
+ProgressHUD::ProgressHUD(Key, OverlayStage& stage)
+    : stage_(stage),
+      frame_(stage.mainScreenBounds()),
+      window_(windowToAttachTo(stage)),
+      labelLength_(std::make_shared<std::atomic<std::size_t>>(0)) {}
+
+void ProgressHUD::hudMake(const Text& message, const Text& image, Spin spin, Hide hide) {
+    hudCreate();
+    stage_.setLabelText(message);
+    rememberText(message);
+    stage_.change(Piece::label, {.hidden = !message});
+    stage_.setImage(image);
+    stage_.change(Piece::image, {.hidden = !image});
+    if (spin == Spin::yes)
+        stage_.startSpinner();
+    else
+        stage_.stopSpinner();
+    hudSize();
+    hudPosition(std::nullopt);
+    hudShow();
+    if (hide == Hide::yes)
+        stage_.runOnNewThread([&stage = stage_, labelLength = labelLength_,
+                               self = weak_from_this()] { timedHide(stage, *labelLength, self); });
+}
+
+void ProgressHUD::hudCreate() {
+    if (!hudMade_) {
+        stage_.makeHud(kHudAppearance);
+        hudMade_ = true;
+        hudScale_ = 1;
+        registerNotifications();
+    }
+    if (!hudPlaced_ && window_) {
+        if (interaction_) {
+            stage_.addToWindow(Piece::hud, *window_);
+        } else {
+            stage_.makeBackground(
+                {.frame = stage_.windowFrame(*window_), .backgroundColor = kDimming});
+            backgroundMade_ = true;
+            stage_.addToWindow(Piece::background, *window_);
+            stage_.addToPiece(Piece::hud, Piece::background);
+        }
+        hudPlaced_ = true;
+    }
+    if (!contentsMade_) {
+        makeContents();
+        contentsMade_ = true;
+    }
+}
+
+void ProgressHUD::makeContents() {
+    stage_.makeSpinner(kSpinnerAppearance);
+    stage_.addToPiece(Piece::spinner, Piece::hud);
+    stage_.makeImage(kImageAppearance);
+    stage_.addToPiece(Piece::image, Piece::hud);
+    stage_.makeLabel(kLabelAppearance);
+    stage_.addToPiece(Piece::label, Piece::hud);
+}
+
+void ProgressHUD::registerNotifications() {
+    using enum OverlayNotification::Name;
+    for (const auto name : {UIApplicationDidChangeStatusBarOrientationNotification,
+                            UIKeyboardWillHideNotification, UIKeyboardDidHideNotification,
+                            UIKeyboardWillShowNotification, UIKeyboardDidShowNotification})
+        stage_.observe(name, [self = weak_from_this()](const OverlayNotification& notification) {
+            if (const auto hud = self.lock())
+                hud->hudPosition(notification);
+        });
+}
+
+void ProgressHUD::hudDestroy() {
+    stage_.stopObserving();
+    if (contentsMade_) {
+        stage_.removeFromParent(Piece::label);
+        stage_.removeFromParent(Piece::image);
+        stage_.removeFromParent(Piece::spinner);
+    }
+    if (hudMade_)
+        stage_.removeFromParent(Piece::hud);
+    if (backgroundMade_)
+        stage_.removeFromParent(Piece::background);
+    contentsMade_ = hudMade_ = hudPlaced_ = backgroundMade_ = false;
+    rememberText(std::nullopt);
+}
+
+void ProgressHUD::rememberText(const Text& text) {
+    labelText_ = text;
+    *labelLength_ = text ? utf16Length(*text) : 0;
+}
+
+void ProgressHUD::hudSize() {
+    std::optional<Size> text;
+    if (labelText_)
+        text = stage_.measureText(*labelText_, kLabelFont, kLargestText);
+    const HudLayout layout = layoutAround(text);
+    stage_.change(Piece::label, {.frame = layout.label});
+    stage_.change(Piece::hud, {.bounds = layout.box});
+    stage_.change(Piece::spinner, {.center = layout.mark});
+    stage_.change(Piece::image, {.center = layout.mark});
+}
+
+void ProgressHUD::hudPosition(const std::optional<OverlayNotification>& notification) {
+    const Orientation orientation = stage_.statusBarOrientation();
+    const double duration = notification ? notification->animationDuration : 0;
+    const double keyboard =
+        notification ? keyboardHeightAfter(*notification, orientation) : keyboardHeight();
+    const Point center = boxCenter(stage_.mainScreenBounds().size, orientation, keyboard);
+    stage_.animate(Piece::hud, {.center = center},
+                   {.duration = duration, .allowUserInteraction = true}, nullptr);
+}
+
+double ProgressHUD::keyboardHeight() {
+    for (const WindowContents& window : stage_.windows()) {
+        // The keyboard has a window of a class of its own.
+        if (window.className == "UIWindow")
+            continue;
+        for (const WindowContents::Subview& view : window.subviews)
+            if (view.className == "UIPeripheralHostView" || view.className == "UIKeyboard")
+                return view.height;
+    }
+    return 0;
+}
+
+void ProgressHUD::hudShow() {
+    if (alpha_ != 0)
+        return;
+    alpha_ = 1;
+    hudScale_ *= kPopInScale;
+    stage_.change(Piece::hud, {.alpha = 0});
+    stage_.change(Piece::hud, {.scale = hudScale_});
+    hudScale_ /= kPopInScale;
+    stage_.animate(Piece::hud, {.alpha = 1, .scale = hudScale_},
+                   {.duration = kPopDuration, .allowUserInteraction = true}, nullptr);
+}
+
+void ProgressHUD::hudHide() {
+    if (alpha_ != 1)
+        return;
+    hudScale_ *= kPopOutScale;
+    stage_.animate(Piece::hud, {.alpha = 0, .scale = hudScale_},
+                   {.duration = kPopDuration, .layoutSubviews = true, .allowUserInteraction = true},
+                   [self = weak_from_this()] {
+                       if (const auto hud = self.lock()) {
+                           hud->hudDestroy();
+                           hud->alpha_ = 0;
+                       }
+                   });
+}
+
+void ProgressHUD::timedHide(OverlayStage& stage, const std::atomic<std::size_t>& labelLength,
+                            const std::weak_ptr<ProgressHUD>& self) {
+    const double seconds =
+        kSecondsPerCharacter * static_cast<double>(labelLength.load()) + kSecondsToHide;
+    if (!stage.sleep(seconds))
+        return;
+    stage.runOnMainThread([self] {
+        if (const auto hud = self.lock())
+            hud->hudHide();
+    });
+}
+
+} // namespace dubrix
