@@ -21,7 +21,9 @@ namespace dubrix {
 /// A show while the box is shown replaces what it says in place; one that comes while it shrinks
 /// away does the same, and goes away with it.
 class ProgressHUD : public std::enable_shared_from_this<ProgressHUD> {
-    struct Key {};
+    struct Key {
+        explicit Key() = default;
+    };
 
 public:
     /// Gives the overlay its stage, in place of the one before. The stage must live until it is
