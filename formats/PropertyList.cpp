@@ -30,24 +30,23 @@ bool beginsTrue(std::string_view text) {
     return !text.empty() && std::string_view("YyTt123456789").find(text[0]) != text.npos;
 }
 
-/// Independent of the locale, unlike strtof.
+/// The number that `text` begins with, 0 if none, independent of the locale.
 float leadingNumber(std::string_view text) {
     text = withoutLeading(text, blanks);
-    if (text.starts_with('+'))
-        text.remove_prefix(1);
-    std::string_view digits = text.substr(text.starts_with('-') ? 1 : 0);
-    if (digits.empty() || std::string_view("0123456789.").find(digits[0]) == digits.npos)
+    const float sign = text.starts_with('-') ? -1.0F : 1.0F;
+    text.remove_prefix(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
+    if (text.find_first_of("0123456789.") != 0)
         return 0;
     double number = 0;
     auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error == std::errc::result_out_of_range) {
-        std::string_view matched = text.substr(0, static_cast<std::size_t>(end - text.data()));
-        bool isTiny = matched.find("e-") != text.npos || matched.find("E-") != text.npos ||
-                      matched.find_first_of("123456789") > matched.find('.');
-        number = isTiny ? 0 : std::numeric_limits<double>::infinity();
-        return static_cast<float>(text[0] == '-' ? -number : number);
-    }
-    return static_cast<float>(number);
+    if (error != std::errc::result_out_of_range)
+        return sign * static_cast<float>(number);
+    const std::string_view matched = text.substr(0, static_cast<std::size_t>(end - text.data()));
+    const std::size_t exponent = matched.find_first_of("eE");
+    const bool isTiny = exponent == matched.npos
+                            ? matched.find_first_not_of('0') == matched.find('.')
+                            : matched[exponent + 1] == '-';
+    return isTiny ? 0 : sign * std::numeric_limits<float>::infinity();
 }
 
 const PropertyListNode* find(const PropertyListNode& tree, std::string_view key) {

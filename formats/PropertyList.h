@@ -19,7 +19,9 @@ public:
     enum class Type { Boolean, Integer, Real, String, Data, Date, Uid, Null, Array, Dictionary };
 
     /// The value in `bytes`, whichever form they have; nothing for damaged, truncated, cyclic or
-    /// absurdly deep (more than 256 levels) or large input. Never throws on bad input.
+    /// absurdly deep (more than 256 levels) or large input (more than 128 MiB or 2^20 values,
+    /// shared ones counted wherever they appear). Never throws on bad input. Sets, integers beyond
+    /// 64 bits and texts with zero characters count as damage.
     static std::optional<PropertyList> parse(std::string_view bytes);
 
     static PropertyList dictionary();
@@ -69,6 +71,8 @@ public:
     void append(const PropertyList& value);
 
     /// The whole value in the phone's XML form, document type and trailing line break included.
+    /// What that form cannot hold is fitted: dates to whole seconds of the years 1 to 9999, a null
+    /// to an empty string (in a dictionary it is left out), bytes that are no UTF-8 to U+FFFD.
     std::string xml() const;
     /// The whole value in the binary form ("bplist00").
     std::string binary() const;

@@ -25,21 +25,23 @@ struct FreeMemory {
 using Value = std::unique_ptr<void, FreeValue>;
 using Memory = std::unique_ptr<void, FreeMemory>;
 
-/// The scalar's object in the library's own binary form, big-endian after its marker byte. Only
-/// there are the sign of an integer and all digits of a date to be seen.
-std::uint64_t binaryScalar(plist_t scalar) {
+/// The scalar's object, marker byte first, in the library's own binary form. Only there are the
+/// sign of an integer and all digits of a date to be seen.
+std::string binaryObject(plist_t scalar) {
     constexpr std::size_t headerLength = 8;
     char* bytes = nullptr;
     std::uint32_t length = 0;
     plist_to_bin(scalar, &bytes, &length);
     Memory owner(bytes);
-    const std::string_view object = std::string_view(bytes, bytes ? length : 0)
-                                        .substr(std::min<std::size_t>(headerLength, length));
-    std::uint64_t number = 0;
-    if (!object.empty())
-        for (char byte : object.substr(1, std::size_t{1} << (object[0] & 7)))
-            number = number << 8 | static_cast<unsigned char>(byte);
-    return number;
+    return length > headerLength ? std::string(bytes + headerLength, length - headerLength) : "";
+}
+
+double secondsSince2001(plist_t date) {
+    std::uint64_t bits = 0;
+    const std::string object = binaryObject(date);
+    for (char byte : object.substr(std::min<std::size_t>(1, object.size()), sizeof bits))
+        bits = bits << 8 | static_cast<unsigned char>(byte);
+    return std::bit_cast<double>(bits);
 }
 
 /// Copies the library's tree. `nulls` says of each boolean, in the order of the document, whether
@@ -62,7 +64,7 @@ public:
             return Node{number};
         }
         case PLIST_DATE:
-            return Node{Node::Date{std::bit_cast<double>(binaryScalar(value))}};
+            return Node{Node::Date{secondsSince2001(value)}};
         case PLIST_UID: {
             std::uint64_t number = 0;
             plist_get_uid_val(value, &number);
@@ -106,13 +108,7 @@ private:
     }
 
     /// An unsigned number above INT64_MAX takes 16 bytes in the binary form, a negative one 8.
-    static bool isUnsigned(plist_t value) {
-        char* bytes = nullptr;
-        std::uint32_t length = 0;
-        plist_to_bin(value, &bytes, &length);
-        Memory owner(bytes);
-        return length > 8 && bytes[8] == 0x14;
-    }
+    static bool isUnsigned(plist_t value) { return binaryObject(value).starts_with('\x14'); }
 
     std::optional<Node> array(plist_t value) {
         Node::Array values;

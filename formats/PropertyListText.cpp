@@ -41,7 +41,8 @@ public:
         if (!node || !node->as<std::string>())
             return std::nullopt;
         rest_ = start;
-        return pairs(1);
+        node = pairs(1);
+        return rest_.empty() ? std::move(node) : std::nullopt;
     }
 
 private:
@@ -78,7 +79,6 @@ private:
                 return std::nullopt;
             entries.put(std::move(*key), std::move(*item));
         }
-        // Braceless pairs must reach the end; inside braces the caller looks for the brace.
         return entries.take();
     }
 

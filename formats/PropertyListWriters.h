@@ -10,7 +10,7 @@ namespace dubrix {
 /// elsewhere. It has whole seconds and years 1 to 9999: dates are rounded down and held in there.
 std::string writeXmlPropertyList(const PropertyListNode& node);
 
-/// The binary form, version "00"; equal strings are stored once.
+/// The binary form, version "00"; equal scalars are stored once.
 std::string writeBinaryPropertyList(const PropertyListNode& node);
 
 /// The value as text for a reader: see PropertyList::description.
@@ -20,7 +20,8 @@ std::string describePropertyList(const PropertyListNode& node);
 /// "+infinity" and "-infinity" for what is no number.
 std::string formattedReal(double number, int digits);
 
-/// The UTC calendar date and time of a date value. Not for years outside -30000 to 30000.
+/// The UTC calendar date and time of a date value, in whole seconds (rounded down); what lies
+/// outside the years 1 to 9999 is held at their ends, and no number is 2001-01-01T00:00:00Z.
 struct CalendarTime {
     int year;
     unsigned month, day, hour, minute, second;

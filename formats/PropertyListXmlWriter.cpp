@@ -25,8 +25,7 @@ std::string xmlText(std::string_view text) {
 }
 
 std::string dateText(double secondsSince2001) {
-    double seconds = std::isnan(secondsSince2001) ? 0 : secondsSince2001;
-    CalendarTime time = calendarTime(std::clamp(seconds, firstSecondOfYear1, lastSecondOfYear9999));
+    const CalendarTime time = calendarTime(secondsSince2001);
     std::array<char, 64> text{};
     std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02u:%02u:%02uZ", time.year, time.month,
                   time.day, time.hour, time.minute, time.second);
@@ -144,8 +143,11 @@ std::string formattedReal(double number, int digits) {
 CalendarTime calendarTime(double secondsSince2001) {
     using namespace std::chrono;
     constexpr sys_days epoch = year{2001} / January / 1;
-    auto instant =
-        sys_seconds{epoch} + seconds{static_cast<long long>(std::floor(secondsSince2001))};
+    const double held =
+        std::isnan(secondsSince2001)
+            ? 0
+            : std::clamp(secondsSince2001, firstSecondOfYear1, lastSecondOfYear9999);
+    auto instant = sys_seconds{epoch} + seconds{static_cast<long long>(std::floor(held))};
     auto midnight = floor<days>(instant);
     year_month_day date{midnight};
     auto sinceMidnight = static_cast<unsigned>((instant - midnight).count());
