@@ -3,8 +3,10 @@
 #include <QByteArray>
 #include <QHash>
 #include <QList>
+#include <QPointF>
 #include <QString>
 
+class QObject;
 class QQuickItem;
 class QQuickWindow;
 

@@ -22,15 +22,15 @@ struct ScriptStep {
     enum class Verb { Tap, Type, Wait, Expect, Absent, Shot };
 
     Verb verb = Verb::Tap;
-    std::string target; ///< NAME, TEXT or FILE.png
-    std::string text;   ///< what `type` types
+    std::string target{}; ///< NAME, TEXT or FILE.png
+    std::string text{};   ///< what `type` types
     double seconds = 10;
 };
 
 /// What a line of a script says: a step, nothing (neither is set), or what is wrong with it.
 struct ScriptLine {
-    std::optional<ScriptStep> step;
-    std::string error;
+    std::optional<ScriptStep> step{};
+    std::string error{};
 };
 
 ScriptLine parseScriptLine(std::string_view line);

@@ -8,7 +8,7 @@ namespace dubrix {
 std::string FormatArgument::print() const {
     if (const auto* text = std::get_if<Text>(&value_))
         return text->value_or("(null)");
-    if (const auto* number = std::get_if<long long>(&value_))
+    if (const auto* number = std::get_if<int>(&value_))
         return std::to_string(*number);
     std::array<char, 400> digits{}; // the largest double has 309 digits before its point
     const int length = std::snprintf(digits.data(), digits.size(), "%f", std::get<double>(value_));

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <concepts>
 #include <optional>
 #include <span>
 #include <string>
@@ -18,14 +17,14 @@ public:
     FormatArgument(const Text& text) : value_(text) {}
     FormatArgument(const std::string& text) : value_(Text(text)) {}
     FormatArgument(const char* text) : value_(Text(text)) {}
-    FormatArgument(std::integral auto number) : value_(static_cast<long long>(number)) {}
-    FormatArgument(std::floating_point auto number) : value_(static_cast<double>(number)) {}
+    FormatArgument(int number) : value_(number) {}
+    FormatArgument(double number) : value_(number) {}
 
     /// The value as it reads in a text: "(null)" for an absent text, six decimals for a real.
     std::string print() const;
 
 private:
-    std::variant<Text, long long, double> value_;
+    std::variant<Text, int, double> value_;
 };
 
 std::string formatText(std::string_view format, std::span<const FormatArgument> arguments);

@@ -63,7 +63,8 @@ QuickOverlayStage::~QuickOverlayStage() = default;
 void QuickOverlayStage::windowDidLayout(double width, double height) {
     screen_ = {width, height};
     // A resized window is to the overlay what a turned screen is: a reason to find its place again.
-    notify({.name = NotificationName::UIApplicationDidChangeStatusBarOrientationNotification});
+    notify({.name =
+                OverlayNotification::Name::UIApplicationDidChangeStatusBarOrientationNotification});
 }
 
 std::vector<WindowContents> QuickOverlayStage::windows() {
@@ -147,12 +148,12 @@ void QuickOverlayStage::animate(Piece which, const PieceChange& properties,
         QTimer::singleShot(milliseconds(animation.duration), this, std::move(completion));
 }
 
-void QuickOverlayStage::observe(NotificationName name,
-                                std::function<void(const Notification&)> handler) {
+void QuickOverlayStage::observe(OverlayNotification::Name name,
+                                std::function<void(const OverlayNotification&)> handler) {
     observers_.push_back({name, std::move(handler)});
 }
 
-void QuickOverlayStage::notify(const Notification& notification) {
+void QuickOverlayStage::notify(const OverlayNotification& notification) {
     const std::vector<Observer> observers = observers_; // a handler may end its observation
     for (const Observer& observer : observers)
         if (observer.name == notification.name)
@@ -162,8 +163,8 @@ void QuickOverlayStage::notify(const Notification& notification) {
 void QuickOverlayStage::keyboardChanged() {
     const QRectF keyboard = QGuiApplication::inputMethod()->keyboardRectangle();
     keyboardHeight_ = keyboard.height();
-    notify({.name = keyboard.isEmpty() ? NotificationName::UIKeyboardDidHideNotification
-                                       : NotificationName::UIKeyboardDidShowNotification,
+    notify({.name = keyboard.isEmpty() ? OverlayNotification::Name::UIKeyboardDidHideNotification
+                                       : OverlayNotification::Name::UIKeyboardDidShowNotification,
             .animationDuration = 0.25,
             .keyboardFrameBegin = {{keyboard.x(), keyboard.y()},
                                    {keyboard.width(), keyboard.height()}}});

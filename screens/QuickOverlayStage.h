@@ -109,7 +109,8 @@ public:
     void animate(Piece piece, const PieceChange& properties, const Animation& animation,
                  std::function<void()> completion) override;
 
-    void observe(NotificationName name, std::function<void(const Notification&)> handler) override;
+    void observe(OverlayNotification::Name name,
+                 std::function<void(const OverlayNotification&)> handler) override;
     void stopObserving() override { observers_.clear(); }
     void runOnMainThread(std::function<void()> work) override;
     void runOnNewThread(std::function<void()> work) override;
@@ -131,14 +132,14 @@ Q_SIGNALS:
 
 private:
     struct Observer {
-        NotificationName name;
-        std::function<void(const Notification&)> handler;
+        OverlayNotification::Name name;
+        std::function<void(const OverlayNotification&)> handler;
     };
 
     OverlayPiece& piece(Piece which) { return pieces_[static_cast<std::size_t>(which)]; }
     void setSpinning(bool spinning);
     void keyboardChanged();
-    void notify(const Notification& notification);
+    void notify(const OverlayNotification& notification);
 
     std::array<OverlayPiece, 5> pieces_;
     Size screen_;
