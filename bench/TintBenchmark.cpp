@@ -4,6 +4,7 @@
 #include "platform/linux/PngEncoding.h"
 
 #include <benchmark/benchmark.h>
+#include <cstddef>
 #include <cstdlib>
 
 namespace dubrix {
@@ -27,7 +28,8 @@ RgbaImage icon(std::uint32_t size) {
             const auto sample = [&](int onDisc, int elsewhere) {
                 return static_cast<std::uint8_t>(isCorner ? 0 : isDisc ? onDisc : elsewhere);
             };
-            std::uint8_t* const pixel = image.row(static_cast<std::uint32_t>(y)) + x * 4;
+            std::uint8_t* const pixel =
+                image.row(static_cast<std::uint32_t>(y)) + std::ptrdiff_t{x} * 4;
             pixel[0] = sample(250, x * 200 / extent + grain);
             pixel[1] = sample(240, y * 180 / extent + grain);
             pixel[2] = sample(230, (x + y) * 120 / extent + grain);
