@@ -18,9 +18,13 @@
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQmlExtensionPlugin>
 #include <QQuickWindow>
 #include <fcntl.h>
 #include <memory>
+
+
+Q_IMPORT_QML_PLUGIN(DubrixPlugin)
 
 namespace {
 
@@ -109,6 +113,7 @@ int main(int argc, char** argv) {
     int status = 1;
     {
         QQmlApplicationEngine engine;
+        engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
         engine.addImageProvider(QStringLiteral("template"), new TemplateImageProvider);
         engine.setInitialProperties(
             {{QStringLiteral("root"),

@@ -3,8 +3,9 @@
 #include "platform/linux/MonochromeRemap.h"
 #include "platform/linux/PngEncoding.h"
 
-#include <algorithm>
 #include <benchmark/benchmark.h>
+#include <cstddef>
+#include <cstdlib>
 
 namespace dubrix {
 
@@ -24,11 +25,15 @@ RgbaImage icon(std::uint32_t size) {
             const bool isDisc = dx * dx + dy * dy < extent * extent / 3;
             const bool isCorner = std::abs(dx) + std::abs(dy) > extent * 9 / 5;
             const int grain = static_cast<int>(noise >> 30);
-            std::uint8_t* const pixel = image.row(static_cast<std::uint32_t>(y)) + x * 4;
-            pixel[0] = static_cast<std::uint8_t>(isDisc ? 250 : x * 200 / extent + grain);
-            pixel[1] = static_cast<std::uint8_t>(isDisc ? 240 : y * 180 / extent + grain);
-            pixel[2] = static_cast<std::uint8_t>(isDisc ? 230 : (x + y) * 120 / extent + grain);
-            pixel[3] = isCorner ? 0 : 255;
+            const auto sample = [&](int onDisc, int elsewhere) {
+                return static_cast<std::uint8_t>(isCorner ? 0 : isDisc ? onDisc : elsewhere);
+            };
+            std::uint8_t* const pixel =
+                image.row(static_cast<std::uint32_t>(y)) + std::ptrdiff_t{x} * 4;
+            pixel[0] = sample(250, x * 200 / extent + grain);
+            pixel[1] = sample(240, y * 180 / extent + grain);
+            pixel[2] = sample(230, (x + y) * 120 / extent + grain);
+            pixel[3] = sample(255, 255);
         }
     }
     return image;

@@ -155,7 +155,8 @@ std::optional<std::string> standardPngFromCrushed(std::string_view bytes) {
             row.swap(above);
         }
     }
-    return writer.finish();
+    std::vector<std::uint8_t> beyond(1);
+    return inflater.read(beyond) ? std::nullopt : writer.finish();
 }
 
 } // namespace dubrix

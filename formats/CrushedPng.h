@@ -11,7 +11,8 @@ namespace dubrix {
 bool isCrushedPng(std::string_view bytes);
 
 /// The same image as a standard PNG stream, of the same size and interlacing; any PNG decoder reads
-/// it. Nothing for bytes that are damaged, cut short, beyond `imagePixelLimit` or no crushed PNG.
+/// it. Nothing for bytes that are damaged, cut short, beyond `imagePixelLimit`, followed by
+/// more data than the size declares, or no crushed PNG.
 ///
 /// A crushed PNG differs from the standard in that its data is deflated without the zlib frame
 /// (bit 0x10000000 of the CgBI chunk's word), colours stand as blue, green, red, and colours are

@@ -47,6 +47,10 @@ PngWriter::PngWriter(const PngHeader& header, Packing packing)
 
 PngWriter::~PngWriter() = default;
 
+void PngWriter::addChunk(std::string_view type, std::string_view data) {
+    appendPngChunk(stream_, type, data);
+}
+
 void PngWriter::addRow(std::string_view filteredRow) {
     z_stream& deflating = deflater_->stream;
     // zlib's input pointer is not const for historical reasons; it does not write through it.

@@ -23,6 +23,9 @@ public:
     PngWriter(const PngWriter&) = delete;
     PngWriter& operator=(const PngWriter&) = delete;
 
+    /// Adds a chunk that stands between the header and the rows.
+    void addChunk(std::string_view type, std::string_view data);
+
     /// Adds the next row: its filter byte and its filtered bytes. Of an interlaced image the rows
     /// of each pass in turn.
     void addRow(std::string_view filteredRow);

@@ -30,6 +30,7 @@ public:
             return false;
         const std::size_t available = rest_.size();
         png_set_read_fn(png_, this, &giveBytes);
+        png_set_benign_errors(png_, 0); // a false checksum or surplus data counts as damage
         // Texts and profiles can unpack to megabytes, and none changes a pixel here.
         png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
         png_read_info(png_, info_);

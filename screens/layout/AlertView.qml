@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Dubrix
 
 /// An alert as the phone draws it: title, message, then the buttons side by side when there are two
 /// that fit, else one below the other.

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Window
+import Dubrix
 
 /// The application window: the root screen, the modal screens over it, the status overlay over all.
 Window {

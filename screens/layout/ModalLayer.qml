@@ -1,4 +1,5 @@
 import QtQuick
+import Dubrix
 
 /// One modal screen over everything below it: takes all input, fades in and out.
 FocusScope {

@@ -1,4 +1,5 @@
 import QtQuick
+import Dubrix
 
 /// The main screen's table: five sections, eight rows. Heights come from the controller.
 Flickable {

@@ -1,14 +1,25 @@
 import QtQuick
+import Dubrix
 
-/// Draws a screen with the layout file that its controller names.
+/// Draws a screen with the layout file that its controller names, from when it is first wanted.
 Loader {
     id: loader
 
     required property ViewController controller
+    property bool wanted: true
 
-    Component.onCompleted: setSource(controller.layout, {
-        controller: controller
-    })
-    onWidthChanged: controller.viewDidLayout(width / Theme.scale, height / Theme.scale)
-    onHeightChanged: controller.viewDidLayout(width / Theme.scale, height / Theme.scale)
+    function load() {
+        if (wanted && status === Loader.Null)
+            setSource(controller.layout, {
+                controller: controller
+            });
+    }
+    function report() {
+        controller.viewDidLayout(width / Theme.scale, height / Theme.scale);
+    }
+
+    Component.onCompleted: load()
+    onWantedChanged: load()
+    onWidthChanged: report()
+    onHeightChanged: report()
 }

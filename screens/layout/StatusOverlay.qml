@@ -1,4 +1,5 @@
 import QtQuick
+import Dubrix
 
 /// The status overlay, drawn from its stage's numbers, which are in points.
 Item {

@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Dubrix
 
 /// The tabs' buttons: image over title, the selected one in the accent colour.
 Rectangle {

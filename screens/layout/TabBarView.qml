@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Dubrix
 
 /// The selected tab's screen with the tab bar below it. A screen is drawn from its first selection
 /// on.
@@ -11,9 +12,7 @@ Item {
 
     Repeater {
         model: view.controller.viewControllers
-        delegate: Loader {
-            id: tab
-
+        delegate: ScreenLoader {
             required property int index
             required property ViewController modelData
             readonly property bool selected: index === view.controller.selectedIndex
@@ -25,13 +24,10 @@ Item {
                 bottom: parent?.bottom
                 bottomMargin: bar.height
             }
+            controller: modelData
+            wanted: selected
             visible: selected
             focus: selected
-            onSelectedChanged: active = active || selected
-            active: index === view.controller.selectedIndex
-            sourceComponent: ScreenLoader {
-                controller: tab.modelData
-            }
         }
     }
 

@@ -1,0 +1,240 @@
+#include "platform/linux/ImageDecoding.h"
+#include "platform/linux/LinuxMonochromeFilter.h"
+#include "platform/linux/MonochromeRemap.h"
+#include "platform/linux/PngEncoding.h"
+#include "tests/formats/CrushedPngFile.h"
+#include "tests/platform/SamplePng.h"
+
+#include <QBuffer>
+#include <QImage>
+#include <cmath>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+
+namespace dubrix {
+
+namespace {
+
+using Color = std::array<float, 3>;
+
+double linear(double value) {
+    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+}
+
+double encoded(double value) {
+    return value <= 0.0031308 ? value * 12.92 : 1.055 * std::pow(value, 1 / 2.4) - 0.055;
+}
+
+/// Expects `actual` to be the remap of `source` within 1/255, with the same alpha.
+void expectRemapped(const Rgba& source, const Color& color, const Rgba& actual) {
+    const double luminance = 0.2126 * linear(source[0] / 255.0) +
+                             0.7152 * linear(source[1] / 255.0) +
+                             0.0722 * linear(source[2] / 255.0);
+    for (std::size_t sample = 0; sample < 3; ++sample) {
+        const double exact = 255 * encoded(luminance * linear(double{color[sample]}));
+        ASSERT_NEAR(actual[sample], exact, 1.0) << int{source[0]} << ' ' << int{source[1]} << ' '
+                                                << int{source[2]} << ", component " << sample;
+    }
+    ASSERT_EQ(actual[3], source[3]);
+}
+
+Rgba pixelAt(const QImage& image, std::size_t index) {
+    const auto width = static_cast<std::size_t>(image.width());
+    const uchar* const at =
+        image.constScanLine(static_cast<int>(index / width)) + index % width * 4;
+    return {at[0], at[1], at[2], at[3]};
+}
+
+/// Expects the filter to turn the file into a PNG of these pixels, remapped.
+void expectTinted(const std::string& file, std::uint32_t width, const std::vector<Rgba>& pixels) {
+    const Color color{0.8F, 0.2F, 1.0F};
+    const auto png = LinuxMonochromeFilter().monochromePng(file, color[0], color[1], color[2]);
+    ASSERT_TRUE(png);
+    const QImage image = QImage::fromData(QByteArray::fromStdString(*png), "PNG")
+                             .convertToFormat(QImage::Format_RGBA8888);
+    ASSERT_EQ(image.width(), static_cast<int>(width));
+    ASSERT_EQ(image.height(), static_cast<int>(pixels.size() / width));
+    for (std::size_t index = 0; index < pixels.size(); ++index)
+        ASSERT_NO_FATAL_FAILURE(expectRemapped(pixels[index], color, pixelAt(image, index)))
+            << "pixel " << index;
+}
+
+std::string jpegOf(const QImage& image) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    image.save(&buffer, "JPEG", 100);
+    return bytes.toStdString();
+}
+
+QImage gradient(QImage::Format format) {
+    QImage image(40, 24, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, qRgb(x * 6, y * 10, 255 - x * 3));
+    return image.convertToFormat(format);
+}
+
+bool decodes(const std::string& bytes) {
+    return decodeImage(bytes).has_value();
+}
+
+} // namespace
+
+TEST(MonochromeRemap, FollowsTheFormula) {
+    for (const Color& color : {Color{1, 1, 1}, Color{1, 0.4F, 0}, Color{0.02F, 0.2F, 0.6F}}) {
+        const MonochromeRemap remap(color[0], color[1], color[2]);
+        for (unsigned value = 0; value < 1U << 24; value += 1021) {
+            const Rgba source{static_cast<std::uint8_t>(value >> 16),
+                              static_cast<std::uint8_t>(value >> 8),
+                              static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value)};
+            Rgba pixel = source;
+            remap.apply(pixel.data(), 1);
+            ASSERT_NO_FATAL_FAILURE(expectRemapped(source, color, pixel));
+        }
+    }
+}
+
+TEST(MonochromeRemap, EndsOfTheScaleAreExact) {
+    constexpr float none = std::numeric_limits<float>::quiet_NaN();
+    const struct {
+        Color color;
+        Rgba ofWhite;
+    } cases[] = {
+        {{0.8F, 0.2F, 0.4F}, {204, 51, 102, 9}},
+        {{0, 0, 0}, {0, 0, 0, 9}},
+        {{none, -3, 1e30F}, {0, 0, 255, 9}},
+    };
+    for (const auto& [color, ofWhite] : cases) {
+        const MonochromeRemap remap(color[0], color[1], color[2]);
+        std::array<Rgba, 2> pixels{{{255, 255, 255, 9}, {0, 0, 0, 0}}};
+        remap.apply(pixels[0].data(), pixels.size());
+        EXPECT_EQ(pixels[0], ofWhite);
+        EXPECT_EQ(pixels[1], (Rgba{0, 0, 0, 0}));
+    }
+    const MonochromeRemap white(1, 1, 1);
+    for (unsigned level = 0; level < 256; ++level) {
+        const auto grey = static_cast<std::uint8_t>(level);
+        Rgba pixel{grey, grey, grey, 255};
+        white.apply(pixel.data(), 1);
+        EXPECT_EQ(pixel, (Rgba{grey, grey, grey, 255}));
+    }
+}
+
+TEST(MonochromeFilter, TakesEveryKindOfPng) {
+    std::vector<PngKind> kinds;
+    for (const bool isInterlaced : {false, true}) {
+        for (const int depth : {1, 2, 4, 8, 16}) {
+            for (const int type : {0, 2, 3, 4, 6}) {
+                const bool exists = type == 0 || (type == 3 ? depth <= 8 : depth >= 8);
+                for (const bool hasTransparency : {false, true}) {
+                    if (exists && !(hasTransparency && (type & PNG_COLOR_MASK_ALPHA)))
+                        kinds.push_back({type, depth, isInterlaced, hasTransparency});
+                }
+            }
+        }
+    }
+    for (const PngKind& kind : kinds) {
+        SCOPED_TRACE(testing::Message() << "colour type " << kind.colorType << ", depth "
+                                        << kind.depth << ", interlaced " << kind.isInterlaced
+                                        << ", transparency " << kind.hasTransparency);
+        SamplePng sample(kind);
+        expectTinted(sample.bytes(), SamplePng::width, sample.expected());
+    }
+}
+
+TEST(MonochromeFilter, TakesCrushedPngAndJpeg) {
+    std::vector<Rgba> opaque = samplePixels(30 * 20);
+    for (Rgba& pixel : opaque)
+        pixel[3] = 255;
+    expectTinted(CrushedPngFile{30, 20, true, false, 2}.bytes(opaque), 30, opaque);
+    for (const auto format : {QImage::Format_RGB32, QImage::Format_Grayscale8}) {
+        const std::string jpeg = jpegOf(gradient(format));
+        const QImage same = QImage::fromData(QByteArray::fromStdString(jpeg), "JPEG")
+                                .convertToFormat(QImage::Format_RGBA8888);
+        std::vector<Rgba> pixels;
+        for (std::size_t index = 0; index < 40 * 24; ++index)
+            pixels.push_back(pixelAt(same, index));
+        expectTinted(jpeg, 40, pixels);
+    }
+}
+
+TEST(MonochromeFilter, EncodesExactlyAroundTheLimitOfAPalette) {
+    for (const std::uint8_t mostAlpha : {255, 254}) {
+        for (const std::size_t values : {1U, 256U, 257U, 900U}) {
+            RgbaImage image(30, 30);
+            for (std::size_t index = 0; index < image.pixelCount(); ++index) {
+                const std::size_t value = index % values;
+                const Rgba pixel{static_cast<std::uint8_t>(value), 7,
+                                 static_cast<std::uint8_t>(value >> 8), mostAlpha};
+                std::copy(pixel.begin(), pixel.end(), image.bytes.get() + index * pixel.size());
+            }
+            const auto png = encodePng(image);
+            ASSERT_TRUE(png);
+            const QImage read = QImage::fromData(QByteArray::fromStdString(*png), "PNG")
+                                    .convertToFormat(QImage::Format_RGBA8888);
+            ASSERT_EQ(read.size(), QSize(30, 30));
+            EXPECT_EQ(0, std::memcmp(read.constBits(), image.bytes.get(), 30 * 30 * 4))
+                << values << " values";
+        }
+    }
+}
+
+TEST(MonochromeFilter, DamageGivesNothing) {
+    const std::string png = SamplePng({PNG_COLOR_TYPE_RGB, 8, true, false}).bytes();
+    const std::string jpeg = jpegOf(gradient(QImage::Format_RGB32));
+    for (const std::string& sound : {png, jpeg}) {
+        ASSERT_TRUE(decodes(sound));
+        for (std::size_t size = 0; size < sound.size() - 1; size += 3)
+            ASSERT_FALSE(decodes(sound.substr(0, size))) << size;
+    }
+    const auto pngOf = [](std::uint32_t width, std::uint32_t height, std::size_t bytes) {
+        std::string file(pngSignature);
+        appendPngChunk(file, "IHDR", PngHeader{width, height}.chunkData());
+        appendPngChunk(file, "IDAT", deflated(std::string(bytes, '\0'), 15));
+        appendPngChunk(file, "IEND", {});
+        return file;
+    };
+    EXPECT_TRUE(decodes(pngOf(4, 4, 4 * 17)));
+    EXPECT_FALSE(decodes(pngOf(4, 4, std::size_t{32} << 20))) << "more data than declared";
+    EXPECT_FALSE(decodes(pngOf(60000, 60000, 100)));
+    EXPECT_FALSE(decodes(pngOf(8000, 8000, 100)));
+    std::string hugeJpeg = jpeg;
+    const std::size_t frame = jpeg.find("\xff\xc0");
+    ASSERT_NE(frame, std::string::npos);
+    hugeJpeg.replace(frame + 5, 4, "\xea\x60\xea\x60");
+    EXPECT_FALSE(decodes(hugeJpeg));
+    EXPECT_FALSE(decodes("no image at all"));
+}
+
+TEST(MonochromeFilter, SurvivesMutatedFiles) {
+    const auto palette = SamplePng({PNG_COLOR_TYPE_PALETTE, 4, true, true}).bytes();
+    const auto deep = SamplePng({PNG_COLOR_TYPE_RGB_ALPHA, 16, false, false}).bytes();
+    const auto crushed = CrushedPngFile{9, 9, true, false, 3}.bytes(samplePixels(81));
+    const std::string sources[] = {palette, deep, crushed, jpegOf(gradient(QImage::Format_RGB32))};
+    std::minstd_rand random(20);
+    std::size_t refused = 0;
+    for (int round = 0; round < 4000; ++round) {
+        std::string file = sources[round % 4];
+        for (auto count = 1 + random() % 3; count > 0; --count)
+            file[random() % file.size()] = static_cast<char>(random() >> 7);
+        // Checksums are made good again, so that the mutation reaches what lies behind them.
+        std::string repaired(pngSignature);
+        for (std::size_t at = 8; round % 4 < 3 && at + 12 <= file.size();) {
+            const std::size_t length =
+                std::min<std::size_t>(bigEndian32(file.substr(at)), file.size() - at - 12);
+            appendPngChunk(repaired, file.substr(at + 4, 4), file.substr(at + 8, length));
+            at += 12 + length;
+        }
+        const auto png =
+            LinuxMonochromeFilter().monochromePng(round % 4 < 3 ? repaired : file, 1, 0, 0);
+        if (!png)
+            ++refused;
+        else
+            ASSERT_TRUE(decodes(*png)) << round;
+    }
+    EXPECT_GT(refused, 1000U);
+}
+
+} // namespace dubrix
