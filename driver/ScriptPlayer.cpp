@@ -1,6 +1,7 @@
 #include "driver/ScriptPlayer.h"
 
 #include <iostream>
+#include <utility>
 
 namespace dubrix {
 
@@ -8,6 +9,7 @@ namespace {
 
 constexpr int lookEvery = 20; // milliseconds
 constexpr double tapPatience = 5;
+constexpr double shotPatience = 1;
 constexpr auto failureShot = "dubrix-failed.png";
 
 QString oneLine(QString text) {
@@ -21,6 +23,8 @@ double patience(const ScriptStep& step) {
         return tapPatience;
     case ScriptStep::Verb::Wait:
         return step.seconds;
+    case ScriptStep::Verb::Shot:
+        return shotPatience;
     default:
         return 0;
     }
@@ -99,13 +103,22 @@ ScriptPlayer::Outcome ScriptPlayer::tryStep() {
     case ScriptStep::Verb::Absent:
         return when(!screen_.shows(target));
     case ScriptStep::Verb::Shot:
-        return saveShot(step_->target);
+        return takeShot();
     }
     return Outcome::Failed;
 }
 
-ScriptPlayer::Outcome ScriptPlayer::saveShot(const std::string& file) {
+ScriptPlayer::Outcome ScriptPlayer::takeShot() {
+    // Two looks alike: what moved has come to rest. Something that turns all the time never does.
     const QByteArray picture = screen_.picture();
+    const bool settled = picture == std::exchange(picture_, picture);
+    if (!settled && waiting_.elapsed() < static_cast<qint64>(shotPatience * 1000))
+        return Outcome::NotYet;
+    picture_.clear();
+    return saveShot(step_->target, picture);
+}
+
+ScriptPlayer::Outcome ScriptPlayer::saveShot(const std::string& file, const QByteArray& picture) {
     reason_ = shots_.save(file, {picture.constData(), static_cast<std::size_t>(picture.size())});
     return reason_.empty() ? Outcome::Done : Outcome::Failed;
 }
@@ -120,7 +133,7 @@ void ScriptPlayer::fail() {
     std::cout << "      to tap:\n";
     for (const QString& name : screen_.names())
         std::cout << "        \"" << oneLine(name).toStdString() << "\"\n";
-    if (reason_.empty() && saveShot(failureShot) == Outcome::Done)
+    if (reason_.empty() && saveShot(failureShot, screen_.picture()) == Outcome::Done)
         std::cout << "      saved " << failureShot << "\n";
     std::cout << std::flush;
     end(1);

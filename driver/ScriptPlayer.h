@@ -5,6 +5,7 @@
 #include "driver/ScriptStep.h"
 #include "driver/ShotPipe.h"
 
+#include <QByteArray>
 #include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
@@ -34,7 +35,8 @@ private:
     void narrate();
     bool takeStep();
     Outcome tryStep();
-    Outcome saveShot(const std::string& file);
+    Outcome takeShot();
+    Outcome saveShot(const std::string& file, const QByteArray& picture);
     void fail();
     void end(int status);
 
@@ -46,6 +48,7 @@ private:
     std::string line_;
     std::optional<ScriptStep> step_;
     std::string reason_;
+    QByteArray picture_;
     QList<Screen::Alert> alerts_;
 };
 

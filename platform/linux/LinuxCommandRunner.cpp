@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <cerrno>
-#include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -46,9 +46,14 @@ void LinuxCommandRunner::runCommand(const std::string& command) {
         environment.push_back(*variable);
     environment.push_back(nullptr);
 
-    pid_t process = 0;
-    if (::posix_spawn(&process, arguments[0], nullptr, nullptr, const_cast<char* const*>(arguments),
-                      environment.data()) != 0)
+    const pid_t process = ::fork();
+    if (process == 0) {
+        // Copies keep their group's rights; the world's right to write is not passed on.
+        ::umask(S_IWOTH);
+        ::execve(arguments[0], const_cast<char* const*>(arguments), environment.data());
+        ::_exit(127);
+    }
+    if (process < 0)
         return;
     if (QCoreApplication::instance())
         waitWhilePainting(process);

@@ -1,6 +1,7 @@
 import QtQuick
+import Dubrix
 
-/// Shows where the keyboard is. Only while the keyboard is in use, not after a tap.
+/// Shows where the keyboard is, while the keyboard is in use.
 Rectangle {
     id: ring
 
@@ -9,7 +10,7 @@ Rectangle {
 
     anchors.fill: parent
     anchors.margins: inset
-    visible: target.activeFocus
+    visible: target.activeFocus && KeyboardUse.active
     color: "transparent"
     radius: Theme.points(8)
     border.width: 2

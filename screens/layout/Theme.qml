@@ -11,8 +11,7 @@ QtObject {
     readonly property bool dark: systemPalette.window.hslLightness < 0.5
 
     /// Pixels to the point.
-    readonly property real scale: Math.max(0.9, Application.font.pointSize > 0
-                                                ? Application.font.pointSize / 10 : 1)
+    readonly property real scale: Math.max(1, Application.font.pointSize / 11)
 
     readonly property color ground: dark ? "#000000" : "#f2f2f7"
     readonly property color card: dark ? "#1c1c1e" : "#ffffff"
