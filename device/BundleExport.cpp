@@ -1,0 +1,153 @@
+#include "device/BundleExport.h"
+
+#include "device/Descriptor.h"
+#include "device/FileTree.h"
+
+#include <archive.h>
+#include <archive_entry.h>
+#include <cstdlib>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <vector>
+
+namespace dubrix {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t bufferSize = std::size_t{256} << 10;
+
+using Archive = std::unique_ptr<archive, int (*)(archive*)>;
+using Entry = std::unique_ptr<archive_entry, void (*)(archive_entry*)>;
+
+Failure packingFailure(archive* packer) {
+    if (archive_errno(packer) > 0)
+        return systemFailure("cannot be written", archive_errno(packer));
+    return Failure{"cannot be written"};
+}
+
+/// Walks one bundle and puts everything into an archive.
+class BundlePacker {
+public:
+    explicit BundlePacker(archive* packer) : packer_(packer), buffer_(bufferSize, '\0') {}
+
+    /// Packs `name` below the open folder `parent` under the name `packedName`.
+    Outcome pack(int parent, const std::string& name, const std::string& packedName) {
+        struct stat status {};
+        if (::fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+            return systemFailure("cannot read " + packedName);
+        if (S_ISDIR(status.st_mode))
+            return packFolder(parent, name, packedName, status);
+        if (S_ISREG(status.st_mode))
+            return packFile(parent, name, packedName, status);
+        if (S_ISLNK(status.st_mode))
+            return packLink(parent, name, packedName, status);
+        return Failure{"cannot hold " + packedName + ", which is neither file, folder nor link"};
+    }
+
+private:
+    Entry entryFor(const std::string& packedName, const struct stat& status) {
+        Entry entry(archive_entry_new(), archive_entry_free);
+        archive_entry_copy_pathname(entry.get(), packedName.c_str());
+        archive_entry_set_mode(entry.get(), status.st_mode);
+        archive_entry_set_mtime(entry.get(), status.st_mtim.tv_sec, 0);
+        archive_entry_set_size(entry.get(), S_ISREG(status.st_mode) ? status.st_size : 0);
+        return entry;
+    }
+
+    Outcome packHeader(archive_entry* entry) {
+        // A mere warning, too, would mean that something is not kept.
+        if (archive_write_header(packer_, entry) != ARCHIVE_OK)
+            return packingFailure(packer_);
+        return Success{};
+    }
+
+    Outcome packFolder(int parent, const std::string& name, const std::string& packedName,
+                       const struct stat& status) {
+        const Descriptor folder = openFolderAt(parent, name);
+        const auto names = folder.isOpen() ? namesIn(folder.get()) : std::nullopt;
+        if (!names)
+            return systemFailure("cannot read " + packedName);
+        if (Outcome done = packHeader(entryFor(packedName + "/", status).get()); !done)
+            return done;
+        for (const std::string& below : *names)
+            if (Outcome done = pack(folder.get(), below, packedName + "/" + below); !done)
+                return done;
+        return Success{};
+    }
+
+    Outcome packFile(int parent, const std::string& name, const std::string& packedName,
+                     const struct stat& status) {
+        const Descriptor file(
+            ::openat(parent, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (!file.isOpen())
+            return systemFailure("cannot read " + packedName);
+        if (Outcome done = packHeader(entryFor(packedName, status).get()); !done)
+            return done;
+        for (off_t left = status.st_size; left > 0;) {
+            const ssize_t got = ::read(file.get(), buffer_.data(), buffer_.size());
+            if (got < 0 && errno == EINTR)
+                continue;
+            if (got < 0)
+                return systemFailure("cannot read " + packedName);
+            if (got == 0 || got > left)
+                return Failure{"cannot hold " + packedName + ", which changes meanwhile"};
+            if (archive_write_data(packer_, buffer_.data(), static_cast<std::size_t>(got)) != got)
+                return packingFailure(packer_);
+            left -= got;
+        }
+        return Success{};
+    }
+
+    Outcome packLink(int parent, const std::string& name, const std::string& packedName,
+                     const struct stat& status) {
+        std::string text(static_cast<std::size_t>(status.st_size) + 1, '\0');
+        const ssize_t size = ::readlinkat(parent, name.c_str(), text.data(), text.size());
+        if (size < 0 || static_cast<std::size_t>(size) == text.size())
+            return systemFailure("cannot read " + packedName);
+        text.resize(static_cast<std::size_t>(size));
+        const Entry entry = entryFor(packedName, status);
+        archive_entry_copy_symlink(entry.get(), text.c_str());
+        return packHeader(entry.get());
+    }
+
+    archive* packer_;
+    std::string buffer_;
+};
+
+Outcome writeArchive(const fs::path& folder, int file) {
+    const Archive packer(archive_write_new(), archive_write_free);
+    if (archive_write_set_format_zip(packer.get()) != ARCHIVE_OK ||
+        archive_write_open_fd(packer.get(), file) != ARCHIVE_OK)
+        return packingFailure(packer.get());
+    const Descriptor parent = openFolderAt(AT_FDCWD, folder.parent_path().native());
+    const std::string name = folder.filename().native();
+    if (Outcome done = BundlePacker(packer.get()).pack(parent.get(), name, "Payload/" + name);
+        !done) {
+        archive_write_fail(packer.get());
+        return done;
+    }
+    if (archive_write_close(packer.get()) != ARCHIVE_OK)
+        return packingFailure(packer.get());
+    return Success{};
+}
+
+} // namespace
+
+Outcome exportBundle(const fs::path& folder, const fs::path& file) {
+    std::string temporary = (file.parent_path() / ".dubrix-XXXXXX").native();
+    Descriptor output(::mkostemp(temporary.data(), O_CLOEXEC));
+    if (!output.isOpen())
+        return systemFailure("cannot be written");
+    Outcome done = writeArchive(folder, output.get());
+    if (done && (::fchmod(output.get(), 0644) != 0 || !output.close() ||
+                 ::rename(temporary.c_str(), file.c_str()) != 0))
+        done = systemFailure("cannot be written");
+    if (!done)
+        ::unlink(temporary.c_str());
+    return done;
+}
+
+} // namespace dubrix

@@ -1,0 +1,107 @@
+#include "device/FileTree.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cerrno>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <random>
+#include <sys/stat.h>
+
+namespace dubrix {
+
+namespace {
+
+constexpr std::size_t uuidLength = 36;
+
+bool isDashPlace(std::size_t index) {
+    return index == 8 || index == 13 || index == 18 || index == 23;
+}
+
+} // namespace
+
+Descriptor openFolderAt(int parent, const std::string& name) {
+    return Descriptor(
+        ::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+}
+
+std::optional<std::vector<std::string>> namesIn(int folder) {
+    // A descriptor of its own: reading moves the position that duplicates share.
+    Descriptor own = openFolderAt(folder, ".");
+    if (!own.isOpen())
+        return std::nullopt;
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::fdopendir(own.get()), ::closedir);
+    if (!stream)
+        return std::nullopt;
+    own.release();
+    std::vector<std::string> names;
+    errno = 0;
+    while (const dirent* entry = ::readdir(stream.get())) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..")
+            names.emplace_back(name);
+        errno = 0;
+    }
+    if (errno != 0)
+        return std::nullopt;
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+bool removeTreeAt(int parent, const std::string& name) {
+    struct stat status {};
+    if (::fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+        return errno == ENOENT;
+    if (!S_ISDIR(status.st_mode))
+        return ::unlinkat(parent, name.c_str(), 0) == 0;
+    if ((status.st_mode & S_IRWXU) != S_IRWXU)
+        ::fchmodat(parent, name.c_str(), S_IRWXU, 0);
+    {
+        const Descriptor folder = openFolderAt(parent, name);
+        if (folder.isOpen())
+            for (const std::string& below :
+                 namesIn(folder.get()).value_or(std::vector<std::string>{}))
+                removeTreeAt(folder.get(), below);
+    }
+    return ::unlinkat(parent, name.c_str(), AT_REMOVEDIR) == 0;
+}
+
+bool writeAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return false;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+std::string randomUuid() {
+    static constexpr std::string_view digits = "0123456789ABCDEF";
+    std::random_device random;
+    std::string uuid;
+    for (std::size_t index = 0; index < uuidLength; ++index)
+        uuid += isDashPlace(index) ? '-' : digits[random() % digits.size()];
+    uuid[14] = '4';                                   // the version: random
+    uuid[19] = digits[8 + digits.find(uuid[19]) % 4]; // the variant
+    return uuid;
+}
+
+bool isUuid(std::string_view name) {
+    if (name.size() != uuidLength)
+        return false;
+    for (std::size_t index = 0; index < name.size(); ++index) {
+        const bool fits = isDashPlace(index)
+                              ? name[index] == '-'
+                              : std::isxdigit(static_cast<unsigned char>(name[index])) != 0;
+        if (!fits)
+            return false;
+    }
+    return true;
+}
+
+} // namespace dubrix

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "device/Descriptor.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace dubrix {
+
+/// Opens the folder `name` below `parent`; a symbolic link is not followed.
+Descriptor openFolderAt(int parent, const std::string& name);
+
+/// The names in an open folder, "." and ".." left out, sorted by bytes; nothing when it cannot be
+/// read to its end, so that nobody takes a part for the whole.
+std::optional<std::vector<std::string>> namesIn(int folder);
+
+/// Removes `name` below `parent` with everything in it, links themselves and not what they lead
+/// to. Folders closed to their owner are opened first. Goes on after a failure; true when nothing
+/// is left.
+bool removeTreeAt(int parent, const std::string& name);
+
+/// Writes all of `bytes`; false (with errno) when that is not possible.
+bool writeAll(int descriptor, std::string_view bytes);
+
+/// A new random identifier in the usual form of 36 upper-case characters.
+std::string randomUuid();
+/// Whether `name` has that form.
+bool isUuid(std::string_view name);
+
+} // namespace dubrix

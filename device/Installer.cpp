@@ -1,0 +1,179 @@
+#include "device/Installer.h"
+
+#include "device/ArchivedBundle.h"
+#include "device/BundleExport.h"
+#include "device/ZipDirectory.h"
+
+#include <fcntl.h>
+
+namespace dubrix {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The system allows no longer text in a link.
+constexpr std::size_t longestLink = 4095;
+
+Result<BundleInfo> readInfo(const ArchivedBundle& bundle, ZipEntryReader& reader) {
+    const ZipEntry* entry = bundle.file("Info.plist");
+    if (entry == nullptr)
+        return Failure{"has no Info.plist"};
+    Result<std::string> bytes = reader.readWhole(*entry, BundleInfo::largestInfoPlist);
+    if (!bytes)
+        return bytes.failure();
+    const std::optional<PropertyList> list = PropertyList::parse(*bytes);
+    if (!list || !list->isDictionary())
+        return Failure{"has a damaged Info.plist"};
+    BundleInfo info = BundleInfo::from(*list, bundle.folderName);
+    if (!Registry::isUsableIdentifier(info.identifier.value_or("")))
+        return Failure{"has no usable CFBundleIdentifier in its Info.plist"};
+    return info;
+}
+
+Result<LinkTargets> readLinks(const ArchivedBundle& bundle, ZipEntryReader& reader) {
+    LinkTargets targets;
+    for (const ZipEntry& link : bundle.links) {
+        Result<std::string> text = reader.readWhole(link, longestLink);
+        if (!text)
+            return text.failure();
+        targets.emplace(link.name, std::move(*text));
+    }
+    if (Outcome done = checkLinkTargets(targets); !done)
+        return done.failure();
+    return targets;
+}
+
+Failure about(const std::string& subject, const Failure& failure) {
+    return Failure{subject + ": " + failure.text};
+}
+
+} // namespace
+
+Installer::Installer(fs::path root, StepHook step)
+    : registry_(std::move(root)),
+      step_(step ? std::move(step) : [](std::string_view) {}) {}
+
+Result<BundleInfo> Installer::install(const fs::path& file) {
+    const std::string subject = file.filename().native();
+    // Not blocking: opening a named pipe must not wait for a writer.
+    const Descriptor archive(::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    if (!archive.isOpen())
+        return systemFailure(subject + ": cannot be opened");
+    Result<BundleInfo> installed = installArchive(archive.get());
+    return installed ? std::move(installed) : about(subject, installed.failure());
+}
+
+Result<BundleInfo> Installer::installArchive(int archive) {
+    Result<std::vector<ZipEntry>> entries = readZipDirectory(archive);
+    if (!entries)
+        return entries.failure();
+    Result<ArchivedBundle> bundle = findBundle(std::move(*entries));
+    if (!bundle)
+        return bundle.failure();
+    ZipEntryReader reader(archive);
+    Result<BundleInfo> info = readInfo(*bundle, reader);
+    if (!info)
+        return info;
+    Result<LinkTargets> links = readLinks(*bundle, reader);
+    if (!links)
+        return links.failure();
+    if (belongsToSystem(*info->identifier))
+        return Failure{*info->identifier + " is a system application and cannot be replaced"};
+    if (Outcome done = place(*bundle, *links, *info->identifier, reader); !done)
+        return done.failure();
+    return info;
+}
+
+Outcome Installer::place(const ArchivedBundle& bundle, const LinkTargets& links,
+                         const std::string& identifier, ZipEntryReader& reader) {
+    Result<BundleStore> store = BundleStore::open(registry_);
+    if (!store)
+        return store.failure();
+    step_("locked");
+    store->sweep(step_);
+    step_("swept");
+    Result<BundleStore::Room> room = store->room();
+    if (!room)
+        return room.failure();
+    if (bundle.roomNeeded(room->block) > room->free)
+        return Failure{"not enough room on the device"};
+
+    Result<BundleStore::Staging> staging = store->makeStaging();
+    if (!staging)
+        return staging.failure();
+    step_("staging made");
+    Outcome done = unpackBundle(bundle, links, reader, staging->folder.get(), step_);
+    if (done)
+        done = store->publish(*staging);
+    if (!done) {
+        store->discard(*staging);
+        return done;
+    }
+    step_("bundle in place");
+    done = registry_.enter(identifier, std::string(Registry::applicationPath) + "/" +
+                                           staging->uuid + "/" + bundle.folderName);
+    step_("registry asked");
+    // Whichever bundle the registry does not name is a leftover now: the old one after a success,
+    // the new one otherwise.
+    store->sweep(step_);
+    return done;
+}
+
+Outcome Installer::uninstall(const std::string& identifier) {
+    if (Outcome done = uninstallApplication(identifier); !done)
+        return about(identifier, done.failure());
+    return Success{};
+}
+
+Outcome Installer::uninstallApplication(const std::string& identifier) {
+    if (belongsToSystem(identifier))
+        return Failure{"is a system application and cannot be removed"};
+    if (!registry_.isInstalled(identifier))
+        return Failure{"is not installed"};
+    Result<BundleStore> store = BundleStore::open(registry_);
+    if (!store)
+        return store.failure();
+    step_("locked");
+    store->sweep(step_);
+    step_("swept");
+    // Asked again: another installer may have been first.
+    if (!registry_.isInstalled(identifier))
+        return Failure{"is not installed"};
+    if (Outcome done = registry_.strike(identifier); !done)
+        return done;
+    step_("unregistered");
+    store->sweep(step_);
+    return Success{};
+}
+
+Outcome Installer::exportTo(const std::string& identifier, const fs::path& file) const {
+    const std::optional<std::string> path = registry_.pathOf(identifier);
+    if (!path)
+        return Failure{identifier + ": is not installed"};
+    if (Outcome done = exportBundle(registry_.hostPath(*path), file); !done)
+        return about(file.filename().native(), done.failure());
+    return Success{};
+}
+
+std::vector<Installer::Application> Installer::list() const {
+    std::vector<Application> applications;
+    for (const std::string& identifier : registry_.identifiers()) {
+        const std::optional<std::string> path = registry_.pathOf(identifier);
+        if (!path)
+            continue; // removed since
+        const std::optional<BundleInfo> info = BundleInfo::read(registry_.hostPath(*path));
+        applications.push_back({identifier,
+                                info ? info->displayName : fs::path(*path).stem().native(),
+                                info ? info->version.value_or("") : "", *path});
+    }
+    return applications;
+}
+
+bool Installer::belongsToSystem(const std::string& identifier) const {
+    const auto target = registry_.targetOf(identifier);
+    return (target && target->starts_with(std::string(Registry::systemPath) + "/")) ||
+           registry_.isSystemApplication(identifier);
+}
+
+} // namespace dubrix
