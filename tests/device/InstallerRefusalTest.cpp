@@ -1,0 +1,168 @@
+#include "tests/device/DeviceFolder.h"
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/statvfs.h>
+
+namespace dubrix {
+
+namespace {
+
+const std::string bundle = "Payload/X.app/";
+const ZipItem info{bundle + "Info.plist", infoPlist("com.example.app", "2")};
+
+/// An archive of a good bundle and something bad.
+std::string with(ZipItem item) {
+    return zipOf({info, std::move(item)});
+}
+std::string withInfo(const std::string& bytes) {
+    return zipOf({{info.name, bytes}});
+}
+std::string withIdentifier(const std::string& text) {
+    return withInfo(infoPlist(text));
+}
+ZipItem link(const std::string& name, const std::string& text) {
+    return {bundle + name, text, S_IFLNK | 0777};
+}
+
+std::string withoutStringIdentifier(bool present) {
+    PropertyList list = PropertyList::dictionary();
+    if (present)
+        list.setValueForKey("CFBundleIdentifier", PropertyList::integer(7));
+    return withInfo(list.xml());
+}
+
+std::string infoTwice() {
+    ZipItem other = info;
+    other.data = infoPlist("com.example.other");
+    return zipOf({info, other});
+}
+
+std::string deep(int levels) {
+    std::string name = bundle;
+    for (; levels > 0; --levels)
+        name += "a/";
+    return name;
+}
+
+struct Refusal {
+    std::string archive;
+    std::string reason;
+};
+
+std::vector<Refusal> refusals() {
+    const std::string good = zipOf({info});
+    std::string badSignature = good;
+    badSignature[good.find("PK\1\2")] = 'Q';
+    return {
+        {"", "is not an archive"},
+        {std::string(70000, 'x'), "is not an archive"},
+        {good.substr(0, good.size() - 1), "is not an archive"},
+        {badSignature, "is damaged"},
+        {good.substr(10), "is damaged"},
+        {with({bundle + "a", "secret", S_IFREG | 0644, 0, 1}), "is encrypted"},
+        {zipOf({{"Payload/X/Info.plist", info.data}}), "holds no application"},
+        {zipOf({{"Outer/Payload/X.app/Info.plist", info.data}}), "holds no application"},
+        {zipOf({{"Payload/X.app", "a file"}}), "holds no application"},
+        {zipOf({{"Payload/._X.app/Info.plist", info.data}}), "holds no application"},
+        {zipOf({info, {"Payload/Y.app/", "", S_IFDIR | 0755}}), "more than one application"},
+        {zipOf({{bundle + "Sub/Info.plist", info.data}}), "has no Info.plist"},
+        {zipOf({{info.name + "/", "", S_IFDIR | 0755}}), "has no Info.plist"},
+        {zipOf({link("Info.plist", "a"), {bundle + "a", info.data}}), "has no Info.plist"},
+        {withInfo("bplist00garbage"), "has a damaged Info.plist"},
+        {withInfo(PropertyList::array().xml()), "has a damaged Info.plist"},
+        {withoutStringIdentifier(false), "no usable CFBundleIdentifier"},
+        {withoutStringIdentifier(true), "no usable CFBundleIdentifier"},
+        {withIdentifier(""), "no usable CFBundleIdentifier"},
+        {withIdentifier("a/b"), "no usable CFBundleIdentifier"},
+        {withIdentifier("a\nb"), "no usable CFBundleIdentifier"},
+        {withIdentifier("."), "no usable CFBundleIdentifier"},
+        {withIdentifier(".."), "no usable CFBundleIdentifier"},
+        {withIdentifier(std::string(256, 'a')), "no usable CFBundleIdentifier"},
+        {withIdentifier("com.example.settings"), "is a system application"},
+        {with({"/tmp/a", ""}), "forbidden name"},
+        {with({"../a", ""}), "forbidden name"},
+        {with({bundle + "a/../../../a", ""}), "forbidden name"},
+        {with({bundle + "..", "", S_IFDIR | 0755}), "forbidden name"},
+        {with({bundle + std::string("a\0b", 3), ""}), "forbidden name"},
+        {with({bundle + std::string(256, 'a'), ""}), "forbidden name"},
+        {with({deep(99), "", S_IFDIR | 0755}), "forbidden name"},
+        {zipOf({info, link("l", "d"), {bundle + "l/f", "through"}}), "below what is not a folder"},
+        {zipOf({{"Payload", "..", S_IFLNK | 0777}, info}), "below what is not a folder"},
+        {zipOf({info, {bundle + "a", "1"}, {bundle + "a/b", "2"}}), "below what is not a folder"},
+        {zipOf({info, link("l", "../../outside")}), "leads outside"},
+        {with({bundle + "pipe", "", S_IFIFO | 0644}), "neither a file, a folder nor a link"},
+        {with({bundle + "disk", "", S_IFBLK | 0644}), "neither a file, a folder nor a link"},
+        {infoTwice(), "holds Payload/X.app/Info.plist twice"},
+        {zipOf({info, {bundle + "a", "1"}, {bundle + "./a", "2"}}), "twice"},
+        // Found out only while unpacking: what lies there by then must go again.
+        {with({bundle + "a", "text", S_IFREG | 0644, 0, 0, 3, {}, 1}), "is damaged at"},
+        {with({bundle + "a", std::string(5000, 'a'), S_IFREG | 0644, 8, 0, 3, 4999}), "is damaged"},
+        {with({bundle + "a", std::string(5000, 'a'), S_IFREG | 0644, 8, 0, 3, 5001}), "is damaged"},
+        {with({bundle + "a", "text", S_IFREG | 0644, 12}), "by an unknown method"},
+        // Sizes that the packed bytes cannot hold.
+        {with({bundle + "a", "text", S_IFREG | 0644, 0, 0, 3, 5}), "is damaged"},
+        {with({bundle + "a", "text", S_IFREG | 0644, 8, 0, 3, 4000000000}), "is damaged"},
+    };
+}
+
+} // namespace
+
+TEST(InstallerRefusal, ChangesNothingAndNamesTheFile) {
+    const DeviceFolder device;
+    ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1")));
+    const auto before = device.snapshot();
+    int number = 0;
+    for (const auto& [bytes, reason] : refusals()) {
+        const auto archive = device.archive("Bad.ipa", bytes);
+        const auto result = device.installer().install(archive);
+        ++number;
+        ASSERT_FALSE(result) << number << ": " << reason;
+        EXPECT_EQ(result.failure().text.rfind("Bad.ipa: ", 0), 0u) << result.failure().text;
+        EXPECT_NE(result.failure().text.find(reason), std::string::npos)
+            << number << ": " << result.failure().text << " instead of: " << reason;
+        EXPECT_TRUE(device.snapshot() == before) << number << ": " << reason;
+    }
+    EXPECT_FALSE(device.installer().install(device.root()));
+    EXPECT_FALSE(device.installer().install(device.root() / "missing.ipa"));
+    EXPECT_TRUE(device.snapshot() == before);
+}
+
+TEST(InstallerRefusal, AsksForRoomBeforeItUnpacks) {
+    const DeviceFolder device;
+    ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1")));
+    const auto before = device.snapshot();
+    struct statvfs status {};
+    ASSERT_EQ(::statvfs(device.root().c_str(), &status), 0);
+    const std::uint64_t tooMuch =
+        std::uint64_t{status.f_bavail} * status.f_frsize + (std::uint64_t{1} << 32);
+    const ZipBytes zip = zipWithHole({info, {bundle + "huge", ""}}, tooMuch);
+    const auto archive = device.archive("Huge.ipa", zip.head);
+    // A hole takes no room on the disk.
+    if (::truncate(archive.c_str(), static_cast<off_t>(zip.head.size() + tooMuch)) != 0)
+        GTEST_SKIP() << "the file system has no files of " << tooMuch << " bytes";
+    std::ofstream(archive, std::ios::binary | std::ios::app) << zip.tail;
+
+    const auto result = device.installer().install(archive);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.failure().text, "Huge.ipa: not enough room on the device");
+    EXPECT_TRUE(device.snapshot() == before);
+}
+
+TEST(InstallerRefusal, AWriteThatFailsHalfwayLeavesNothing) {
+    const DeviceFolder device;
+    ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1")));
+    const auto before = device.snapshot();
+    const auto archive =
+        device.application("com.example.app", "2", {{"a", std::string(9000, 'a')}});
+    const int status = inChild([&] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{8192, 8192};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        return !device.installer().install(archive);
+    });
+    EXPECT_EQ(status, 0) << "a file may not be larger than 8192 bytes";
+    EXPECT_TRUE(device.snapshot() == before);
+}
+
+} // namespace dubrix

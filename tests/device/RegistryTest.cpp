@@ -1,0 +1,81 @@
+#include "tests/device/DeviceFolder.h"
+
+namespace dubrix {
+
+namespace fs = std::filesystem;
+
+namespace {
+const std::string place = "/var/containers/Bundle/Application/1/X.app";
+} // namespace
+
+TEST(Registry, ALinkThatLeadsToAFolderIsAnInstalledApplication) {
+    const DeviceFolder device;
+    const Registry registry = device.registry();
+    const fs::path links = device.root() / "var/containers/Bundle/Registry";
+    fs::create_directories(links / "com.example.folder");
+    fs::create_directories(registry.hostPath(place));
+    fs::create_directory_symlink(registry.hostPath(place), registry.hostPath(place + "/link.app"));
+    putFile(registry.hostPath("/file"), "");
+    const struct {
+        std::string identifier;
+        std::string text;
+        std::optional<std::string> path;
+    } cases[] = {
+        {"com.example.app", "../Application/1/X.app", place},
+        {"com.example.app3", "../Application/1/X.app/", place},
+        {"com.example.absolute", place, place},
+        {"com.example.system", "../../../../Applications/Settings.app",
+         "/Applications/Settings.app"},
+        {"com.example.gone", "../Application/2/X.app", std::nullopt},
+        {"com.example.file", "/file", std::nullopt},
+        {"com.example.link", "../Application/1/X.app/link.app", std::nullopt},
+        {"com.example.outside", "../../../../../device/file", std::nullopt},
+    };
+    std::vector<std::string> installed;
+    for (const auto& [identifier, text, path] : cases) {
+        fs::create_symlink(text, links / identifier);
+        EXPECT_EQ(registry.pathOf(identifier), path) << identifier;
+        EXPECT_EQ(registry.isInstalled(identifier), path.has_value()) << identifier;
+        if (path)
+            installed.push_back(identifier);
+    }
+    std::sort(installed.begin(), installed.end());
+    EXPECT_EQ(registry.identifiers(), installed);
+    for (const std::string& wrong :
+         {std::string(), std::string("."), std::string(".."), std::string("COM.example.app"),
+          std::string("com.example.folder"), std::string("../Registry/com.example.app"),
+          std::string("com.example.app\0", 16), std::string(256, 'a')})
+        EXPECT_FALSE(registry.isInstalled(wrong)) << wrong;
+}
+
+TEST(Registry, EntersRelativeLinksInPlaceOfEarlierOnes) {
+    const DeviceFolder device;
+    const Registry registry = device.registry();
+    const fs::path links = device.root() / "var/containers/Bundle/Registry";
+    fs::create_directories(links);
+    ASSERT_TRUE(registry.enter("com.example.app", "/Applications/Settings.app"));
+    EXPECT_EQ(registry.pathOf("com.example.app"), "/Applications/Settings.app");
+    ASSERT_TRUE(registry.enter("com.example.app", place));
+    EXPECT_EQ(fs::read_symlink(links / "com.example.app"), "../Application/1/X.app");
+    EXPECT_FALSE(registry.enter("..", place));
+
+    fs::create_directories(links / "com.example.taken");
+    EXPECT_FALSE(registry.enter("com.example.taken", place));
+    EXPECT_EQ(std::distance(fs::directory_iterator(links.parent_path()), {}), 1)
+        << "a failure leaves no temporary link";
+
+    EXPECT_TRUE(registry.strike("com.example.app"));
+    EXPECT_EQ(registry.targetOf("com.example.app"), std::nullopt);
+    EXPECT_FALSE(registry.strike("com.example.app"));
+}
+
+TEST(Registry, KnowsSystemApplicationsByTheirOwnWord) {
+    const DeviceFolder device;
+    fs::create_directories(device.root() / "Applications/Empty.app");
+    EXPECT_EQ(device.registry().systemBundles(),
+              (std::vector<std::string>{"/Applications/Empty.app", "/Applications/Settings.app"}));
+    EXPECT_TRUE(device.registry().isSystemApplication("com.example.settings"));
+    EXPECT_FALSE(device.registry().isSystemApplication("com.example.Settings"));
+}
+
+} // namespace dubrix
