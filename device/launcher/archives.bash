@@ -1,6 +1,6 @@
 # Handing files of the desktop to the device's installer: each archive read-only under its own name,
 # an exported archive's folder and nothing else writable.
-# shellcheck shell=bash disable=SC2154 # isolated and shared are the launcher's
+# shellcheck shell=bash disable=SC2154,SC2034 # variables shared with the launcher and namespace.bash
 
 check_installable() {
     if [[ -d $1 ]]; then
