@@ -27,6 +27,7 @@ public:
     AlertController(const QString& title, const QString& message);
 
     QString layout() const override { return QStringLiteral("AlertView.qml"); }
+    QString modalLayout() const override { return layout(); }
     bool coversPresenter() const override { return false; }
 
     /// Adds a button of the default style; `handler` runs once, when it is pressed.

@@ -1,5 +1,7 @@
 #include "screens/TabBarController.h"
 
+#include "screens/NavigationController.h"
+
 namespace dubrix {
 
 void TabBarController::addTab(std::unique_ptr<ViewController> screen, const QString& title,
@@ -10,6 +12,9 @@ void TabBarController::addTab(std::unique_ptr<ViewController> screen, const QStr
     item->selectedImage = selectedImage;
     items_.push_back(std::move(item));
     screen->setModalStack(modalStack());
+    if (const auto* navigation = qobject_cast<NavigationController*>(screen.get()))
+        connect(navigation, &NavigationController::viewControllersChanged, this,
+                &TabBarController::tabBarHiddenChanged);
     viewControllers_.push_back(std::move(screen));
 }
 
@@ -19,6 +24,15 @@ void TabBarController::setSelectedIndex(int index) {
         return;
     viewControllers_[static_cast<std::size_t>(index)]->loadViewIfNeeded();
     Q_EMIT selectedIndexChanged();
+    Q_EMIT tabBarHiddenChanged();
+}
+
+bool TabBarController::tabBarHidden() const {
+    if (selectedIndex_ < 0)
+        return false;
+    const auto* navigation = qobject_cast<NavigationController*>(
+        viewControllers_[static_cast<std::size_t>(selectedIndex_)].get());
+    return navigation && navigation->topViewController()->hidesBottomBarWhenPushed();
 }
 
 QList<QObject*> TabBarController::itemObjects() const {

@@ -63,6 +63,7 @@ class TabBarController : public ViewController {
     Q_PROPERTY(QList<QObject*> items READ itemObjects CONSTANT)
     Q_PROPERTY(QList<QObject*> viewControllers READ viewControllerObjects CONSTANT)
     Q_PROPERTY(dubrix::ModalStack* modals READ modals CONSTANT)
+    Q_PROPERTY(bool tabBarHidden READ tabBarHidden NOTIFY tabBarHiddenChanged)
 
 public:
     using ViewController::ViewController;
@@ -79,8 +80,12 @@ public:
     /// Ignored for an index without a tab.
     void setSelectedIndex(int index);
 
+    /// Whether the selected tab's navigation shows a screen that wants the tab bar out of the way.
+    bool tabBarHidden() const;
+
 Q_SIGNALS:
     void selectedIndexChanged();
+    void tabBarHiddenChanged();
 
 protected:
     void viewDidLoad() override { setSelectedIndex(0); }

@@ -1,6 +1,7 @@
 #include "screens/ViewController.h"
 
 #include "screens/ModalStack.h"
+#include "screens/NavigationController.h"
 
 namespace dubrix {
 
@@ -22,10 +23,30 @@ void ViewController::presentViewController(std::unique_ptr<ViewController> modal
 void ViewController::dismissViewController(bool animated) {
     if (!modalStack_)
         return;
-    if (ViewController* presented = modalStack_->topmostPresentedBy(*this))
-        modalStack_->dismiss(*presented, animated);
-    else
-        modalStack_->dismiss(*this, animated);
+    ViewController* presented = modalStack_->topmostPresentedBy(*this);
+    if (presented == nullptr && navigationController_)
+        return navigationController_->dismissViewController(animated);
+    modalStack_->dismiss(presented ? *presented : *this, animated);
+}
+
+void ViewController::dismissBySystem() {
+    if (modalStack_)
+        modalStack_->dismiss(*this, true);
+}
+
+void ViewController::setLeftBarButtonItem(SystemItem, std::function<void()> action) {
+    leftBarButton_ = tr("Cancel");
+    leftBarButtonAction_ = std::move(action);
+    Q_EMIT leftBarButtonChanged();
+}
+
+void ViewController::tapLeftBarButton() {
+    if (leftBarButtonAction_)
+        QMetaObject::invokeMethod(this, leftBarButtonAction_, Qt::QueuedConnection);
+}
+
+void ViewController::setNavigationController(NavigationController* navigation) {
+    navigationController_ = navigation;
 }
 
 } // namespace dubrix

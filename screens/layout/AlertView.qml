@@ -9,7 +9,8 @@ FocusScope {
     id: view
 
     required property AlertController controller
-    property real presence: 1
+    required property ModalLayer modalLayer
+    readonly property real presence: modalLayer.presence
 
     readonly property int count: controller.buttons.length
     readonly property bool sideBySide: count === 2 && widest.width < box.width / 2

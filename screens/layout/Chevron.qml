@@ -4,6 +4,10 @@ import QtQuick
 Item {
     id: chevron
 
+    property color color: Theme.secondaryText
+    property bool mirrored: false
+
+    opacity: 0.8
     implicitWidth: Theme.points(8)
     implicitHeight: Theme.points(14)
 
@@ -11,19 +15,18 @@ Item {
         width: Theme.points(2)
         height: Theme.points(9)
         radius: width / 2
-        color: Theme.secondaryText
-        opacity: 0.7
+        color: chevron.color
         antialiasing: true
         x: (chevron.width - width) / 2
     }
 
     Stroke {
         y: 0
-        rotation: -45
+        rotation: chevron.mirrored ? 45 : -45
     }
 
     Stroke {
         y: chevron.height - height
-        rotation: 45
+        rotation: chevron.mirrored ? -45 : 45
     }
 }

@@ -24,18 +24,19 @@ Window {
     }
 
     Repeater {
+        id: layers
+
         model: window.root.modals
         delegate: ModalLayer {
             required property int index
             required property var model
-            objectName: "modalLayer"
             anchors.fill: parent
             z: 10 + index
             controller: model.controller
             dismissing: model.dismissing
             animated: model.animated
             transitionTime: window.root.modals.transitionTime
-            topmost: index === window.root.modals.rowCount() - 1
+            topmost: index === layers.count - 1
         }
     }
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Dubrix
 
-/// One modal screen over everything below it: takes all input, fades in and out.
+/// One modal screen over everything below it: takes all input, comes and goes.
 FocusScope {
     id: layer
 
@@ -11,14 +11,21 @@ FocusScope {
     required property int transitionTime
     property bool topmost: true
 
+    /// From 0, away, to 1, there.
     property real presence: 0
 
-    focus: !dismissing
-    enabled: !dismissing
+    focus: topmost && !dismissing
+    enabled: topmost && !dismissing
     Component.onCompleted: {
         presence = 1;
+        content.setSource(controller.modalLayout, {
+            controller: controller,
+            modalLayer: layer
+        });
         forceActiveFocus();
     }
+    onTopmostChanged: if (topmost)
+        forceActiveFocus()
     onDismissingChanged: presence = 0
 
     Behavior on presence {
@@ -36,10 +43,10 @@ FocusScope {
         onWheel: wheel => wheel.accepted = true
     }
 
-    ScreenLoader {
+    Loader {
+        id: content
+
         anchors.fill: parent
         focus: true
-        controller: layer.controller
-        onLoaded: item.presence = Qt.binding(() => layer.presence)
     }
 }

@@ -22,7 +22,7 @@ Item {
                 right: parent?.right
                 top: parent?.top
                 bottom: parent?.bottom
-                bottomMargin: bar.height
+                bottomMargin: bar.visible ? bar.height : 0
             }
             controller: modelData
             wanted: selected
@@ -40,5 +40,6 @@ Item {
             bottom: parent.bottom
         }
         controller: view.controller
+        visible: !view.controller.tabBarHidden
     }
 }

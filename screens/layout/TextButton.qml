@@ -6,10 +6,12 @@ Item {
 
     required property string text
     property bool strong: true
+    /// Whether it leads back: with an arrow before the text.
+    property bool backward: false
 
     signal tapped
 
-    implicitWidth: label.implicitWidth + Theme.points(16)
+    implicitWidth: label.implicitWidth + Theme.points(16) + (backward ? Theme.points(14) : 0)
     implicitHeight: Theme.points(44)
     activeFocusOnTab: true
     Accessible.role: Accessible.Button
@@ -22,13 +24,29 @@ Item {
     Text {
         id: label
 
-        anchors.centerIn: parent
+        anchors {
+            left: parent.left
+            leftMargin: Theme.points(button.backward ? 22 : 8)
+            right: parent.right
+            rightMargin: Theme.points(8)
+            verticalCenter: parent.verticalCenter
+        }
         text: button.text
+        elide: Text.ElideRight
+        textFormat: Text.PlainText
         color: Theme.accent
         opacity: tap.pressed ? 0.5 : 1
         font.pixelSize: Theme.bodySize
         font.weight: button.strong ? Font.DemiBold : Font.Normal
         Accessible.ignored: true
+    }
+
+    Chevron {
+        anchors.verticalCenter: parent.verticalCenter
+        x: Theme.points(6)
+        visible: button.backward
+        color: Theme.accent
+        mirrored: true
     }
 
     FocusRing {
