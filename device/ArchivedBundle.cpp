@@ -155,9 +155,9 @@ Result<ArchivedBundle> findBundle(std::vector<ZipEntry> entries) {
 
     ArchivedBundle bundle;
     bundle.folderName = *names.begin();
+    std::erase_if(
+        entries, [&](const ZipEntry& entry) { return bundleFolderOf(entry) != bundle.folderName; });
     for (ZipEntry& entry : entries) {
-        if (bundleFolderOf(entry) != bundle.folderName)
-            continue;
         if (entry.kind == ZipEntry::Kind::Special)
             return Failure{"holds what is neither a file, a folder nor a link: " + entry.name};
         entry.permissions = permissionsFor(entry);
@@ -169,9 +169,12 @@ Result<ArchivedBundle> findBundle(std::vector<ZipEntry> entries) {
             bundle.folders.push_back(std::move(entry));
         else if (entry.kind == ZipEntry::Kind::Link)
             bundle.links.push_back(std::move(entry));
-        else
-            bundle.files.push_back(std::move(entry));
     }
+    // The files stay where they are: they are most of the entries, and a copy would double these.
+    std::erase_if(entries, [](const ZipEntry& entry) {
+        return entry.name.empty() || entry.kind != ZipEntry::Kind::File;
+    });
+    bundle.files = std::move(entries);
     completeFolders(bundle);
     return bundle;
 }

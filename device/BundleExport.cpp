@@ -70,10 +70,11 @@ private:
         const auto names = folder.isOpen() ? namesIn(folder.get()) : std::nullopt;
         if (!names)
             return systemFailure("cannot read " + packedName);
-        if (Outcome done = packHeader(entryFor(packedName + "/", status).get()); !done)
+        const std::string prefix = packedName + "/";
+        if (Outcome done = packHeader(entryFor(prefix, status).get()); !done)
             return done;
         for (const std::string& below : *names)
-            if (Outcome done = pack(folder.get(), below, packedName + "/" + below); !done)
+            if (Outcome done = pack(folder.get(), below, prefix + below); !done)
                 return done;
         return Success{};
     }
@@ -125,10 +126,8 @@ Outcome writeArchive(const fs::path& folder, int file) {
     const Descriptor parent = openFolderAt(AT_FDCWD, folder.parent_path().native());
     const std::string name = folder.filename().native();
     if (Outcome done = BundlePacker(packer.get()).pack(parent.get(), name, "Payload/" + name);
-        !done) {
-        archive_write_fail(packer.get());
+        !done)
         return done;
-    }
     if (archive_write_close(packer.get()) != ARCHIVE_OK)
         return packingFailure(packer.get());
     return Success{};
