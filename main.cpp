@@ -17,12 +17,12 @@
 #include <QCommandLineParser>
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <QPalette>
 #include <QQmlApplicationEngine>
 #include <QQmlExtensionPlugin>
 #include <QQuickWindow>
 #include <fcntl.h>
 #include <memory>
-
 
 Q_IMPORT_QML_PLUGIN(DubrixPlugin)
 
@@ -34,6 +34,10 @@ struct Arguments {
     std::filesystem::path root;
     /// The descriptors of a driver's script, of its pictures and of the answers to them.
     QList<int> drive;
+    /// "light", "dark", or empty for what the platform's theme says.
+    QString appearance;
+    /// The window's size; empty for the layout's own.
+    QSize size;
 };
 
 Arguments parseArguments(const QGuiApplication& application) {
@@ -49,10 +53,19 @@ Arguments parseArguments(const QGuiApplication& application) {
         QStringLiteral("Act out the script that the first descriptor reads; pictures go to the "
                        "second, answers come from the third."),
         QStringLiteral("script:pictures:answers"));
-    parser.addOptions({root, drive});
+    const QCommandLineOption appearance(QStringLiteral("appearance"),
+                                        QStringLiteral("How the windows look: light or dark."),
+                                        QStringLiteral("appearance"));
+    const QCommandLineOption size(QStringLiteral("size"), QStringLiteral("The window's size."),
+                                  QStringLiteral("WIDTHxHEIGHT"));
+    parser.addOptions({root, drive, appearance, size});
     parser.process(application);
 
-    Arguments arguments{.root = parser.value(root).toStdString(), .drive = {}};
+    Arguments arguments{.root = parser.value(root).toStdString(),
+                        .drive = {},
+                        .appearance = parser.value(appearance),
+                        .size = {parser.value(size).section(QLatin1Char('x'), 0, 0).toInt(),
+                                 parser.value(size).section(QLatin1Char('x'), 1).toInt()}};
     for (const QString& number : parser.value(drive).split(QLatin1Char(':'), Qt::SkipEmptyParts)) {
         const int descriptor = number.toInt();
         ::fcntl(descriptor, F_SETFD, FD_CLOEXEC); // not for the commands that the engine runs
@@ -70,6 +83,15 @@ void chooseFont() {
     QFont font = QGuiApplication::font();
     font.setFamily(family);
     QGuiApplication::setFont(font);
+}
+
+/// A palette whose ground tells the layout which appearance is meant.
+void chooseAppearance(const QString& appearance) {
+    if (appearance.isEmpty())
+        return;
+    const bool dark = appearance == QStringLiteral("dark");
+    QPalette palette(dark ? QColor(28, 28, 30) : QColor(242, 242, 247));
+    QGuiApplication::setPalette(palette);
 }
 
 /// Plays the driver's script on the window; the application ends with it.
@@ -90,6 +112,7 @@ int main(int argc, char** argv) {
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Dubrix"));
     const Arguments arguments = parseArguments(application);
     chooseFont();
+    chooseAppearance(arguments.appearance);
 
     const std::filesystem::path programs = QCoreApplication::applicationDirPath().toStdString();
     LinuxCommandRunner commands(arguments.root, programs / "device-paths.bash");
@@ -122,10 +145,12 @@ int main(int argc, char** argv) {
         engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Dubrix/Main.qml")));
         if (engine.rootObjects().isEmpty())
             return 1;
+        auto& window = *qobject_cast<QQuickWindow*>(engine.rootObjects().constFirst());
+        if (!arguments.size.isEmpty())
+            window.resize(arguments.size);
         std::unique_ptr<ScriptPlayer> player;
         if (!arguments.drive.isEmpty())
-            player = playScript(*qobject_cast<QQuickWindow*>(engine.rootObjects().constFirst()),
-                                arguments.drive);
+            player = playScript(window, arguments.drive);
         status = QGuiApplication::exec();
         delegate.applicationWillTerminate();
     }

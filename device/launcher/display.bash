@@ -56,3 +56,22 @@ forget_display() {
     fi
     mount_point=
 }
+
+# "dark" or "light": what the desktop's settings prefer. The application cannot ask itself, since
+# the session's bus does not reach the device.
+desktop_appearance() {
+    local answer=
+    if type -P gdbus >/dev/null; then
+        answer=$(timeout 1 gdbus call --session --dest org.freedesktop.portal.Desktop \
+            --object-path /org/freedesktop/portal/desktop \
+            --method org.freedesktop.portal.Settings.Read \
+            org.freedesktop.appearance color-scheme 2>/dev/null)
+    fi
+    if [[ -z $answer ]] && type -P gsettings >/dev/null; then
+        answer=$(timeout 1 gsettings get org.gnome.desktop.interface color-scheme 2>/dev/null)
+    fi
+    case $answer in
+    *'uint32 1'* | *prefer-dark*) echo dark ;;
+    *) echo light ;;
+    esac
+}

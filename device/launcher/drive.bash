@@ -2,7 +2,7 @@
 # comes through descriptor 6, its screenshots go out through 7 and are answered through 8.
 # shellcheck shell=bash disable=SC2154 # scratch and the like are the launcher's
 
-# drive_application SCRIPT SHOW; SCRIPT is a file or - for standard input.
+# drive_application SCRIPT SHOW SIZE; SCRIPT is a file or - for standard input, SIZE may be empty.
 drive_application() {
     if [[ -n $2 ]]; then
         share_display
@@ -17,7 +17,7 @@ drive_application() {
         exec 6<"$1" || exit 2
     fi
     exec 0</dev/null
-    drive_with_shots
+    drive_with_shots --appearance "${appearance:-light}" ${3:+--size "$3"}
 }
 
 drive_with_shots() {
@@ -28,7 +28,7 @@ drive_with_shots() {
     # Opened anew, not duplicated: bash hands its own ends of a coprocess to nobody.
     exec 7>"/dev/fd/$shots_out" 8<"/dev/fd/$shots_in"
     exec {shots_out}>&- {shots_in}<&-
-    run_on_device dubrix-app --drive 6:7:8
+    run_on_device dubrix-app --drive 6:7:8 "$@"
     status=$?
     exec 6<&- 7>&- 8<&-
     wait "$receiver"

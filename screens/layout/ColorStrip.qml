@@ -32,6 +32,8 @@ Item {
         height: parent.height + Theme.cardRadius
         radius: Theme.cardRadius
         color: strip.color
+        border.width: Theme.hairline
+        border.color: Theme.separator
     }
 
     TapHandler {

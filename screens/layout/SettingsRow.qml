@@ -13,6 +13,7 @@ Item {
     property bool disclosure: false
     property bool action: false
     property bool last: false
+    property bool titleShown: true
     default property alias accessory: accessoryArea.data
 
     signal tapped
@@ -62,6 +63,7 @@ Item {
         }
         width: Math.min(implicitWidth, parent.width - 2 * Theme.margin)
         text: row.title
+        visible: row.titleShown
         color: row.action ? Theme.accent : Theme.text
         font.pixelSize: Theme.bodySize
         font.weight: row.action ? Font.Medium : Font.Normal

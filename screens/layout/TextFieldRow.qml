@@ -10,7 +10,7 @@ SettingsRow {
     signal edited(string text)
     signal returned
 
-    title: ""
+    titleShown: false
     Accessible.ignored: true
 
     TextInput {
@@ -34,14 +34,16 @@ SettingsRow {
         activeFocusOnTab: row.shown
         EnterKey.type: Qt.EnterKeyDone
         Accessible.role: Accessible.EditableText
-        Accessible.name: "Name"
+        Accessible.name: row.title
         Accessible.editable: true
         onTextEdited: row.edited(text)
         onAccepted: row.returned()
+        onActiveFocusChanged: if (!activeFocus)
+            cursorPosition = 0
 
         Text {
             anchors.fill: parent
-            text: "Name"
+            text: row.title
             color: Theme.secondaryText
             font: input.font
             visible: input.text === "" && input.preeditText === ""
