@@ -2,7 +2,9 @@
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <algorithm>
 #include <cerrno>
+#include <string_view>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
@@ -11,6 +13,24 @@
 namespace dubrix {
 
 namespace {
+
+/// The program's environment, in which the additions ("NAME=value") replace variables of the same
+/// name; ends in a null pointer.
+std::vector<char*> environmentWith(std::vector<std::string>& additions) {
+    std::vector<char*> environment;
+    for (char** variable = environ; *variable; ++variable) {
+        const std::string_view text = *variable;
+        const std::string_view name = text.substr(0, text.find('=') + 1);
+        if (std::ranges::none_of(additions, [name](const std::string& addition) {
+                return addition.starts_with(name);
+            }))
+            environment.push_back(*variable);
+    }
+    for (std::string& addition : additions)
+        environment.push_back(addition.data());
+    environment.push_back(nullptr);
+    return environment;
+}
 
 void waitForEnd(pid_t process) {
     while (::waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
@@ -39,12 +59,7 @@ LinuxCommandRunner::LinuxCommandRunner(const std::filesystem::path& root,
 void LinuxCommandRunner::runCommand(const std::string& command) {
     // Not through strings of the toolkit: names of files are bytes and must arrive as they are.
     const char* arguments[] = {"/bin/bash", "-c", command.c_str(), nullptr};
-    std::vector<char*> environment;
-    for (std::string& addition : additions_)
-        environment.push_back(addition.data());
-    for (char** variable = environ; *variable; ++variable)
-        environment.push_back(*variable);
-    environment.push_back(nullptr);
+    std::vector<char*> environment = environmentWith(additions_);
 
     const pid_t process = ::fork();
     if (process == 0) {
