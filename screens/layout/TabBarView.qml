@@ -5,10 +5,15 @@ import Dubrix
 
 /// The selected tab's screen with the tab bar below it. A screen is drawn from its first selection
 /// on.
-Item {
+FocusScope {
     id: view
 
     required property TabBarController controller
+
+    focus: true
+    // Back to where the keyboard was before a modal screen took it.
+    onEnabledChanged: if (enabled)
+        forceActiveFocus()
 
     Repeater {
         model: view.controller.viewControllers
