@@ -11,7 +11,7 @@ namespace dubrix {
 
 /// A modal alert: title, message and buttons in the order in which they were added. It has no
 /// time-out and goes away only through its buttons or its presenter.
-class AlertController : public ViewController {
+class AlertController : public dubrix::ViewController {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the application")

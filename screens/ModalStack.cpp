@@ -38,10 +38,12 @@ void ModalStack::remove(const ViewController* modal) {
     if (row < 0)
         return;
     beginRemoveRows({}, row, row);
-    // Its own code may be running below this call; the event loop deletes it.
-    entries_[row].modal.release()->deleteLater();
+    ViewController* removed = entries_[row].modal.release();
     entries_.erase(entries_.begin() + row);
     endRemoveRows();
+    // After the layout has let go of it. Its own code may be running below this call, so the event
+    // loop deletes it.
+    removed->deleteLater();
 }
 
 ViewController* ModalStack::topmost() const {

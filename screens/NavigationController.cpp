@@ -1,5 +1,7 @@
 #include "screens/NavigationController.h"
 
+#include "screens/OwnedList.h"
+
 namespace dubrix {
 
 NavigationController::NavigationController(std::unique_ptr<ViewController> root) {
@@ -38,11 +40,8 @@ QString NavigationController::backTitle() const {
     return canGoBack() ? viewControllers_[viewControllers_.size() - 2]->title() : QString();
 }
 
-QList<QObject*> NavigationController::viewControllerObjects() const {
-    QList<QObject*> objects;
-    for (const auto& screen : viewControllers_)
-        objects.append(screen.get());
-    return objects;
+QQmlListProperty<ViewController> NavigationController::viewControllerList() {
+    return {this, &viewControllers_, countOf<ViewController>, elementOf<ViewController>};
 }
 
 } // namespace dubrix

@@ -2,20 +2,20 @@
 
 #include "screens/ViewController.h"
 
-#include <QList>
+#include <QQmlListProperty>
 #include <memory>
 #include <vector>
 
 namespace dubrix {
 
 /// A stack of screens under one navigation bar; the topmost is shown.
-class NavigationController : public ViewController {
+class NavigationController : public dubrix::ViewController {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the application")
     /// From the root to the topmost.
-    Q_PROPERTY(
-        QList<QObject*> viewControllers READ viewControllerObjects NOTIFY viewControllersChanged)
+    Q_PROPERTY(QQmlListProperty<dubrix::ViewController> viewControllers READ viewControllerList
+                   NOTIFY viewControllersChanged)
     Q_PROPERTY(dubrix::ViewController* topViewController READ topViewController NOTIFY
                    viewControllersChanged)
     /// The title of the screen below the topmost, for the button that leads back; empty at the
@@ -44,7 +44,7 @@ protected:
     void viewDidLoad() override;
 
 private:
-    QList<QObject*> viewControllerObjects() const;
+    QQmlListProperty<ViewController> viewControllerList();
     void adopt(ViewController& screen);
 
     std::vector<std::unique_ptr<ViewController>> viewControllers_;

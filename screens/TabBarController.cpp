@@ -1,6 +1,7 @@
 #include "screens/TabBarController.h"
 
 #include "screens/NavigationController.h"
+#include "screens/OwnedList.h"
 
 namespace dubrix {
 
@@ -35,18 +36,12 @@ bool TabBarController::tabBarHidden() const {
     return navigation && navigation->topViewController()->hidesBottomBarWhenPushed();
 }
 
-QList<QObject*> TabBarController::itemObjects() const {
-    QList<QObject*> objects;
-    for (const auto& item : items_)
-        objects.append(item.get());
-    return objects;
+QQmlListProperty<TabBarItem> TabBarController::itemList() {
+    return {this, &items_, countOf<TabBarItem>, elementOf<TabBarItem>};
 }
 
-QList<QObject*> TabBarController::viewControllerObjects() const {
-    QList<QObject*> objects;
-    for (const auto& screen : viewControllers_)
-        objects.append(screen.get());
-    return objects;
+QQmlListProperty<ViewController> TabBarController::viewControllerList() {
+    return {this, &viewControllers_, countOf<ViewController>, elementOf<ViewController>};
 }
 
 } // namespace dubrix

@@ -3,6 +3,7 @@
 #include "screens/ModalStack.h"
 #include "screens/ViewController.h"
 
+#include <QQmlListProperty>
 #include <memory>
 #include <vector>
 
@@ -54,14 +55,15 @@ Q_SIGNALS:
 
 /// The root of the window: one screen a tab. A screen's view is loaded when its tab is first
 /// selected.
-class TabBarController : public ViewController {
+class TabBarController : public dubrix::ViewController {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the application")
     Q_PROPERTY(
         int selectedIndex READ selectedIndex WRITE setSelectedIndex NOTIFY selectedIndexChanged)
-    Q_PROPERTY(QList<QObject*> items READ itemObjects CONSTANT)
-    Q_PROPERTY(QList<QObject*> viewControllers READ viewControllerObjects CONSTANT)
+    Q_PROPERTY(QQmlListProperty<dubrix::TabBarItem> items READ itemList CONSTANT)
+    Q_PROPERTY(
+        QQmlListProperty<dubrix::ViewController> viewControllers READ viewControllerList CONSTANT)
     Q_PROPERTY(dubrix::ModalStack* modals READ modals CONSTANT)
     Q_PROPERTY(bool tabBarHidden READ tabBarHidden NOTIFY tabBarHiddenChanged)
 
@@ -91,8 +93,8 @@ protected:
     void viewDidLoad() override { setSelectedIndex(0); }
 
 private:
-    QList<QObject*> itemObjects() const;
-    QList<QObject*> viewControllerObjects() const;
+    QQmlListProperty<TabBarItem> itemList();
+    QQmlListProperty<ViewController> viewControllerList();
     ModalStack* modals() const { return modalStack(); }
 
     std::vector<std::unique_ptr<TabBarItem>> items_;

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Dubrix
 
@@ -40,7 +42,6 @@ FocusScope {
                 focus: top
                 enabled: top
                 visible: top
-                x: 0
                 Component.onCompleted: if (index > 0)
                     slide.start()
 

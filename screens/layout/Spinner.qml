@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 
 /// A busy indicator of twelve spokes that fade round.
@@ -18,6 +20,8 @@ Item {
         model: 12
 
         Rectangle {
+            id: spoke
+
             required property int index
 
             x: (spinner.width - width) / 2
@@ -26,11 +30,11 @@ Item {
             radius: width / 2
             antialiasing: true
             color: spinner.color
-            opacity: 1 - 0.75 * ((spinner.step - index + 12) % 12) / 11
+            opacity: 1 - 0.75 * ((spinner.step - spoke.index + 12) % 12) / 11
             transform: Rotation {
                 origin.x: spinner.width * 0.0425
                 origin.y: spinner.height / 2
-                angle: index * 30
+                angle: spoke.index * 30
             }
         }
     }

@@ -64,7 +64,8 @@ Rectangle {
                     y: Theme.points(7)
                     width: Theme.points(25)
                     height: Theme.points(25)
-                    sourceSize: Qt.size(width, height)
+                    sourceSize.width: width
+                    sourceSize.height: height
                     source: button.image === "" ? ""
                                                 : "image://template/" + button.image + "/"
                                                   + button.tint.toString().slice(1)
