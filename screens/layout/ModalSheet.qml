@@ -31,7 +31,7 @@ FocusScope {
         y: gap + dragged + (parent.height - gap) * (1 - view.modalLayer.presence)
         width: view.wide ? Theme.points(560) : parent.width
         height: view.wide ? parent.height - 2 * gap : parent.height - gap + radius
-        radius: Theme.points(14)
+        radius: Theme.sheetRadius
         color: Theme.ground
 
         Behavior on dragged {
