@@ -32,7 +32,11 @@ FocusScope {
     }
 
     focus: true
-    Component.onCompleted: Qt.callLater(() => reveal(current))
+    // With what comes after it, as far as there is room.
+    Component.onCompleted: Qt.callLater(() => {
+        reveal(Math.min(current + 2 * grid.columns, swatches.count - 1));
+        reveal(current);
+    })
     Keys.onLeftPressed: moveTo(current - 1)
     Keys.onRightPressed: moveTo(current + 1)
     Keys.onUpPressed: moveTo(current - grid.columns)

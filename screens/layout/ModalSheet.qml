@@ -33,6 +33,8 @@ FocusScope {
         height: view.wide ? parent.height - 2 * gap : parent.height - gap + radius
         radius: Theme.sheetRadius
         color: Theme.ground
+        border.width: Theme.dark ? Theme.hairline : 0
+        border.color: Theme.separator
 
         Behavior on dragged {
             enabled: !drag.active
