@@ -22,8 +22,9 @@ void AlertController::press(int button) {
         return;
     QMetaObject::invokeMethod(
         this,
-        [handler = actions_[static_cast<std::size_t>(button)].handler] {
-            // A copy of its own: the handler dismisses this alert and may outlive it.
+        [this, handler = actions_[static_cast<std::size_t>(button)].handler] {
+            dismissViewController(true);
+            // A copy of its own: the handler may outlive this alert.
             const Handler running = handler;
             running();
         },

@@ -39,8 +39,9 @@ public:
     QRectF spinnerFrame() const { return spinnerFrame_; }
     bool hasSpinner() const { return !spinnerFrame_.isEmpty(); }
 
-    /// Presses a button. Its handler runs from the event loop, when the layout's own code has
-    /// returned: it may work for minutes and see this alert deleted. Only the first press counts.
+    /// Presses a button. The alert is dismissed and the button's handler runs, both from the event
+    /// loop, when the layout's own code has returned: the handler may work for minutes and see this
+    /// alert deleted. Only the first press counts.
     Q_INVOKABLE void press(int button);
 
 private:

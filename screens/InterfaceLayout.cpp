@@ -1,5 +1,6 @@
 #include "screens/InterfaceLayout.h"
 
+#include "screens/FirstViewController.h"
 #include "screens/ModalStack.h"
 #include "screens/PrefsViewController.h"
 #include "screens/TabBarController.h"
@@ -12,6 +13,10 @@ std::unique_ptr<TabBarController> makeInterfaceLayout(const Platform& platform,
     tabs->setModalStack(&modals);
     tabs->addTab(std::make_unique<PrefsViewController>(platform), QStringLiteral("Settings"), {},
                  {});
+    const auto mode = TemplateImage::RenderingMode::AlwaysTemplate;
+    tabs->addTab(std::make_unique<FirstViewController>(platform), QStringLiteral("Color test"),
+                 {QStringLiteral("ColorTestButton.png"), mode},
+                 {QStringLiteral("ColorTestButton_ON.png"), mode});
     return tabs;
 }
 

@@ -76,7 +76,9 @@ void PrefsViewController::tableViewDidSelectRowAtIndexPath(int section, int row)
     platform().log.log(
         stringWithFormat("\nindexPath.row %ld \nindex.section %ld \n", row, section));
     prefTable.selectRow(section, row);
-    if (section == 3 && row == 0) {
+    if (section == 2 && row == 1) {
+        selectColorTapped();
+    } else if (section == 3 && row == 0) {
         showDuplicateAlert();
         prefTable.deselectRow(false);
     } else if (section == 4 && row == 0) {

@@ -4,6 +4,7 @@
 #include "engine/CloneEngine.h"
 #include "engine/DXShared.h"
 #include "screens/Outlets.h"
+#include "screens/QZColorPickerViewControllerDelegate.h"
 #include "screens/ViewController.h"
 
 #include <QPointer>
@@ -15,7 +16,10 @@ class AlertController;
 
 /// The main screen: the table of settings and actions from which every duplication starts. It is
 /// the clone engine, too: the engine's operations live as long as the screen.
-class PrefsViewController : public ViewController, public CloneEngine, private Alerts {
+class PrefsViewController : public ViewController,
+                            public CloneEngine,
+                            public QZColorPickerViewControllerDelegate,
+                            private Alerts {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the application")
@@ -45,6 +49,14 @@ public:
     Q_INVOKABLE void textFieldChanged(const QString& text);
     /// Gives up the keyboard; false: the return key inserts nothing.
     Q_INVOKABLE bool textFieldShouldReturn();
+
+    /// Presents a colour picker that marks the swatch's colour.
+    void selectColorTapped();
+    QString titleForColorPicker(QZColorPickerViewController& colorPicker) override;
+    /// Stores "Red", "Green" and "Blue" and shows the colour in the swatch; its alpha is not kept.
+    void colorPickerDidSelectColor(QZColorPickerViewController& colorPicker,
+                                   const Color& didSelectColor) override;
+    void colorPiclerDidCancel(QZColorPickerViewController& colorPicker) override;
 
     /// Shows the store's current "appName".
     void setAppNameLabelText();

@@ -1,5 +1,7 @@
 #include "screens/QuickOverlayStage.h"
 
+#include "screens/ColorSpaces.h"
+
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QInputMethod>
@@ -10,11 +12,6 @@
 namespace dubrix {
 
 namespace {
-
-QColor quickColor(const Color& color) {
-    return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
-                            static_cast<float>(color.blue), static_cast<float>(color.alpha));
-}
 
 int milliseconds(double seconds) {
     return static_cast<int>(std::lround(seconds * 1000));
@@ -27,7 +24,7 @@ void OverlayPiece::make(const Rect& frame, const Color& color, double cornerRadi
     hidden_ = false;
     alpha_ = 1;
     scale_ = 1;
-    color_ = quickColor(color);
+    color_ = drawable(color);
     cornerRadius_ = cornerRadius;
     apply({.frame = frame}, 0);
 }

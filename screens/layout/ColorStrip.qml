@@ -1,4 +1,5 @@
 import QtQuick
+import Dubrix
 
 /// The strip that shows the chosen tint across the foot of its section.
 Item {
@@ -15,7 +16,7 @@ Item {
     clip: true
     Accessible.role: Accessible.Graphic
     Accessible.name: "Color"
-    Accessible.description: color.toString()
+    Accessible.description: ColorWords.nameOf(color) + ", " + ColorWords.componentsOf(color)
     Accessible.ignored: rowHeight === 0
 
     Behavior on height {

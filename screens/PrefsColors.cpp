@@ -1,0 +1,38 @@
+#include "platform/SystemLog.h"
+#include "screens/ColorSpaces.h"
+#include "screens/NavigationController.h"
+#include "screens/PrefsViewController.h"
+#include "screens/QZColorPickerViewController.h"
+
+namespace dubrix {
+
+void PrefsViewController::selectColorTapped() {
+    auto picker = QZColorPickerViewController::pickerWithDelegate(*this);
+    picker->setCurrentColor(colorView.backgroundColor());
+    presentViewController(std::make_unique<NavigationController>(std::move(picker)), true);
+}
+
+QString PrefsViewController::titleForColorPicker(QZColorPickerViewController&) {
+    return QStringLiteral("Select color");
+}
+
+void PrefsViewController::colorPickerDidSelectColor(QZColorPickerViewController&,
+                                                    const Color& didSelectColor) {
+    const auto [red, green, blue, alpha] = didSelectColor;
+    platform().log.log("Color Selected");
+    platform().log.log(stringWithFormat("\n red %f \n blue %f \n green %f", red, blue, green));
+    const auto store = [this](std::string_view key, double component) {
+        sharedClass_->addKey(key, PropertyList::real(static_cast<float>(component)));
+    };
+    store("Red", red);
+    store("Green", green);
+    store("Blue", blue);
+    colorView.setBackgroundColor(drawable(didSelectColor));
+    dismissViewController(true);
+}
+
+void PrefsViewController::colorPiclerDidCancel(QZColorPickerViewController&) {
+    dismissViewController(true);
+}
+
+} // namespace dubrix
