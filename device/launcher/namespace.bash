@@ -66,7 +66,7 @@ device_bindings() {
 device_environment() {
     local library=/var/mobile/Library name
     environment=(--clearenv --setenv HOME /var/mobile --setenv SHELL /bin/bash --setenv TMPDIR /tmp
-        --setenv PATH /dubrix:/usr/local/bin:/usr/bin:/bin --setenv ZIPOPT -0
+        --setenv PATH /dubrix:/usr/local/bin:/usr/bin:/bin --setenv ZIPOPT -0y
         --setenv XDG_CACHE_HOME "$library"/Caches --setenv XDG_CONFIG_HOME "$library"/Config
         --setenv XDG_DATA_HOME "$library"/Data --setenv XDG_RUNTIME_DIR /run/mobile)
     while read -r name; do
@@ -110,7 +110,7 @@ run_on_device() {
     if [[ -n $isolated ]]; then
         namespace_line "$@"
     else
-        line=(env "PATH=$libexec:$PATH" ZIPOPT=-0 "${variables[@]}"
+        line=(env "PATH=$libexec:$PATH" ZIPOPT=-0y "${variables[@]}"
             "$libexec/$1" --root "$device" "${@:2}")
         ((EUID != 0)) || line=(env QTWEBENGINE_DISABLE_SANDBOX=1 "${line[@]}")
     fi
@@ -124,7 +124,7 @@ shell_on_device() {
         namespace_line /bin/bash --norc "$@"
     else
         cd -- "$device" || exit 1
-        line=(env "PATH=$libexec:$PATH" ZIPOPT=-0 "DUBRIX_ROOT=$device"
+        line=(env "PATH=$libexec:$PATH" ZIPOPT=-0y "DUBRIX_ROOT=$device"
             "BASH_ENV=$libexec/device-paths.bash"
             /bin/bash --rcfile "$libexec/device-paths.bash" "$@")
     fi
