@@ -1,124 +1,121 @@
 #include "tests/engine/EngineTest.h"
 
+#include <sstream>
+
 namespace dubrix {
-
-namespace {
-
-const std::string source = "com.example.app";
-
-std::string asked(const char* what, int number = 0) {
-    return std::string(what) + " " + source + (number == 0 ? "" : std::to_string(number));
-}
-
-} // namespace
 
 /// A source named Example, version 2.1, and duplicates as the test says.
 class FlowTest : public EngineTest {
 protected:
-    FlowTest() { clear(); }
+    FlowTest() { given(""); }
 
-    void clear() {
+    /// Nothing but the source and these duplicates: "1-3 7=2.0 9= 4!" are four of the source's
+    /// version, one of 2.0 and one without; number 4 is listed, but not registered. "s" is the
+    /// source without a version, "s!" unregistered.
+    void given(const std::string& applications) {
         chooseSource(source);
         catalogue.known = {{source, {"Example", "/var/Example.app", "2.1"}}};
+        std::istringstream words(applications);
+        for (std::string word; words >> word;) {
+            const std::size_t end = word.find_first_of("-=!");
+            const std::string rest = end == std::string::npos ? "" : word.substr(end);
+            if (word[0] == 's') {
+                catalogue.known[source] = {"Example", "/var/Example.app", {}, rest != "!"};
+                continue;
+            }
+            Text version = "2.1";
+            if (rest.starts_with("="))
+                version = rest.size() > 1 ? Text(rest.substr(1)) : std::nullopt;
+            const int first = std::stoi(word);
+            const int last = rest.starts_with("-") ? std::stoi(rest.substr(1)) : first;
+            for (int number = first; number <= last; ++number)
+                catalogue.known[source + std::to_string(number)] = {
+                    "Copy " + std::to_string(number), {}, version, rest != "!"};
+        }
         journal.clear();
         alerts.current.reset();
         alerts.progress.clear();
-    }
-    /// Makes the duplicates `from` to `to` installed with this version; their names follow the
-    /// first, "Copy 1", whatever the source's name is.
-    void duplicates(int from, int to, const Text& version = "2.1") {
-        for (int number = from; number <= to; ++number)
-            catalogue.known[source + std::to_string(number)] = {"Copy " + std::to_string(number),
-                                                                "/var/Copy.app", version};
     }
     /// What the user saw first: the pipeline's progress text or an alert.
     std::string outcome() const {
         return alerts.progress.empty() ? alerts.shown() : alerts.progress.front().message;
     }
+    /// The journal with questions in short: "n p v ?" for name, path, version and installed, each
+    /// with the duplicate's number.
+    std::string questions() {
+        std::string text;
+        for (const std::string& entry : std::exchange(journal, {})) {
+            const std::size_t name = entry.find(" " + source);
+            const std::string number = name == std::string::npos ? "" : entry.substr(name + 16);
+            const std::string what = entry.substr(0, name);
+            text += (what == "ask displayName"     ? "n"
+                     : what == "ask path"          ? "p"
+                     : what == "ask bundleVersion" ? "v"
+                     : what == "ask installed"     ? "?"
+                                                   : "[" + what + "]") +
+                    number + " ";
+        }
+        return text;
+    }
+    static std::string cloning(int number) {
+        return "Cloning Example " + std::to_string(number) + "\nPlease wait...\n\n";
+    }
 
-    const std::string waiting = "\nPlease wait...\n\n";
+    const std::string source = "com.example.app";
 };
 
 TEST_F(FlowTest, TheWalkActsOnTheFirstNumberThatCallsForIt) {
     const std::string limit = "OH MY GOD!|You have already created 100 versions of Example!|Ok";
-    const auto cloning = [this](int number) {
-        return "Cloning Example " + std::to_string(number) + waiting;
-    };
-    const auto offer = [](int number, const std::string& version) {
-        const std::string text = std::to_string(number);
-        return "Dubrix|An update for Example " + text +
-               " is available.\nWould you like to update "
-               "Copy " +
-               text + " to version " + version + "?|Update|New duplicate|Cancel";
+    const auto offer = [](const std::string& number, const std::string& version) {
+        return "Dubrix|An update for Example " + number + " is available.\nWould you like to " +
+               "update Copy " + number + " to version " + version + "?|Update|New duplicate|Cancel";
     };
     const struct {
-        const char* what;
-        std::function<void()> given;
+        const char* applications;
         int start;
         std::string outcome;
     } cases[] = {
-        {"none", [] {}, 1, cloning(1)},
-        {"three current", [this] { duplicates(1, 3); }, 1, cloning(4)},
-        {"a gap", [this] { duplicates(1, 2), duplicates(4, 4); }, 1, cloning(3)},
-        {"a gap below the start", [this] { duplicates(2, 3); }, 2, cloning(4)},
-        {"stale first", [this] { duplicates(1, 1, "2.0"); }, 1, offer(1, "2.0")},
-        {"newer is stale", [this] { duplicates(1, 2), duplicates(2, 2, "9"); }, 1, offer(2, "9")},
-        {"text, not number", [this] { duplicates(1, 1, "2.10"); }, 1, offer(1, "2.10")},
-        {"no version", [this] { duplicates(1, 1, {}); }, 1, offer(1, "(null)")},
-        {"stale behind a gap", [this] { duplicates(2, 2, "2.0"); }, 1, cloning(1)},
-        {"stale below the start", [this] { duplicates(1, 1, "2.0"); }, 2, cloning(2)},
-        {"source without version",
-         [this] {
-             duplicates(1, 2, {});
-             catalogue.known[source].version.reset();
-         },
-         2, offer(2, "(null)")},
-        {"source without version, none made", [this] { catalogue.known[source].version.reset(); },
-         1, cloning(1)},
-        {"listed but not registered",
-         [this] {
-             duplicates(1, 1);
-             catalogue.known[source + "1"].isRegistered = false;
-         },
-         1, cloning(2)},
-        {"last free", [this] { duplicates(1, 99); }, 1, cloning(100)},
-        {"last stale", [this] { duplicates(1, 100), duplicates(100, 100, "2"); }, 1,
-         offer(100, "2")},
-        {"all current", [this] { duplicates(1, 100); }, 1, limit},
-        {"all current, from the last", [this] { duplicates(100, 100); }, 100, limit},
-        {"last listed but not registered",
-         [this] {
-             duplicates(1, 100);
-             catalogue.known[source + "100"].isRegistered = false;
-         },
-         1, ""},
-        {"above the limit", [] {}, 101, ""},
+        {"", 1, cloning(1)},
+        {"1-3", 1, cloning(4)},
+        {"1-2 4", 1, cloning(3)},
+        {"2-3", 2, cloning(4)},
+        {"1=2.0", 1, offer("1", "2.0")},
+        {"1-2 2=9", 1, offer("2", "9")},   // newer is stale, too
+        {"1=2.10", 1, offer("1", "2.10")}, // texts, not numbers
+        {"1=", 1, offer("1", "(null)")},   // no version equals none
+        {"s 1= 2=", 2, offer("2", "(null)")},
+        {"s", 1, cloning(1)},
+        {"2=2.0", 1, cloning(1)}, // behind a gap
+        {"1=2.0", 2, cloning(2)}, // below the start
+        {"1!", 1, cloning(2)},    // not installed, yet with the same version
+        {"1-99", 1, cloning(100)},
+        {"1-100 100=2", 1, offer("100", "2")},
+        {"1-100", 1, limit},
+        {"100", 100, limit},
+        {"1-99 100!", 1, ""},
+        {"", 101, ""},
     };
     for (const auto& scene : cases) {
-        clear();
-        scene.given();
+        given(scene.applications);
         engine.DuplicateStartAt(scene.start);
-        EXPECT_EQ(outcome(), scene.outcome) << scene.what;
+        EXPECT_EQ(outcome(), scene.outcome) << scene.applications << " from " << scene.start;
     }
 }
 
 TEST_F(FlowTest, EveryAnswerToTheUpdatePromptGoesOn) {
     const auto prompt = [this](int number) {
-        clear();
-        duplicates(1, 100, "1.9");
-        catalogue.known.erase(source + "3");
+        given("1=1.9 2=1.9 100=1.9");
         engine.updateAlertAt(number);
     };
     prompt(1);
     ASSERT_TRUE(alerts.press("Update"));
-    EXPECT_EQ(outcome(), "Updating Example 1\nto version 1.9" + waiting)
-        << "the duplicate's present version";
+    EXPECT_EQ(outcome(), "Updating Example 1\nto version 1.9\nPlease wait...\n\n");
     for (const char* const going : {"New duplicate", "Cancel"}) {
         prompt(1);
         ASSERT_TRUE(alerts.press(going));
         EXPECT_TRUE(alerts.shown().starts_with("Dubrix|An update for Example 2 is")) << going;
         ASSERT_TRUE(alerts.press(going));
-        EXPECT_EQ(outcome(), "Cloning Example 3" + waiting) << going;
+        EXPECT_EQ(outcome(), cloning(3)) << going;
         prompt(100);
         ASSERT_TRUE(alerts.press(going));
         EXPECT_EQ(outcome(), "") << going;
@@ -126,176 +123,110 @@ TEST_F(FlowTest, EveryAnswerToTheUpdatePromptGoesOn) {
 }
 
 TEST_F(FlowTest, QuestionsToTheCatalogueComeInTheirOrder) {
-    const std::vector<std::string> pipeline = {asked("displayName"), asked("path"),
-                                               asked("bundleVersion")};
-    const auto expectAsked = [this](std::vector<std::string> expected,
-                                    const std::vector<std::string>& more = {}) {
-        expected.insert(expected.end(), more.begin(), more.end());
-        EXPECT_EQ(entriesOf(journal, "ask"), expected);
-        journal.clear();
-    };
-    duplicates(1, 1);
+    given("1");
+    commands.act = [this](const std::string&) { journal.pop_back(); };
     engine.DuplicateStartAt(1);
-    expectAsked({asked("displayName"), asked("bundleVersion"), asked("installed", 1),
-                 asked("bundleVersion", 1), asked("installed", 2), asked("bundleVersion", 2)},
-                {pipeline[0], pipeline[1], pipeline[2], asked("installed", 2),
-                 asked("bundleVersion", 2), asked("installed", 2)});
-
+    EXPECT_EQ(questions(), "n v ?1 v1 ?2 v2 n p v ?2 v2 "
+                           "[present Dubrix|Cloning Example 2\nPlease wait...\n\n] [dismiss] ?2 ");
     engine.updateAlertAt(1);
-    expectAsked({asked("displayName"), asked("displayName", 1), asked("bundleVersion", 1)});
-
+    EXPECT_EQ(questions(), "n n1 v1 [alert] ");
     engine.showDuplicateAlert();
-    EXPECT_EQ(journal,
-              (Journal{"log Dubrix - Duplicate Cell Clicked", "ask " + pipeline[0],
-                       "ask " + pipeline[1], "ask " + pipeline[2], "ask " + asked("installed"),
-                       "log int is equal to 1", "ask " + asked("installed", 1),
-                       "log int is equal to 2", "ask " + asked("installed", 2), "alert"}));
-    journal.clear();
-
-    duplicates(1, 3);
-    duplicates(2, 2, "2.0");
-    engine.showUpdateAlert();
-    EXPECT_EQ(entriesOf(journal, "log"), std::vector<std::string>());
-    expectAsked({asked("displayName"), asked("bundleVersion"), asked("installed"),
-                 // the run
-                 asked("installed", 1), asked("installed", 2), asked("installed", 3),
-                 asked("installed", 4),
-                 // the stale ones of the run
-                 asked("installed", 1), asked("bundleVersion", 1), asked("installed", 1),
-                 asked("installed", 2), asked("bundleVersion", 2), asked("installed", 3),
-                 asked("bundleVersion", 3), asked("installed", 3), asked("installed", 4),
-                 asked("installed", 4),
-                 // the first
-                 asked("installed", 1), asked("bundleVersion", 1), asked("installed", 2),
-                 asked("bundleVersion", 2), asked("displayName", 2)});
+    EXPECT_EQ(questions(), "[log Dubrix - Duplicate Cell Clicked] n p v ? "
+                           "[log int is equal to 1] ?1 [log int is equal to 2] ?2 [alert] ");
+    given("1-3 2=2.0");
+    engine.showUpdateAlert(); // the run, the stale ones of the run, the first
+    EXPECT_EQ(questions(),
+              "n v ? ?1 ?2 ?3 ?4 ?1 v1 ?1 ?2 v2 ?3 v3 ?3 ?4 ?4 ?1 v1 ?2 v2 n2 [alert] ");
 
     engine.unload();
-    duplicates(1, 1);
     EXPECT_EQ(engine.nameForBundleID(source), std::nullopt);
     EXPECT_TRUE(engine.isInstalled(source));
-    EXPECT_FALSE(engine.isInstalled("com.Example.app"));
-    EXPECT_FALSE(engine.isInstalled({}));
-    expectAsked({asked("installed"), "installed com.Example.app"});
+    EXPECT_FALSE(engine.isInstalled("com.Example.app") || engine.isInstalled({}));
+    EXPECT_EQ(questions(), "? [ask installed com.Example.app] ");
 }
 
 TEST_F(FlowTest, TheRequestAsksOnlyForAnInstalledSource) {
     const std::string refusal = "Dubrix|Please select an app from the list|Ok";
-    const auto question = [](const std::string& size, int count) {
-        return "Example|App size: " + size +
-               "\nApp version: 2.1\nDuplicates: " + std::to_string(count) + "|Cancel|Duplicate";
-    };
-    const auto bundle = onDevice("/var/Example.app");
-    const auto grow = [&] {
-        putFile(bundle / "run", "");
-        std::filesystem::resize_file(bundle / "run", 12'345'678);
-    };
-    const struct {
-        const char* what;
-        std::function<void()> given;
-        std::string outcome;
-        std::size_t measured;
-    } cases[] = {
-        {"no bundle on the disk", [] {}, question("(null)", 0), 0},
-        {"no settings", [this] { std::filesystem::remove(settingsPath()); }, refusal, 0},
-        {"damaged settings", [this] { putFile(settingsPath(), "<plist"); }, refusal, 0},
-        {"number for an identifier",
-         [this] {
-             choose({{"bundleID", PropertyList::integer(5)}});
-         },
-         refusal, 0},
-        {"nothing chosen, yet \"(null)\" installed",
-         [this] {
-             choose({});
-             catalogue.known["(null)"] = {"Null", {}, {}};
-         },
-         "Dubrix|The selected app is not installed|Ok", 0},
-        {"unregistered, yet measured first",
-         [&] {
-             grow();
-             catalogue.known[source].isRegistered = false;
-         },
-         refusal, 1},
-        {"a gap", [this] { duplicates(1, 2), duplicates(4, 4); }, question("12.3 MB", 2), 1},
-        {"stale ones", [this] { duplicates(1, 4, "1"); }, question("12.3 MB", 4), 1},
-        {"all but one", [this] { duplicates(1, 99); }, question("12.3 MB", 99), 1},
-        {"all", [this] { duplicates(1, 100); }, question("12.3 MB", 0), 1},
-    };
-    for (const auto& scene : cases) {
-        clear();
-        scene.given();
+    const auto expectShown = [this](const std::string& shown, const char* what) {
         engine.showDuplicateAlert();
-        EXPECT_EQ(alerts.shown(), scene.outcome) << scene.what;
-        EXPECT_EQ(std::ranges::count(journal, "log Dubrix - Calculating Folder Size"),
-                  static_cast<std::ptrdiff_t>(scene.measured))
-            << scene.what;
+        EXPECT_EQ(alerts.shown(), shown) << what;
+    };
+    const auto question = [](const std::string& size, const std::string& count) {
+        return "Example|App size: " + size + "\nApp version: 2.1\nDuplicates: " + count +
+               "|Cancel|Duplicate";
+    };
+    expectShown(question("(null)", "0"), "no bundle on the disk");
+    EXPECT_EQ(entriesOf(journal, "log").size(), 2U) << "nothing to measure";
+    std::filesystem::remove(settingsPath());
+    expectShown(refusal, "no settings");
+    putFile(settingsPath(), "<plist");
+    expectShown(refusal, "damaged settings");
+    choose({{"bundleID", PropertyList::integer(5)}});
+    expectShown(refusal, "no text for an identifier");
+    catalogue.known["(null)"] = {"Null", {}, {}};
+    expectShown("Dubrix|The selected app is not installed|Ok", "\"(null)\" is installed");
+
+    putFile(onDevice("/var/Example.app/run"), "");
+    std::filesystem::resize_file(onDevice("/var/Example.app/run"), 12'345'678);
+    given("s!");
+    expectShown(refusal, "unregistered");
+    EXPECT_EQ(entriesOf(journal, "log").at(1), "Dubrix - Calculating Folder Size")
+        << "measured before it is refused";
+    for (const auto& [applications, count] :
+         {std::pair("", "0"), {"1-2 4", "2"}, {"1=1 2=", "2"}, {"1-99", "99"}, {"1-100", "0"}}) {
+        given(applications);
+        expectShown(question("12.3 MB", count), applications);
     }
-    clear();
+    given("");
     engine.showDuplicateAlert();
     ASSERT_TRUE(alerts.press("Cancel"));
     EXPECT_EQ(outcome(), "");
     engine.showDuplicateAlert();
     ASSERT_TRUE(alerts.press("Duplicate"));
-    EXPECT_EQ(outcome(), "Cloning Example 1" + waiting);
+    EXPECT_EQ(outcome(), cloning(1));
 }
 
 TEST_F(FlowTest, TheUpdateFlowTellsTheCensus) {
-    const auto offer = [](int count, int stale, int first) {
-        const std::string number = std::to_string(first);
-        return "Example|App version: 2.1\nDuplicates: " + std::to_string(count) + "\n\nYou have " +
-               std::to_string(stale) +
-               " app(s) that need update!\n\nWould you like to start updating Copy " + number +
-               " ? (Example " + number + ")|Cancel|Update";
-    };
-    const auto upToDate = [](const std::string& version, int count) {
-        return "Example|App version: " + version + "\nDuplicates: " + std::to_string(count) +
-               "\n\nAll duplicates are up to date|Ok";
-    };
     const std::string none = "Example|No duplicates for this app|Ok";
+    const std::string head = "Example|App version: 2.1\nDuplicates: ";
+    const std::string current = "\n\nAll duplicates are up to date|Ok";
+    const auto offer = [&](const char* count, const char* stale, const std::string& first) {
+        return head + count + "\n\nYou have " + stale +
+               " app(s) that need update!\n\nWould you like to start updating Copy " + first +
+               " ? (Example " + first + ")|Cancel|Update";
+    };
     const struct {
-        const char* what;
-        std::function<void()> given;
+        const char* applications;
         std::string outcome;
     } cases[] = {
-        {"nothing chosen", [this] { choose({}); }, "Dubrix|The selected app is not installed|Ok"},
-        {"removed", [this] { catalogue.known.clear(); },
-         "Dubrix|Please select an app from the list|Ok"},
-        {"none", [] {}, none},
-        {"current", [this] { duplicates(1, 4); }, upToDate("2.1", 4)},
-        {"two stale", [this] { duplicates(1, 4), duplicates(2, 2, "2"), duplicates(4, 4, "3"); },
-         offer(4, 2, 2)},
-        {"stale behind a gap", [this] { duplicates(1, 1), duplicates(3, 3, "2"); },
-         upToDate("2.1", 1)},
-        {"stale before and behind a gap", [this] { duplicates(1, 1, "2"), duplicates(3, 9, "2"); },
-         offer(1, 1, 1)},
-        {"only behind a gap", [this] { duplicates(2, 9, "2"); }, none},
-        {"hundred current", [this] { duplicates(1, 100); }, none},
-        {"hundred, the last stale", [this] { duplicates(1, 100), duplicates(100, 100, {}); },
-         offer(0, 1, 100)},
-        {"duplicate without a name",
-         [this] {
-             duplicates(1, 1, "2");
-             catalogue.known[source + "1"].name.reset();
-         },
-         "Example|App version: 2.1\nDuplicates: 1\n\nYou have 1 app(s) that need update!\n\n"
-         "Would you like to start updating (null) ? (Example 1)|Cancel|Update"},
+        {"s!", "Dubrix|Please select an app from the list|Ok"},
+        {"", none},
+        {"1-4", head + "4" + current},
+        {"1-4 2=2 4=3", offer("4", "2", "2")},
+        {"1 3=2", head + "1" + current}, // behind a gap
+        {"1=2 3=2 4=2", offer("1", "1", "1")},
+        {"2=2 3=2", none},
+        {"1-100", none},
+        {"1-100 100=", offer("0", "1", "100")},
     };
     for (const auto& scene : cases) {
-        clear();
-        scene.given();
+        given(scene.applications);
         engine.showUpdateAlert();
-        EXPECT_EQ(alerts.shown(), scene.outcome) << scene.what;
+        EXPECT_EQ(alerts.shown(), scene.outcome) << scene.applications;
     }
-    clear();
-    duplicates(1, 4);
-    duplicates(2, 2, "2.0");
+    choose({});
+    engine.showUpdateAlert();
+    EXPECT_EQ(alerts.shown(), "Dubrix|The selected app is not installed|Ok");
+
+    given("1-4 2=2.0");
     engine.showUpdateAlert();
     ASSERT_TRUE(alerts.press("Cancel"));
     EXPECT_EQ(outcome(), "");
     engine.showUpdateAlert();
-    duplicates(1, 1, "2.0"); // meanwhile; the offer stands as it was made
+    catalogue.known[source + "1"].version = "2.0"; // meanwhile; the offer stands as it was made
     ASSERT_TRUE(alerts.press("Update"));
     EXPECT_EQ(alerts.progress.size(), 1U) << "one confirmation rebuilds one duplicate";
-    EXPECT_EQ(outcome(), "Updating Example 2\nto version 2.0" + waiting);
+    EXPECT_EQ(outcome(), "Updating Example 2\nto version 2.0\nPlease wait...\n\n");
 }
 
 } // namespace dubrix

@@ -77,16 +77,18 @@ struct RecordedCommands final : CommandRunner {
     std::function<void(const std::string&)> act = [](const std::string&) {};
 };
 
-/// Notes the colour; refuses what does not begin with "image", and marks the rest as tinted.
+/// Notes images and colours; refuses what does not begin with "image", puts a "+" after the rest.
 struct RecordedFilter final : MonochromeFilter {
     std::optional<std::string> monochromePng(std::string_view image, float red, float green,
                                              float blue) const override {
+        images.emplace_back(image);
         colors.push_back({red, green, blue});
         if (afterwards)
             afterwards();
         return image.starts_with("image") ? std::optional(std::string(image) + "+") : std::nullopt;
     }
 
+    mutable std::vector<std::string> images;
     mutable std::vector<std::vector<float>> colors;
     std::function<void()> afterwards;
 };
