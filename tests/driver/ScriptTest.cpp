@@ -1,4 +1,3 @@
-#include "driver/ScriptReader.h"
 #include "driver/ScriptStep.h"
 #include "driver/ShotPipe.h"
 
@@ -93,29 +92,6 @@ TEST(ScriptStep, ReadsEveryForm) {
     };
     for (const auto& [line, expected] : cases)
         EXPECT_EQ(parsed(line), expected) << line;
-}
-
-TEST(ScriptReader, GivesLinesAsTheyComeAndTheLastWithoutABreak) {
-    Pipe pipe;
-    ScriptReader reader(pipe.ends[0]);
-    const auto next = [&reader] {
-        std::optional<std::string> line;
-        while (!(line = reader.nextLine()) && !reader.atEnd())
-            std::this_thread::yield();
-        return line;
-    };
-    EXPECT_EQ(reader.nextLine(), std::nullopt);
-    pipe.write("tap Ok\n\nta");
-    EXPECT_EQ(next(), "tap Ok");
-    EXPECT_EQ(next(), "");
-    EXPECT_EQ(reader.nextLine(), std::nullopt);
-    EXPECT_FALSE(reader.atEnd());
-    pipe.write("p Cancel\n" + std::string(5000, 'x'));
-    pipe.closeWriter();
-    EXPECT_EQ(next(), "tap Cancel");
-    EXPECT_EQ(next(), std::string(5000, 'x'));
-    EXPECT_EQ(next(), std::nullopt);
-    EXPECT_TRUE(reader.atEnd());
 }
 
 TEST(ShotPipe, SendsNameSizeAndBytesAndTakesTheAnswer) {

@@ -32,15 +32,10 @@ protected:
         return device.root() / path.substr(1);
     }
 
-    /// Writes the settings file with these values.
-    void choose(const std::vector<std::pair<std::string, PropertyList>>& values) const {
-        PropertyList settings = PropertyList::dictionary();
-        for (const auto& [key, value] : values)
-            settings.setValueForKey(key, value);
-        putFile(settingsPath(), settings.xml());
-    }
-    void chooseSource(const std::string& identifier) const {
-        choose({{"bundleID", PropertyList::string(identifier)}});
+    /// Writes the settings file, in the old-style text form.
+    void choose(const std::string& settings) const { putFile(settingsPath(), settings); }
+    void chooseSource(const std::string& identifier, const std::string& more = "") const {
+        choose("{bundleID = \"" + identifier + "\";" + more + "}");
     }
 
     DeviceFolder device;

@@ -161,7 +161,7 @@ TEST_F(FlowTest, TheRequestAsksOnlyForAnInstalledSource) {
     expectShown(refusal, "no settings");
     putFile(settingsPath(), "<plist");
     expectShown(refusal, "damaged settings");
-    choose({{"bundleID", PropertyList::integer(5)}});
+    choose("{bundleID = (a, b);}");
     expectShown(refusal, "no text for an identifier");
     catalogue.known["(null)"] = {"Null", {}, {}};
     expectShown("Dubrix|The selected app is not installed|Ok", "\"(null)\" is installed");
@@ -214,7 +214,7 @@ TEST_F(FlowTest, TheUpdateFlowTellsTheCensus) {
         engine.showUpdateAlert();
         EXPECT_EQ(alerts.shown(), scene.outcome) << scene.applications;
     }
-    choose({});
+    choose("{}");
     engine.showUpdateAlert();
     EXPECT_EQ(alerts.shown(), "Dubrix|The selected app is not installed|Ok");
 

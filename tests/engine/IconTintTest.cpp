@@ -74,9 +74,7 @@ TEST_F(IconTintTest, FindsTheVariantsOfEachListedName) {
 }
 
 TEST_F(IconTintTest, TheColorIsReadForEachImage) {
-    choose({{"bundleID", PropertyList::string("com.example.app")},
-            {"Red", PropertyList::real(0.1F)},
-            {"Blue", PropertyList::string("1")}});
+    chooseSource("com.example.app", "Red = \"0.1\"; Blue = 1;");
     filter.afterwards = [this] {
         if (filter.colors.size() == 2)
             chooseSource("com.example.app");
@@ -130,8 +128,7 @@ TEST_F(IconTintTest, OnlyFilesOfTheStagedBundleAreTouched) {
 TEST_F(IconTintTest, TheRealFilterLeavesPngFiles) {
     LinuxMonochromeFilter real;
     LoadedEngine withFilter({commands, files, catalogue, catalogue, real, byteCounts, log}, alerts);
-    choose(
-        {{"bundleID", PropertyList::string("com.example.app")}, {"Green", PropertyList::real(1)}});
+    chooseSource("com.example.app", "Green = 1;");
     stage("{CFBundleIconFiles = (Icon);}", {});
     const std::string png = contentsOf(SOURCE_ROOT "/resources/PreferencesButton_7@2x.png");
     putFile(bundle / "Icon@2x.png", png);

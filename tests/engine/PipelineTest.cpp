@@ -21,7 +21,8 @@ constexpr auto source = "com.example.app";
 class PipelineTest : public EngineTest {
 protected:
     PipelineTest() {
-        ::setenv("PATH", (std::string(PROGRAMS ":") + ::getenv("PATH")).c_str(), 1);
+        static const std::string path = std::string(PROGRAMS ":") + ::getenv("PATH");
+        ::setenv("PATH", path.c_str(), 1);
         ::setenv("ZIPOPT", "-q0y", 1);
         fs::create_directories(onDevice("/var/mobile"));
         fs::current_path(onDevice("/var/mobile"));
@@ -32,26 +33,19 @@ protected:
     }
     ~PipelineTest() override { fs::current_path("/"); }
 
-    PropertyList sourceInfo(const std::string& name, const std::string& version) const {
-        PropertyList info = *PropertyList::parse(infoPlist(source, version));
-        PropertyList icons = PropertyList::array();
-        icons.append(PropertyList::string("Icon"));
-        info.setValueForKey("CFBundleIconFiles", icons);
-        info.setValueForKey("CFBundleDisplayName", PropertyList::string(name));
-        info.setValueForKey("MinimumOSVersion", PropertyList::real(9.1));
-        info.setValueForKey("Serial", PropertyList::integer(std::int64_t{1} << 60));
-        info.setValueForKey("Blob", PropertyList::data(std::string("\0\1", 2)));
-        info.setValueForKey("Nested", info);
-        return info;
-    }
     void installSource(const std::string& displayName, const std::string& version = "2.1") {
         const std::string bundle = "Payload/Example.app/";
-        const std::string info = sourceInfo(displayName, version).binary();
+        PropertyList info = *PropertyList::parse("{CFBundleIconFiles = (Icon); Blob = <0001>;"
+                                                 "Nested = {CFBundleIdentifier = a;};}");
+        info.setValueForKey("CFBundleIdentifier", PropertyList::string(source));
+        info.setValueForKey("CFBundleDisplayName", PropertyList::string(displayName));
+        info.setValueForKey("CFBundleVersion", PropertyList::string(version));
+        info.setValueForKey("MinimumOSVersion", PropertyList::real(9.1));
         const auto file = [&bundle](const char* name, const char* data, mode_t mode) {
             return ZipItem{bundle + name, data, mode};
         };
         const auto archive =
-            device.archive("source.ipa", zipOf({{bundle + "Info.plist", info},
+            device.archive("source.ipa", zipOf({{bundle + "Info.plist", info.binary()},
                                                 file("Icon.png", "image", S_IFREG | 0644),
                                                 file("run", "#!/bin/sh", S_IFREG | 0751),
                                                 file("a b/'quoted' \\ *", "odd", S_IFREG | 0444),
@@ -60,10 +54,6 @@ protected:
                                                 file(".hidden", "", S_IFREG | 0640),
                                                 file("empty/", "", S_IFDIR | 0750)}));
         ASSERT_TRUE(device.installer().install(archive));
-    }
-    void chooseSourceAnd(std::vector<std::pair<std::string, PropertyList>> values = {}) {
-        values.emplace_back("bundleID", PropertyList::string(source));
-        choose(values);
     }
     /// Everything in an application's bundle but its Info.plist, with permissions.
     std::map<std::string, std::string> contentsOfBundle(const std::string& identifier) const {
@@ -113,7 +103,7 @@ protected:
 
 TEST_F(PipelineTest, ADuplicateDiffersInTwoKeysOnly) {
     installSource("My App");
-    chooseSourceAnd();
+    chooseSource(source);
     const std::string path = *applications.valueForKey("path", source);
     EXPECT_EQ(duplicate("7"), "My App successfully duplicated.");
     EXPECT_EQ(stage.image, "ProgressHUD.bundle/progresshud-success.png");
@@ -136,7 +126,7 @@ TEST_F(PipelineTest, ADuplicateDiffersInTwoKeysOnly) {
 
 TEST_F(PipelineTest, ARebuildAlwaysEndsInSuccess) {
     installSource("Example", "2.0");
-    chooseSourceAnd();
+    chooseSource(source);
     EXPECT_EQ(duplicate("3"), "Example successfully duplicated.");
     EXPECT_EQ(duplicate("3"), "Example successfully duplicated.");
     EXPECT_TRUE(journal[0].starts_with("present Dubrix|Cloning Example 3\n")) << "not stale";
@@ -153,40 +143,26 @@ TEST_F(PipelineTest, ARebuildAlwaysEndsInSuccess) {
 }
 
 TEST_F(PipelineTest, TheDisplayNameFollowsTheChoice) {
-    const struct {
-        const char* what;
-        std::vector<std::pair<std::string, PropertyList>> choice;
-        Text name;
-    } cases[] = {
-        {"off", {{"customText", PropertyList::string("Work")}}, "Example 12"},
-        {"off, false",
-         {{"customText", PropertyList::string("Work")},
-          {"customNameToggle", PropertyList::boolean(false)}},
-         "Example 12"},
-        {"on",
-         {{"customText", PropertyList::string(" Wörk & <Play> ")},
-          {"customNameToggle", PropertyList::boolean(true)}},
-         " Wörk & <Play> "},
-        {"empty",
-         {{"customText", PropertyList::string("")},
-          {"customNameToggle", PropertyList::boolean(true)}},
-         ""},
-        {"absent", {{"customNameToggle", PropertyList::boolean(true)}}, std::nullopt},
+    const std::tuple<const char*, const char*, Text> cases[] = {
+        {"off", "customText = Work;", "Example 12"},
+        {"off, false", "customText = Work; customNameToggle = 0;", "Example 12"},
+        {"on", "customText = \" W\\U00f6rk & <Play> \"; customNameToggle = 1;", " Wörk & <Play> "},
+        {"empty", "customText = \"\"; customNameToggle = 1;", ""},
+        {"absent", "customNameToggle = 1;", std::nullopt},
     };
     installSource("Example");
-    for (const auto& scene : cases) {
-        chooseSourceAnd(scene.choice);
-        EXPECT_EQ(duplicate("12"), "Example successfully duplicated.") << scene.what;
-        EXPECT_EQ(infoOf("com.example.app12").stringForKey("CFBundleDisplayName"), scene.name)
-            << scene.what;
+    for (const auto& [what, choice, name] : cases) {
+        chooseSource(source, choice);
+        EXPECT_EQ(duplicate("12"), "Example successfully duplicated.") << what;
+        EXPECT_EQ(infoOf("com.example.app12").stringForKey("CFBundleDisplayName"), name) << what;
         EXPECT_EQ(infoOf("com.example.app12").keys().size(),
-                  infoOf(source).keys().size() - (scene.name ? 0 : 1));
+                  infoOf(source).keys().size() - (name ? 0 : 1));
     }
 }
 
 TEST_F(PipelineTest, AFailureLeavesTheStagingRootForTheNextRun) {
     installSource("Example");
-    chooseSourceAnd();
+    chooseSource(source);
     const auto before = device.snapshot();
     for (const char* const failing : {"cp ", "cd ", "ipainstaller"}) {
         fs::remove_all(onDevice("/tmp/Example"));
@@ -210,7 +186,7 @@ TEST_F(PipelineTest, AFailureLeavesTheStagingRootForTheNextRun) {
 
 TEST_F(PipelineTest, TintsBetweenEditingAndPacking) {
     installSource("Example");
-    chooseSourceAnd({{"customColorToggle", PropertyList::boolean(true)}});
+    chooseSource(source, "customColorToggle = 1;");
     const fs::path info = onDevice("/tmp/Example/Payload/Example.app/Info.plist");
     filter.afterwards = [&] {
         const auto edited = PropertyList::parse(contentsOf(info));
@@ -237,16 +213,21 @@ TEST_F(PipelineTest, AbsentValuesReadNull) {
 }
 
 struct OddName {
+    const char* what;
     const char* name;
     bool works;
 };
 
+void PrintTo(const OddName& odd, std::ostream* out) {
+    *out << odd.what;
+}
+
 class OddNameTest : public PipelineTest, public testing::WithParamInterface<OddName> {};
 
 TEST_P(OddNameTest, HarmsNothing) {
-    const auto& [name, works] = GetParam();
+    const auto& [what, name, works] = GetParam();
     installSource(name);
-    chooseSourceAnd();
+    chooseSource(source);
     putFile(onDevice("/tmp/kept/file"), "kept");
     const auto before = device.snapshot();
     EXPECT_EQ(duplicate("1"), works ? std::string(name) + " successfully duplicated."
@@ -259,9 +240,11 @@ TEST_P(OddNameTest, HarmsNothing) {
 // Without a namespace a shell obeys a quote in a name, so the one here names paths that are moved
 // to the device.
 INSTANTIATE_TEST_SUITE_P(Names, OddNameTest,
-                         testing::Values(OddName{"", true}, OddName{".", true}, OddName{"..", true},
-                                         OddName{"x'; cp -r /tmp '/var/pwned", false},
-                                         OddName{"-rf *", false}, OddName{"a/b", false},
-                                         OddName{"$(exit)`exit`", true}));
+                         testing::Values(OddName{"empty", "", true}, OddName{"dot", ".", true},
+                                         OddName{"dots", "..", true},
+                                         OddName{"quote", "x'; cp -r /tmp '/var/pwned", false},
+                                         OddName{"option", "-rf *", false},
+                                         OddName{"slash", "a/b", false},
+                                         OddName{"expansion", "$(exit)`exit`", true}));
 
 } // namespace dubrix
