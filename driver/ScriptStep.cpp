@@ -44,7 +44,8 @@ std::optional<std::string> takeQuoted(std::string_view& text) {
 std::optional<double> seconds(std::string_view text) {
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || value < 0 || value > 3600)
+    const bool isInRange = value >= 0 && value <= 3600; // not a number is not
+    if (error != std::errc() || end != text.data() + text.size() || !isInRange)
         return std::nullopt;
     return value;
 }

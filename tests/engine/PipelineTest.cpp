@@ -1,0 +1,250 @@
+#include "platform/linux/LinuxApplicationList.h"
+#include "platform/linux/LinuxApplicationWorkspace.h"
+#include "platform/linux/LinuxCommandRunner.h"
+#include "tests/engine/EngineTest.h"
+
+#include <cstdlib>
+#include <sys/stat.h>
+
+namespace dubrix {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr auto source = "com.example.app";
+
+} // namespace
+
+/// The engine on a device whose commands, registry and installer are the real ones. `skipped` is
+/// the beginning of a command that fails without having done anything.
+class PipelineTest : public EngineTest {
+protected:
+    PipelineTest() {
+        static const std::string path = std::string(PROGRAMS ":") + ::getenv("PATH");
+        ::setenv("PATH", path.c_str(), 1);
+        ::setenv("ZIPOPT", "-q0y", 1);
+        fs::create_directories(onDevice("/var/mobile"));
+        fs::current_path(onDevice("/var/mobile"));
+        commands.act = [this](const std::string& command) {
+            if (skipped.empty() || !command.starts_with(skipped))
+                bash.runCommand(command);
+        };
+    }
+    ~PipelineTest() override { fs::current_path("/"); }
+
+    void installSource(const std::string& displayName, const std::string& version = "2.1") {
+        const std::string bundle = "Payload/Example.app/";
+        PropertyList info = *PropertyList::parse("{CFBundleIconFiles = (Icon); Blob = <0001>;"
+                                                 "Nested = {CFBundleIdentifier = a;};}");
+        info.setValueForKey("CFBundleIdentifier", PropertyList::string(source));
+        info.setValueForKey("CFBundleDisplayName", PropertyList::string(displayName));
+        info.setValueForKey("CFBundleVersion", PropertyList::string(version));
+        info.setValueForKey("MinimumOSVersion", PropertyList::real(9.1));
+        const auto file = [&bundle](const char* name, const char* data, mode_t mode) {
+            return ZipItem{bundle + name, data, mode};
+        };
+        const auto archive =
+            device.archive("source.ipa", zipOf({{bundle + "Info.plist", info.binary()},
+                                                file("Icon.png", "image", S_IFREG | 0644),
+                                                file("run", "#!/bin/sh", S_IFREG | 0751),
+                                                file("a b/'quoted' \\ *", "odd", S_IFREG | 0444),
+                                                file("a b/link", "../run", S_IFLNK | 0777),
+                                                file("dangling", "nowhere", S_IFLNK | 0777),
+                                                file(".hidden", "", S_IFREG | 0640),
+                                                file("empty/", "", S_IFDIR | 0750)}));
+        ASSERT_TRUE(device.installer().install(archive));
+    }
+    /// Everything in an application's bundle but its Info.plist, with permissions.
+    std::map<std::string, std::string> contentsOfBundle(const std::string& identifier) const {
+        const std::string bundle = device.installed(identifier).native();
+        std::map<std::string, std::string> contents;
+        for (const auto& [path, content] : device.snapshot())
+            if (path.starts_with(bundle + "/") && path != bundle + "/Info.plist")
+                contents[path.substr(bundle.size())] = content;
+        return contents;
+    }
+    PropertyList infoOf(const std::string& identifier) const {
+        const std::string bytes = contentsOf(device.installed(identifier, "Info.plist"));
+        EXPECT_TRUE(bytes.starts_with("<?xml ") || identifier == source);
+        return PropertyList::parse(bytes).value_or(PropertyList::array());
+    }
+    /// Runs the pipeline; gives what the overlay says.
+    std::string duplicate(const std::string& number) {
+        journal.clear();
+        stage.text.reset();
+        alerts.progress.clear();
+        onDeviceEngine.duplicateAppWithNumber(number);
+        return stage.text.value_or("");
+    }
+    /// The paths of what was on the device and is not as it was.
+    std::vector<std::string> changedSince(const std::map<std::string, std::string>& before) const {
+        const auto after = device.snapshot();
+        std::vector<std::string> changed;
+        for (const auto& [path, content] : before)
+            if (!after.contains(path) || after.at(path) != content)
+                changed.push_back(path);
+        return changed;
+    }
+    std::vector<std::string> staged() const {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(onDevice("/tmp")))
+            names.push_back(entry.path().filename().native());
+        return names;
+    }
+
+    LinuxCommandRunner bash{device.root(), DEVICE_PATHS};
+    LinuxApplicationWorkspace workspace{device.root()};
+    LinuxApplicationList applications{device.root()};
+    LoadedEngine onDeviceEngine{{commands, files, workspace, applications, filter, byteCounts, log},
+                                alerts};
+    std::string skipped;
+};
+
+TEST_F(PipelineTest, ADuplicateDiffersInTwoKeysOnly) {
+    installSource("My App");
+    chooseSource(source);
+    const std::string path = *applications.valueForKey("path", source);
+    EXPECT_EQ(duplicate("7"), "My App successfully duplicated.");
+    EXPECT_EQ(stage.image, "ProgressHUD.bundle/progresshud-success.png");
+    EXPECT_EQ(journal, (Journal{"present Dubrix|Cloning My App 7\nPlease wait...\n\n",
+                                "run cp -rf '" + path + "' '/tmp/My App/Payload/'",
+                                "run cd /tmp/'My App'/ && zip -r 'My App'.ipa *",
+                                "run ipainstaller -f /tmp/'My App'/'My App'.ipa", "dismiss"}));
+    const ProgressAlert::Frame frame = alerts.progress.front().spinnerFrame;
+    EXPECT_EQ((std::vector<double>{frame.x, frame.y, frame.width, frame.height}),
+              (std::vector<double>{150, 330, 20, 20}));
+
+    PropertyList expected = infoOf(source);
+    expected.setValueForKey("CFBundleIdentifier", PropertyList::string("com.example.app7"));
+    expected.setValueForKey("CFBundleDisplayName", PropertyList::string("My App 7"));
+    EXPECT_EQ(infoOf("com.example.app7"), expected);
+    EXPECT_EQ(contentsOfBundle("com.example.app7"), contentsOfBundle(source));
+    EXPECT_EQ(contentsOfBundle(source).size(), 8U);
+    EXPECT_EQ(staged(), std::vector<std::string>());
+}
+
+TEST_F(PipelineTest, ARebuildAlwaysEndsInSuccess) {
+    installSource("Example", "2.0");
+    chooseSource(source);
+    EXPECT_EQ(duplicate("3"), "Example successfully duplicated.");
+    EXPECT_EQ(duplicate("3"), "Example successfully duplicated.");
+    EXPECT_TRUE(journal[0].starts_with("present Dubrix|Cloning Example 3\n")) << "not stale";
+    installSource("Example", "2.1");
+
+    skipped = "ipainstaller";
+    EXPECT_EQ(duplicate("3"), "Example successfully duplicated.");
+    EXPECT_EQ(device.versionOf("com.example.app3"), "2.0");
+    skipped.clear();
+    EXPECT_EQ(duplicate("3"), "Example successfully duplicated.");
+    EXPECT_EQ(journal[0], "present Dubrix|Updating Example 3\nto version 2.0\nPlease wait...\n\n");
+    EXPECT_EQ(device.versionOf("com.example.app3"), "2.1");
+    EXPECT_EQ(staged(), std::vector<std::string>());
+}
+
+TEST_F(PipelineTest, TheDisplayNameFollowsTheChoice) {
+    const std::tuple<const char*, const char*, Text> cases[] = {
+        {"off", "customText = Work;", "Example 12"},
+        {"off, false", "customText = Work; customNameToggle = 0;", "Example 12"},
+        {"on", "customText = \" W\\U00f6rk & <Play> \"; customNameToggle = 1;", " Wörk & <Play> "},
+        {"empty", "customText = \"\"; customNameToggle = 1;", ""},
+        {"absent", "customNameToggle = 1;", std::nullopt},
+    };
+    installSource("Example");
+    for (const auto& [what, choice, name] : cases) {
+        chooseSource(source, choice);
+        EXPECT_EQ(duplicate("12"), "Example successfully duplicated.") << what;
+        EXPECT_EQ(infoOf("com.example.app12").stringForKey("CFBundleDisplayName"), name) << what;
+        EXPECT_EQ(infoOf("com.example.app12").keys().size(),
+                  infoOf(source).keys().size() - (name ? 0 : 1));
+    }
+}
+
+TEST_F(PipelineTest, AFailureLeavesTheStagingRootForTheNextRun) {
+    installSource("Example");
+    chooseSource(source);
+    const auto before = device.snapshot();
+    for (const char* const failing : {"cp ", "cd ", "ipainstaller"}) {
+        fs::remove_all(onDevice("/tmp/Example"));
+        skipped = failing;
+        EXPECT_EQ(duplicate("1"), "Failed to duplicate Example.");
+        EXPECT_EQ(stage.image, "ProgressHUD.bundle/progresshud-error.png");
+        EXPECT_EQ(entriesOf(journal, "run").size(), 3U) << "each step is tried all the same";
+        EXPECT_EQ(journal.back(), "dismiss");
+        EXPECT_EQ(staged(), std::vector<std::string>{"Example"});
+    }
+    // What a failed run left is merged into and packed again.
+    putFile(onDevice("/tmp/Example/Payload/Example.app/left over"), "old");
+    putFile(onDevice("/tmp/Example/Payload/Example.app/run"), "old");
+    skipped.clear();
+    EXPECT_EQ(duplicate("1"), "Example successfully duplicated.");
+    EXPECT_EQ(contentsOf(device.installed("com.example.app1", "left over")), "old");
+    EXPECT_EQ(contentsOf(device.installed("com.example.app1", "run")), "#!/bin/sh");
+    EXPECT_EQ(staged(), std::vector<std::string>());
+    EXPECT_EQ(changedSince(before), std::vector<std::string>());
+}
+
+TEST_F(PipelineTest, TintsBetweenEditingAndPacking) {
+    installSource("Example");
+    chooseSource(source, "customColorToggle = 1;");
+    const fs::path info = onDevice("/tmp/Example/Payload/Example.app/Info.plist");
+    filter.afterwards = [&] {
+        const auto edited = PropertyList::parse(contentsOf(info));
+        journal.push_back("tint " + edited->stringForKey("CFBundleIdentifier").value_or(""));
+    };
+    EXPECT_EQ(duplicate("2"), "Example successfully duplicated.");
+    ASSERT_EQ(journal.size(), 6U);
+    EXPECT_EQ(journal[2], "tint com.example.app2");
+    EXPECT_TRUE(journal[1].starts_with("run cp ") && journal[3].starts_with("run cd "));
+    auto expected = contentsOfBundle(source);
+    expected["/Icon.png"] += "+";
+    EXPECT_EQ(contentsOfBundle("com.example.app2"), expected);
+}
+
+TEST_F(PipelineTest, AbsentValuesReadNull) {
+    alerts.view = {};
+    EXPECT_EQ(duplicate("1"), "Failed to duplicate (null).");
+    EXPECT_EQ(journal, (Journal{"present Dubrix|Cloning (null) 1\nPlease wait...\n\n",
+                                "run cp -rf '(null)' '/tmp/(null)/Payload/'",
+                                "run cd /tmp/'(null)'/ && zip -r '(null)'.ipa *",
+                                "run ipainstaller -f /tmp/'(null)'/'(null)'.ipa", "dismiss"}));
+    EXPECT_EQ(alerts.progress[0].spinnerFrame.x, -10);
+    EXPECT_EQ(alerts.progress[0].spinnerFrame.y, -150);
+}
+
+struct OddName {
+    const char* what;
+    const char* name;
+    bool works;
+};
+
+void PrintTo(const OddName& odd, std::ostream* out) {
+    *out << odd.what;
+}
+
+class OddNameTest : public PipelineTest, public testing::WithParamInterface<OddName> {};
+
+TEST_P(OddNameTest, HarmsNothing) {
+    const auto& [what, name, works] = GetParam();
+    installSource(name);
+    chooseSource(source);
+    putFile(onDevice("/tmp/kept/file"), "kept");
+    const auto before = device.snapshot();
+    EXPECT_EQ(duplicate("1"), works ? std::string(name) + " successfully duplicated."
+                                    : "Failed to duplicate " + std::string(name) + ".");
+    EXPECT_EQ(changedSince(before), std::vector<std::string>());
+    EXPECT_EQ(std::distance(fs::directory_iterator(device.folder().path()), {}), 2)
+        << "the device and the source's archive";
+}
+
+// Without a namespace a shell obeys a quote in a name, so the one here names paths that are moved
+// to the device.
+INSTANTIATE_TEST_SUITE_P(Names, OddNameTest,
+                         testing::Values(OddName{"empty", "", true}, OddName{"dot", ".", true},
+                                         OddName{"dots", "..", true},
+                                         OddName{"quote", "x'; cp -r /tmp '/var/pwned", false},
+                                         OddName{"option", "-rf *", false},
+                                         OddName{"slash", "a/b", false},
+                                         OddName{"expansion", "$(exit)`exit`", true}));
+
+} // namespace dubrix

@@ -1,0 +1,84 @@
+#include "tests/engine/EngineTest.h"
+
+namespace dubrix {
+
+namespace fs = std::filesystem;
+
+class SettingsTest : public EngineTest {
+protected:
+    PropertyList stored() const {
+        return PropertyList::parse(contentsOf(settingsPath())).value_or(PropertyList::array());
+    }
+
+    DXShared store{files, log};
+};
+
+TEST_F(SettingsTest, KeepsOneValueAKeyAndAllOthers) {
+    EXPECT_EQ(store.retrieveValueForKey("bundleID"), std::nullopt);
+    fs::create_directories(settingsPath().parent_path());
+    store.addKey("bundleID", PropertyList::string("com.example.app"));
+    PropertyList expected = PropertyList::dictionary();
+    expected.setValueForKey("bundleID", PropertyList::string("com.example.app"));
+    EXPECT_EQ(stored(), expected);
+    EXPECT_TRUE(contentsOf(settingsPath()).starts_with("<?xml "));
+    EXPECT_EQ(journal, (Journal{"log Adding Object: com.example.app - For Key bundleID",
+                                "log Wrote to file successfully"}));
+
+    // Another program's values, in another form of the file.
+    expected.setValueForKey("theirs", PropertyList::data(std::string("\0\xff", 2)));
+    putFile(settingsPath(), expected.binary());
+    DXShared another(files, log);
+    another.addKey("customNameToggle", PropertyList::boolean(true));
+    another.addKey("Red", PropertyList::real(0.1F));
+    store.addKey("customNameToggle", PropertyList::boolean(false));
+    expected.setValueForKey("customNameToggle", PropertyList::boolean(false));
+    expected.setValueForKey("Red", PropertyList::real(0.1F));
+    EXPECT_EQ(stored(), expected);
+    EXPECT_EQ(store.retrieveValueForKey("Red")->floatValue(), 0.1F);
+    EXPECT_EQ(another.retrieveValueForKey("CustomNameToggle"), std::nullopt);
+    EXPECT_EQ(std::distance(fs::directory_iterator(settingsPath().parent_path()), {}), 1);
+}
+
+TEST_F(SettingsTest, ADamagedFileStaysByteForByte) {
+    for (const std::string& bytes :
+         {std::string("<plist><dict><key>a</key>"), std::string(), std::string("bplist00\0\0", 10),
+          PropertyList::array().xml(), PropertyList::array().binary()}) {
+        putFile(settingsPath(), bytes);
+        store.addKey("Red", PropertyList::real(1));
+        EXPECT_EQ(contentsOf(settingsPath()), bytes);
+        EXPECT_EQ(store.retrieveValueForKey("Red"), std::nullopt);
+        EXPECT_EQ(journal, Journal());
+    }
+}
+
+TEST_F(SettingsTest, AFailedWriteSaysNothing) {
+    const auto before = device.snapshot();
+    store.addKey("Red", PropertyList::real(1)); // there is no such folder
+    EXPECT_EQ(journal, Journal{"log Adding Object: 1 - For Key Red"});
+    EXPECT_EQ(device.snapshot(), before);
+}
+
+TEST(Text, FillsPlaceholdersInTheirOrder) {
+    EXPECT_EQ(stringWithFormat("%@ is %d%% of %ld, %f", Text(), -1, 7, 0.25),
+              "(null) is -1%% of 7, 0.250000");
+    EXPECT_EQ(stringWithFormat("%@%@", "%d", "%@"), "%d%@") << "values are not formats";
+    EXPECT_EQ(stringWithFormat("%@ %@", 5), "5 %@");
+}
+
+TEST(Text, TakesBundleNamesFromPaths) {
+    const struct {
+        const char* path;
+        const char* name;
+    } cases[] = {
+        {"/a.b/Example.app", "Example"},
+        {"/a/My App.app//", "My App"},
+        {"/a/One.Two.app", "One.Two"},
+        {"Plain", "Plain"},
+        {"/a/.app", ".app"},
+        {"/", ""},
+    };
+    for (const auto& [path, name] : cases)
+        EXPECT_EQ(lastPathComponentWithoutExtension(path), name);
+}
+
+} // namespace dubrix

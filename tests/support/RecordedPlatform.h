@@ -1,0 +1,166 @@
+#pragma once
+
+#include "engine/Alerts.h"
+#include "formats/PropertyList.h"
+#include "platform/ApplicationList.h"
+#include "platform/ApplicationWorkspace.h"
+#include "platform/CommandRunner.h"
+#include "platform/MonochromeFilter.h"
+#include "platform/SystemLog.h"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+namespace dubrix {
+
+/// What the ports were asked, in the order across all of them: "ask …", "log …", "run …".
+using Journal = std::vector<std::string>;
+
+/// The rest of each entry that begins with `kind` and a blank.
+inline std::vector<std::string> entriesOf(const Journal& journal, const std::string& kind) {
+    std::vector<std::string> entries;
+    for (const std::string& entry : journal)
+        if (entry.starts_with(kind + " "))
+            entries.push_back(entry.substr(kind.size() + 1));
+    return entries;
+}
+
+struct RecordedLog final : SystemLog {
+    explicit RecordedLog(Journal& shared) : journal(shared) {}
+    void log(const std::string& text) override { journal.push_back("log " + text); }
+
+    Journal& journal;
+};
+
+/// Applications as the test says they are; the two services share them, so that only
+/// `isRegistered` tells them apart.
+struct ScriptedCatalogue final : ApplicationWorkspace, ApplicationList {
+    explicit ScriptedCatalogue(Journal& shared) : journal(shared) {}
+
+    struct Application {
+        Text name = std::nullopt, path = std::nullopt, version = std::nullopt;
+        bool isRegistered = true;
+    };
+
+    bool applicationIsInstalled(const std::string& identifier) const override {
+        journal.push_back("ask installed " + identifier);
+        const auto found = known.find(identifier);
+        return found != known.end() && found->second.isRegistered;
+    }
+    Text valueForKey(std::string_view key, const std::string& identifier) const override {
+        journal.push_back("ask " + std::string(key) + " " + identifier);
+        const auto found = known.find(identifier);
+        if (found == known.end())
+            return std::nullopt;
+        const Application& application = found->second;
+        return key == "displayName" ? application.name
+               : key == "path"      ? application.path
+                                    : application.version;
+    }
+    std::map<std::string, std::string> applications() const override { return {}; }
+    std::vector<Entry> entries() const override { return {}; }
+
+    Journal& journal;
+    std::map<std::string, Application> known;
+};
+
+/// Notes commands; what each then does is up to `act`, which does nothing at first.
+struct RecordedCommands final : CommandRunner {
+    explicit RecordedCommands(Journal& shared) : journal(shared) {}
+    void runCommand(const std::string& command) override {
+        journal.push_back("run " + command);
+        act(command);
+    }
+
+    Journal& journal;
+    std::function<void(const std::string&)> act = [](const std::string&) {};
+};
+
+/// Notes images and colours; refuses what does not begin with "image", puts a "+" after the rest.
+struct RecordedFilter final : MonochromeFilter {
+    std::optional<std::string> monochromePng(std::string_view image, float red, float green,
+                                             float blue) const override {
+        images.emplace_back(image);
+        colors.push_back({red, green, blue});
+        if (afterwards)
+            afterwards();
+        return image.starts_with("image") ? std::optional(std::string(image) + "+") : std::nullopt;
+    }
+
+    mutable std::vector<std::string> images;
+    mutable std::vector<std::vector<float>> colors;
+    std::function<void()> afterwards;
+};
+
+/// Alerts as they were asked for; the last is open until a button is pressed.
+struct RecordedAlerts final : Alerts {
+    struct Button {
+        std::string title;
+        AlertBlock block;
+    };
+    struct Alert {
+        Text title, message;
+        std::vector<Button> buttons;
+    };
+
+    explicit RecordedAlerts(Journal& shared) : journal(shared) {}
+
+    void showSimpleAlertWithTitle(const Text& title, const Text& message,
+                                  const std::string& okText) override {
+        open({title, message, {{okText, [] {}}}});
+    }
+    void show2ButtonAlertWithTitle(const Text& title, const Text& message,
+                                   const std::string& okButton, const std::string& cancelButton,
+                                   AlertBlock cancelBlock, AlertBlock okBlock) override {
+        open({title, message, {{cancelButton, cancelBlock}, {okButton, okBlock}}});
+    }
+    void show3ButtonAlertWithTitle(const Text& title, const Text& message,
+                                   const std::string& firstButton, const std::string& secondButton,
+                                   const std::string& cancelButton, AlertBlock firstBlock,
+                                   AlertBlock secondBlock) override {
+        open({title,
+              message,
+              {{firstButton, firstBlock},
+               {secondButton, secondBlock},
+               {cancelButton, secondBlock}}});
+    }
+    void presentProgressAlert(const ProgressAlert& alert) override {
+        journal.push_back("present " + alert.title + "|" + alert.message);
+        progress.push_back(alert);
+    }
+    void dismissProgressAlert() override { journal.emplace_back("dismiss"); }
+    ViewSize mainViewSize() const override { return view; }
+
+    /// The open alert in one line: "title|message|button|button…"; empty when none is open.
+    std::string shown() const {
+        if (!current)
+            return "";
+        std::string text = current->title.value_or("(absent)") + "|" + current->message.value();
+        for (const Button& button : current->buttons)
+            text += "|" + button.title;
+        return text;
+    }
+    /// Presses a button of the open alert. False when it has no such button.
+    bool press(const std::string& title) {
+        const Alert pressed = std::exchange(current, std::nullopt).value_or(Alert());
+        const auto button = std::ranges::find(pressed.buttons, title, &Button::title);
+        if (button == pressed.buttons.end())
+            return false;
+        button->block();
+        return true;
+    }
+
+    Journal& journal;
+    std::optional<Alert> current;
+    std::vector<ProgressAlert> progress;
+    ViewSize view{320, 480};
+
+private:
+    void open(Alert alert) {
+        journal.emplace_back("alert");
+        current = std::move(alert);
+    }
+};
+
+} // namespace dubrix
