@@ -32,11 +32,6 @@ FocusScope {
     }
 
     focus: true
-    // With what comes after it, as far as there is room.
-    Component.onCompleted: Qt.callLater(() => {
-        reveal(Math.min(current + 2 * grid.columns, swatches.count - 1));
-        reveal(current);
-    })
     Keys.onLeftPressed: moveTo(current - 1)
     Keys.onRightPressed: moveTo(current + 1)
     Keys.onUpPressed: moveTo(current - grid.columns)
@@ -65,7 +60,7 @@ FocusScope {
         contentHeight: grid.y + grid.height + Theme.points(view.controller.flowLayout.bottomInset)
         boundsBehavior: Flickable.DragOverBounds
         Accessible.role: Accessible.Pane
-        Accessible.name: view.controller.title === "" ? qsTr("Colors") : view.controller.title
+        Accessible.name: qsTr("Colors")
 
         Grid {
             id: grid
@@ -98,6 +93,16 @@ FocusScope {
                     onPicked: view.controller.collectionViewDidSelectItemAtIndexPath(0, index)
                 }
             }
+        }
+    }
+
+    // Shows the swatch in use with what comes after it, once the grid has its places.
+    Timer {
+        interval: 0
+        running: true
+        onTriggered: {
+            view.reveal(Math.min(view.current + 2 * grid.columns, swatches.count - 1));
+            view.reveal(view.current);
         }
     }
 

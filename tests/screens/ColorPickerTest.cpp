@@ -33,18 +33,6 @@ std::tuple<double, double, double> textbook(const Bytes& bytes) {
     return {hue / 6, most == 0 ? 0 : range / most, most};
 }
 
-/// The hue as an exact fraction of two whole numbers, of the circle in sixths.
-std::pair<int, int> exactHue(const Bytes& c) {
-    const int most = *std::ranges::max_element(c);
-    const int range = most - *std::ranges::min_element(c);
-    if (range == 0)
-        return {0, 1};
-    const auto at = std::ranges::find(c, most) - c.begin();
-    const auto index = static_cast<std::size_t>(at);
-    const int lead = c[(index + 1) % 3] - c[(index + 2) % 3];
-    return {(2 * static_cast<int>(at) * range + lead + 6 * range) % (6 * range), range};
-}
-
 } // namespace
 
 TEST(ColorPicker, SortsItsColorsByHueThenSaturationThenBrightness) {
@@ -67,12 +55,8 @@ TEST(ColorPicker, SortsItsColorsByHueThenSaturationThenBrightness) {
         {255, 0, 0}};
     EXPECT_TRUE(std::ranges::equal(first, shown | std::views::take(first.size())));
 
-    for (std::size_t i = 1; i < shown.size(); ++i) {
+    for (std::size_t i = 1; i < shown.size(); ++i)
         EXPECT_LT(textbook(shown[i - 1]), textbook(shown[i])) << "at " << i;
-        const auto [before, beforeRange] = exactHue(shown[i - 1]);
-        const auto [after, afterRange] = exactHue(shown[i]);
-        EXPECT_LE(before * afterRange, after * beforeRange) << "at " << i;
-    }
 }
 
 TEST(ColorPicker, FillsItsRowsFromEdgeToEdge) {
