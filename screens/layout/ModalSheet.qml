@@ -24,13 +24,13 @@ FocusScope {
         id: sheet
 
         property real dragged: 0
-        readonly property real top: view.wide ? Math.max(Theme.points(24), parent.height * 0.08)
+        readonly property real gap: view.wide ? Math.max(Theme.points(24), parent.height * 0.08)
                                               : Theme.points(12)
 
         x: (parent.width - width) / 2
-        y: top + dragged + (parent.height - top) * (1 - view.modalLayer.presence)
+        y: gap + dragged + (parent.height - gap) * (1 - view.modalLayer.presence)
         width: view.wide ? Theme.points(560) : parent.width
-        height: view.wide ? parent.height - 2 * top : parent.height - top + radius
+        height: view.wide ? parent.height - 2 * gap : parent.height - gap + radius
         radius: Theme.points(14)
         color: Theme.ground
 
