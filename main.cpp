@@ -1,6 +1,7 @@
 #include "driver/ScriptPlayer.h"
 #include "overlays/ProgressHUD.h"
 #include "platform/linux/FileStyleByteCount.h"
+#include "platform/linux/LinuxApplicationIcons.h"
 #include "platform/linux/LinuxApplicationList.h"
 #include "platform/linux/LinuxApplicationWorkspace.h"
 #include "platform/linux/LinuxCommandRunner.h"
@@ -8,8 +9,10 @@
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "platform/linux/LinuxSystemLog.h"
 #include "screens/AppDelegate.h"
+#include "screens/ApplicationIconProvider.h"
 #include "screens/InterfaceLayout.h"
 #include "screens/ModalStack.h"
+#include "screens/NotificationCenter.h"
 #include "screens/QuickOverlayStage.h"
 #include "screens/TabBarController.h"
 #include "screens/TemplateImageProvider.h"
@@ -119,6 +122,7 @@ int main(int argc, char** argv) {
     LinuxFileManager files(arguments.root);
     LinuxApplicationWorkspace workspace(arguments.root);
     LinuxApplicationList applications(arguments.root);
+    LinuxApplicationIcons icons(arguments.root);
     LinuxMonochromeFilter monochrome;
     FileStyleByteCount byteCounts;
     LinuxSystemLog log;
@@ -126,9 +130,10 @@ int main(int argc, char** argv) {
 
     QuickOverlayStage stage;
     ProgressHUD::useStage(stage);
+    NotificationCenter notifications;
     ModalStack modals;
     AppDelegate delegate;
-    delegate.window.rootViewController = makeInterfaceLayout(platform, modals);
+    delegate.window.rootViewController = makeInterfaceLayout(platform, notifications, modals);
     if (!delegate.applicationDidFinishLaunchingWithOptions())
         return 1;
     delegate.window.rootViewController->loadViewIfNeeded();
@@ -138,6 +143,8 @@ int main(int argc, char** argv) {
         QQmlApplicationEngine engine;
         engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
         engine.addImageProvider(QStringLiteral("template"), new TemplateImageProvider);
+        engine.addImageProvider(QLatin1String(ApplicationIconProvider::name),
+                                new ApplicationIconProvider(icons));
         engine.setInitialProperties(
             {{QStringLiteral("root"),
               QVariant::fromValue(delegate.window.rootViewController.get())},

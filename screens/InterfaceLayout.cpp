@@ -8,11 +8,12 @@
 namespace dubrix {
 
 std::unique_ptr<TabBarController> makeInterfaceLayout(const Platform& platform,
+                                                      NotificationCenter& notifications,
                                                       ModalStack& modals) {
     auto tabs = std::make_unique<TabBarController>();
     tabs->setModalStack(&modals);
-    tabs->addTab(std::make_unique<PrefsViewController>(platform), QStringLiteral("Settings"), {},
-                 {});
+    tabs->addTab(std::make_unique<PrefsViewController>(platform, notifications),
+                 QStringLiteral("Settings"), {}, {});
     const auto mode = TemplateImage::RenderingMode::AlwaysTemplate;
     tabs->addTab(std::make_unique<FirstViewController>(platform), QStringLiteral("Color test"),
                  {QStringLiteral("ColorTestButton.png"), mode},

@@ -7,10 +7,14 @@
 namespace dubrix {
 
 class ModalStack;
+class NotificationCenter;
 class TabBarController;
 
 /// What the application's main interface layout holds: the tab bar controller with its tabs and
-/// the screen in each. `modals` takes the window's modal screens.
-std::unique_ptr<TabBarController> makeInterfaceLayout(const Platform& platform, ModalStack& modals);
+/// the screen in each. `modals` takes the window's modal screens; the screens tell each other news
+/// through `notifications`.
+std::unique_ptr<TabBarController> makeInterfaceLayout(const Platform& platform,
+                                                      NotificationCenter& notifications,
+                                                      ModalStack& modals);
 
 } // namespace dubrix

@@ -4,6 +4,9 @@
 #include "platform/ApplicationList.h"
 #include "platform/FileManager.h"
 #include "platform/SystemLog.h"
+#include "screens/AppListSampleViewController.h"
+#include "screens/NavigationController.h"
+#include "screens/NotificationCenter.h"
 
 #include <array>
 
@@ -21,11 +24,14 @@ bool toggle(const std::optional<PropertyList>& value) {
 
 } // namespace
 
-PrefsViewController::PrefsViewController(const Platform& platform)
-    : CloneEngine(platform, static_cast<Alerts&>(*this)) {}
+PrefsViewController::PrefsViewController(const Platform& platform,
+                                         NotificationCenter& notifications)
+    : CloneEngine(platform, static_cast<Alerts&>(*this)),
+      notifications_(notifications) {}
 
 void PrefsViewController::viewDidLoad() {
     ViewController::viewDidLoad();
+    notifications_.addObserver(*this, "lblUpdate", [this] { setAppNameLabelText(); });
     prefTable.setContentInset({0, 0, 0, 30});
     prefs_ = dictionaryWithContentsOfFile(platform().files, settingsFilePath);
     al = &platform().applications;
@@ -76,7 +82,9 @@ void PrefsViewController::tableViewDidSelectRowAtIndexPath(int section, int row)
     platform().log.log(
         stringWithFormat("\nindexPath.row %ld \nindex.section %ld \n", row, section));
     prefTable.selectRow(section, row);
-    if (section == 2 && row == 1) {
+    if (section == 0 && row == 0) {
+        SelectAppTapped();
+    } else if (section == 2 && row == 1) {
         selectColorTapped();
     } else if (section == 3 && row == 0) {
         showDuplicateAlert();
@@ -112,6 +120,11 @@ void PrefsViewController::textFieldChanged(const QString& text) {
 bool PrefsViewController::textFieldShouldReturn() {
     Q_EMIT textField.editingEnded();
     return false;
+}
+
+void PrefsViewController::SelectAppTapped() {
+    auto picker = std::make_unique<AppListSampleViewController>(platform(), notifications_);
+    presentViewController(std::make_unique<NavigationController>(std::move(picker)), true);
 }
 
 void PrefsViewController::setAppNameLabelText() {

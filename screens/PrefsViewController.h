@@ -13,6 +13,7 @@
 namespace dubrix {
 
 class AlertController;
+class NotificationCenter;
 
 /// The main screen: the table of settings and actions from which every duplication starts. It is
 /// the clone engine, too: the engine's operations live as long as the screen.
@@ -33,7 +34,7 @@ class PrefsViewController : public ViewController,
     Q_PROPERTY(dubrix::TextField* textField READ textFieldOutlet CONSTANT)
 
 public:
-    explicit PrefsViewController(const Platform& platform);
+    PrefsViewController(const Platform& platform, NotificationCenter& notifications);
 
     QString layout() const override { return QStringLiteral("PrefsView.qml"); }
 
@@ -58,7 +59,9 @@ public:
                                    const Color& didSelectColor) override;
     void colorPiclerDidCancel(QZColorPickerViewController& colorPicker) override;
 
-    /// Shows the store's current "appName".
+    /// Presents the application picker.
+    void SelectAppTapped();
+    /// Shows the store's current "appName"; what "lblUpdate" is observed with.
     void setAppNameLabelText();
 
     void viewWillAppear() override;
@@ -106,6 +109,7 @@ private:
     TableViewCell* textfieldCellOutlet() { return &textfieldCell; }
     TextField* textFieldOutlet() { return &textField; }
 
+    NotificationCenter& notifications_;
     std::unique_ptr<DXShared> sharedClass_;
     /// The settings as they were when the view loaded; used only to set up the controls.
     std::optional<PropertyList> prefs_;

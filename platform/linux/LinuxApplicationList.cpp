@@ -24,15 +24,17 @@ std::map<std::string, std::string> LinuxApplicationList::applications() const {
 }
 
 std::vector<ApplicationList::Entry> LinuxApplicationList::entries() const {
+    const std::scoped_lock lock(bundlesMutex_);
+    BundleInfoCache::Round bundles(bundles_);
     std::vector<Entry> entries;
     for (const std::string& identifier : registry_.identifiers()) {
         const auto path = registry_.pathOf(identifier);
-        const auto info = path ? BundleInfo::read(registry_.hostPath(*path)) : std::nullopt;
+        const BundleInfo* const info = path ? bundles.read(registry_.hostPath(*path)) : nullptr;
         if (info)
             entries.push_back({identifier, info->displayName, *path, false, info->hidden});
     }
     for (const std::string& path : registry_.systemBundles()) {
-        const auto info = BundleInfo::read(registry_.hostPath(path));
+        const BundleInfo* const info = bundles.read(registry_.hostPath(path));
         if (info && info->identifier)
             entries.push_back({*info->identifier, info->displayName, path, true, info->hidden});
     }

@@ -2,10 +2,15 @@
 
 #include "device/Registry.h"
 #include "platform/ApplicationList.h"
+#include "platform/linux/BundleInfoCache.h"
+
+#include <mutex>
 
 namespace dubrix {
 
-/// Answers from the device's registry and what the bundles' Info.plist files say at this moment.
+/// Answers from the device's registry and what the bundles' Info.plist files say at this moment;
+/// for the whole list only those files are read that have changed since it was last asked for. Any
+/// thread.
 class LinuxApplicationList final : public ApplicationList {
 public:
     explicit LinuxApplicationList(const std::filesystem::path& root) : registry_(root) {}
@@ -17,6 +22,8 @@ public:
 
 private:
     Registry registry_;
+    mutable std::mutex bundlesMutex_;
+    mutable BundleInfoCache bundles_;
 };
 
 } // namespace dubrix

@@ -35,6 +35,7 @@ QtObject {
     readonly property real margin: points(16)
     readonly property real cardRadius: points(11)
     readonly property real sheetRadius: points(14)
+    readonly property real iconRadius: points(6.5)
     readonly property real hairline: 1
     readonly property real contentWidth: points(560)
 

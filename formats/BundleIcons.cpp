@@ -1,0 +1,156 @@
+#include "formats/BundleIcons.h"
+
+#include "formats/CrushedPng.h"
+#include "formats/PngChunks.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <fstream>
+#include <utility>
+
+namespace dubrix {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+constexpr std::array variants = {"",           "@2x",   "@3x",      "~iphone", "@2x~iphone",
+                                 "@3x~iphone", "~ipad", "@2x~ipad", "@3x~ipad"};
+
+/// A real list has a dozen names; the rest of an endless one is not looked for.
+constexpr std::size_t mostNames = 64;
+
+Names textsOf(const std::optional<PropertyList>& list) {
+    Names names;
+    if (!list || list->type() != PropertyList::Type::Array)
+        return names;
+    for (std::size_t index = 0; index < std::min(list->count(), mostNames); ++index)
+        if (auto name = list->valueAt(index)->stringValue())
+            names.push_back(std::move(*name));
+    return names;
+}
+
+Names primaryIcon(const PropertyList& info, std::string_view key) {
+    const auto icons = info.valueForKey(key);
+    const auto primary = icons ? icons->valueForKey("CFBundlePrimaryIcon") : std::nullopt;
+    return primary ? textsOf(primary->valueForKey("CFBundleIconFiles")) : Names{};
+}
+
+std::array<Names, 5> sourcesOf(const PropertyList& info) {
+    const auto single = info.stringForKey("CFBundleIconFile");
+    return {primaryIcon(info, "CFBundleIcons"), textsOf(info.valueForKey("CFBundleIconFiles")),
+            primaryIcon(info, "CFBundleIcons~ipad"), single ? Names{*single} : Names{},
+            Names{"Icon"}};
+}
+
+bool takeOffEnd(std::string& name, std::string_view ending) {
+    const bool ends = name.size() > ending.size() && name.ends_with(ending);
+    if (ends)
+        name.resize(name.size() - ending.size());
+    return ends;
+}
+
+/// A listed name without the extension and the marks of a variant that it may carry itself.
+std::string baseName(std::string name) {
+    if (!takeOffEnd(name, ".png"))
+        takeOffEnd(name, ".PNG");
+    if (!takeOffEnd(name, "~ipad"))
+        takeOffEnd(name, "~iphone");
+    if (!takeOffEnd(name, "@2x"))
+        takeOffEnd(name, "@3x");
+    return name;
+}
+
+Names fileNames(const std::string& listed) {
+    Names files{listed};
+    const std::string base = baseName(listed);
+    for (const char* const extension : {".png", ""})
+        for (const char* const variant : variants)
+            files.push_back(base + variant + extension);
+    return files;
+}
+
+/// The shorter side in pixels that the head of a PNG gives; 0 for anything else, and for sizes that
+/// no icon has.
+unsigned edgeOf(const fs::path& file) {
+    std::string head(64, '\0'); // the signature, the mark of a crushed one, the image header
+    std::ifstream stream(file, std::ios::binary);
+    stream.read(head.data(), static_cast<std::streamsize>(head.size()));
+    head.resize(static_cast<std::size_t>(stream.gcount()));
+    PngChunkReader chunks(head);
+    auto chunk = chunks.next();
+    if (chunk && isCrushedPng(head))
+        chunk = chunks.next();
+    const auto header =
+        chunk && chunk->type == "IHDR" ? PngHeader::fromChunkData(chunk->data) : std::nullopt;
+    if (!header || std::max(header->width, header->height) > largestIconEdge)
+        return 0;
+    return std::min(header->width, header->height);
+}
+
+struct IconFile {
+    fs::path path;
+    unsigned edge;
+};
+
+/// The files of one bundle, each found at most once.
+class IconSearch {
+public:
+    explicit IconSearch(const fs::path& folder) { bundle_ = fs::canonical(folder, error_); }
+
+    void add(const std::string& name, std::vector<IconFile>& found) {
+        if (error_ || name.empty() || name.find('\0') != std::string::npos)
+            return;
+        std::error_code error;
+        if (!fs::is_regular_file(bundle_ / name, error))
+            return;
+        fs::path path = fs::canonical(bundle_ / name, error);
+        if (error || !isInside(path) || std::ranges::count(seen_, path) > 0)
+            return;
+        seen_.push_back(path);
+        if (const unsigned edge = edgeOf(path); edge > 0)
+            found.push_back({std::move(path), edge});
+    }
+
+private:
+    bool isInside(const fs::path& path) const {
+        return std::ranges::mismatch(bundle_, path).in1 == bundle_.end();
+    }
+
+    std::error_code error_;
+    fs::path bundle_;
+    std::vector<fs::path> seen_;
+};
+
+/// Orders the smallest that fills the square first and what is too small last.
+bool suitsBetter(const IconFile& one, const IconFile& other, unsigned pixels) {
+    const bool fills = one.edge >= pixels;
+    if (fills != (other.edge >= pixels))
+        return fills;
+    return fills ? one.edge < other.edge : one.edge > other.edge;
+}
+
+} // namespace
+
+std::vector<fs::path> iconFilesOfBundle(const fs::path& folder, const PropertyList& info,
+                                        unsigned pixels) {
+    std::vector<fs::path> files;
+    IconSearch search(folder);
+    for (const Names& listed : sourcesOf(info)) {
+        std::vector<IconFile> found;
+        for (const std::string& name : listed)
+            for (const std::string& file : fileNames(name))
+                search.add(file, found);
+        std::ranges::stable_sort(found, [pixels](const IconFile& one, const IconFile& other) {
+            return suitsBetter(one, other, pixels);
+        });
+        for (IconFile& file : found)
+            files.push_back(std::move(file.path));
+    }
+    return files;
+}
+
+} // namespace dubrix

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "device/Registry.h"
+#include "platform/ApplicationIcons.h"
+
+namespace dubrix {
+
+/// Reads the icons from the bundles on the device.
+class LinuxApplicationIcons final : public ApplicationIcons {
+public:
+    explicit LinuxApplicationIcons(const std::filesystem::path& root) : registry_(root) {}
+
+    std::optional<Picture> iconOfBundle(const std::string& path, unsigned pixels) const override;
+
+private:
+    Registry registry_;
+};
+
+} // namespace dubrix

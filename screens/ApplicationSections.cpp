@@ -1,0 +1,119 @@
+#include "screens/ApplicationSections.h"
+
+#include <QCollator>
+#include <QRegularExpression>
+#include <algorithm>
+#include <optional>
+
+namespace dubrix {
+
+namespace {
+
+/// Which applications a predicate asks for.
+class Predicate {
+public:
+    explicit Predicate(const QString& text) : asksForAll_(text.trimmed().isEmpty()) {
+        static const QRegularExpression form(
+            QStringLiteral("^\\s*isSystemApplication\\s*==?\\s*(TRUE|FALSE|YES|NO|1|0)\\s*$"),
+            QRegularExpression::CaseInsensitiveOption);
+        const QRegularExpressionMatch match = form.match(text);
+        if (match.hasMatch())
+            system_ = QStringLiteral("tyTY1").contains(match.captured(1).front());
+    }
+
+    bool matches(const ApplicationList::Entry& entry) const {
+        return asksForAll_ || system_ == entry.isSystemApplication;
+    }
+
+private:
+    bool asksForAll_;
+    std::optional<bool> system_;
+};
+
+ApplicationRow rowOf(const ApplicationList::Entry& entry) {
+    const QString identifier = QString::fromStdString(entry.displayIdentifier);
+    const QString name = QString::fromStdString(entry.displayName).simplified();
+    ApplicationRow row;
+    row.displayIdentifier = entry.displayIdentifier;
+    row.name = name.isEmpty() ? identifier : name;
+    row.bundlePath = entry.path;
+    row.foldedName = foldedForSearch(row.name);
+    row.foldedIdentifier = foldedForSearch(identifier);
+    return row;
+}
+
+QCollator peoplesOrder() {
+    const QLocale system = QLocale::system();
+    // Without a language there is no order but that of the character codes.
+    QCollator collator(system.language() == QLocale::C ? QLocale(QLocale::English) : system);
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    collator.setNumericMode(true);
+    return collator;
+}
+
+void sortRows(std::vector<ApplicationRow>& rows) {
+    struct Keyed {
+        QCollatorSortKey key;
+        ApplicationRow row;
+    };
+    const QCollator collator = peoplesOrder();
+    std::vector<Keyed> keyed;
+    keyed.reserve(rows.size());
+    for (ApplicationRow& row : rows)
+        keyed.push_back({collator.sortKey(row.name), std::move(row)});
+    std::ranges::sort(keyed, [](const Keyed& one, const Keyed& other) {
+        const int order = one.key.compare(other.key);
+        return order != 0 ? order < 0 : one.row.displayIdentifier < other.row.displayIdentifier;
+    });
+    std::ranges::transform(keyed, rows.begin(), [](Keyed& each) { return std::move(each.row); });
+}
+
+/// Rows that look alike are told apart by their identifiers.
+void distinguish(std::vector<ApplicationRow>& rows) {
+    for (std::size_t index = 1; index < rows.size(); ++index) {
+        if (rows[index - 1].foldedName != rows[index].foldedName)
+            continue;
+        for (ApplicationRow* row : {&rows[index - 1], &rows[index]})
+            row->distinction = QString::fromStdString(row->displayIdentifier);
+    }
+}
+
+} // namespace
+
+std::vector<ApplicationSection>
+applicationSections(const std::vector<ApplicationList::Entry>& entries,
+                    const std::vector<ALSectionDescriptor>& descriptors) {
+    std::vector<ApplicationSection> sections;
+    for (const ALSectionDescriptor& descriptor : descriptors) {
+        const Predicate predicate(descriptor.value(ALSectionDescriptorPredicateKey).toString());
+        const bool suppressHidden =
+            descriptor.value(ALSectionDescriptorSuppressHiddenAppsKey).toBool();
+        ApplicationSection section;
+        section.title = descriptor.value(ALSectionDescriptorTitleKey).toString();
+        section.iconSize = descriptor.value(ALSectionDescriptorIconSizeKey).toUInt();
+        section.hasChecks = descriptor.value(ALSectionDescriptorCellClassNameKey).toString() ==
+                            QStringLiteral("ALCheckCell");
+        for (const ApplicationList::Entry& entry : entries)
+            if (predicate.matches(entry) && !(entry.isHidden && suppressHidden))
+                section.rows.push_back(rowOf(entry));
+        sortRows(section.rows);
+        distinguish(section.rows);
+        sections.push_back(std::move(section));
+    }
+    return sections;
+}
+
+QString foldedForSearch(const QString& text) {
+    QString folded = text.normalized(QString::NormalizationForm_KD).toCaseFolded();
+    folded.removeIf([](QChar letter) { return letter.category() == QChar::Mark_NonSpacing; });
+    return folded;
+}
+
+bool matchesSearch(const ApplicationRow& row, const QString& folded) {
+    const QStringList words = folded.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    return std::ranges::all_of(words, [&row](const QString& word) {
+        return row.foldedName.contains(word) || row.foldedIdentifier.contains(word);
+    });
+}
+
+} // namespace dubrix
