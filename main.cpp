@@ -1,5 +1,8 @@
 #include "driver/ScriptPlayer.h"
+#include "help/HelpSite.h"
 #include "overlays/ProgressHUD.h"
+#include "platform/linux/CurlDownloader.h"
+#include "platform/linux/DesktopUrlOpener.h"
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationList.h"
 #include "platform/linux/LinuxApplicationWorkspace.h"
@@ -7,6 +10,7 @@
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "platform/linux/LinuxSystemLog.h"
+#include "screens/AboutTableViewController.h"
 #include "screens/AppDelegate.h"
 #include "screens/InterfaceLayout.h"
 #include "screens/ModalStack.h"
@@ -15,6 +19,7 @@
 #include "screens/TemplateImageProvider.h"
 
 #include <QCommandLineParser>
+#include <QFile>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QPalette>
@@ -94,6 +99,22 @@ void chooseAppearance(const QString& appearance) {
     QGuiApplication::setPalette(palette);
 }
 
+/// What the application's own bundle says of it.
+PropertyList informationDictionary() {
+    QFile file(QStringLiteral(":/resources/Dubrix.app/Info.plist"));
+    if (!file.open(QIODevice::ReadOnly))
+        return PropertyList::dictionary();
+    return PropertyList::parse(file.readAll().toStdString()).value_or(PropertyList::dictionary());
+}
+
+/// Web pages look like the windows: the web engine, loaded when the first page is opened, does not
+/// follow the palette by itself.
+void matchWebPages() {
+    if (QGuiApplication::palette().window().color().lightnessF() < 0.5F)
+        qputenv("QTWEBENGINE_CHROMIUM_FLAGS",
+                qgetenv("QTWEBENGINE_CHROMIUM_FLAGS") + " --blink-settings=preferredColorScheme=0");
+}
+
 /// Plays the driver's script on the window; the application ends with it.
 std::unique_ptr<ScriptPlayer> playScript(QQuickWindow& window, const QList<int>& descriptors) {
     auto player = std::make_unique<ScriptPlayer>(window, descriptors[0],
@@ -107,12 +128,15 @@ std::unique_ptr<ScriptPlayer> playScript(QQuickWindow& window, const QList<int>&
 } // namespace
 
 int main(int argc, char** argv) {
+    // For the web engine, which cannot ask for it any more when it is loaded with the first page.
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QGuiApplication application(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("dubrix"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Dubrix"));
     const Arguments arguments = parseArguments(application);
     chooseFont();
     chooseAppearance(arguments.appearance);
+    matchWebPages();
 
     const std::filesystem::path programs = QCoreApplication::applicationDirPath().toStdString();
     LinuxCommandRunner commands(arguments.root, programs / "device-paths.bash");
@@ -122,13 +146,18 @@ int main(int argc, char** argv) {
     LinuxMonochromeFilter monochrome;
     FileStyleByteCount byteCounts;
     LinuxSystemLog log;
-    const Platform platform{commands, files, workspace, applications, monochrome, byteCounts, log};
+    CurlDownloader downloader;
+    const Platform platform{commands,   files,      workspace, applications,
+                            monochrome, byteCounts, log,       downloader};
+    DesktopUrlOpener urls(arguments.root);
+    HelpSite help;
+    const AboutServices about{log, urls, help, informationDictionary()};
 
     QuickOverlayStage stage;
     ProgressHUD::useStage(stage);
     ModalStack modals;
     AppDelegate delegate;
-    delegate.window.rootViewController = makeInterfaceLayout(platform, modals);
+    delegate.window.rootViewController = makeInterfaceLayout(platform, about, modals);
     if (!delegate.applicationDidFinishLaunchingWithOptions())
         return 1;
     delegate.window.rootViewController->loadViewIfNeeded();

@@ -8,9 +8,11 @@ namespace dubrix {
 
 class ModalStack;
 class TabBarController;
+struct AboutServices;
 
 /// What the application's main interface layout holds: the tab bar controller with its tabs and
 /// the screen in each. `modals` takes the window's modal screens.
-std::unique_ptr<TabBarController> makeInterfaceLayout(const Platform& platform, ModalStack& modals);
+std::unique_ptr<TabBarController>
+makeInterfaceLayout(const Platform& platform, const AboutServices& about, ModalStack& modals);
 
 } // namespace dubrix
