@@ -34,14 +34,14 @@ FocusScope {
             model: view.controller.viewControllers.length
             delegate: ScreenLoader {
                 required property int index
-                readonly property bool top: index === screens.count - 1
+                readonly property bool topmost: index === screens.count - 1
 
                 width: parent?.width ?? 0
                 height: parent?.height ?? 0
                 controller: view.controller.viewControllers[index]
-                focus: top
-                enabled: top
-                visible: top
+                focus: topmost
+                enabled: topmost
+                visible: topmost
                 Component.onCompleted: if (index > 0)
                     slide.start()
 
