@@ -71,6 +71,7 @@ class QVWebViewController : public ViewController {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the application")
+    Q_PROPERTY(QString pageTitle MEMBER pageTitle CONSTANT)
     Q_PROPERTY(dubrix::WebView* webView READ webViewOutlet CONSTANT)
     Q_PROPERTY(
         dubrix::ActivityIndicatorView* activityIndicator READ activityIndicatorOutlet CONSTANT)

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Window
 import Dubrix
@@ -66,8 +68,8 @@ Flickable {
                 anchors.horizontalCenter: parent.horizontalCenter
                 width: Theme.points(76)
                 height: Theme.points(76)
-                sourceSize: Qt.size(width * Screen.devicePixelRatio,
-                                    height * Screen.devicePixelRatio)
+                sourceSize.width: width * Screen.devicePixelRatio
+                sourceSize.height: height * Screen.devicePixelRatio
                 source: "qrc:/resources/AppIcon.png"
                 Accessible.ignored: true
             }
@@ -78,7 +80,7 @@ Flickable {
                 text: "Dubrix"
                 color: Theme.text
                 font.pixelSize: Theme.points(24)
-                font.weight: Font.Bold
+                font.weight: Font.DemiBold
                 Accessible.role: Accessible.Heading
                 Accessible.name: text
             }

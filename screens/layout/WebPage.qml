@@ -27,5 +27,5 @@ WebView {
     url: controller.webView.request
     onLoadingChanged: request => loaded(request)
     Accessible.role: Accessible.WebDocument
-    Accessible.name: controller.title
+    Accessible.name: controller.pageTitle
 }
