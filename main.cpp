@@ -1,5 +1,8 @@
 #include "driver/ScriptPlayer.h"
+#include "help/HelpSite.h"
 #include "overlays/ProgressHUD.h"
+#include "platform/linux/CurlDownloader.h"
+#include "platform/linux/DesktopUrlOpener.h"
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationIcons.h"
 #include "platform/linux/LinuxApplicationList.h"
@@ -8,6 +11,7 @@
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "platform/linux/LinuxSystemLog.h"
+#include "screens/AboutTableViewController.h"
 #include "screens/AppDelegate.h"
 #include "screens/ApplicationIconProvider.h"
 #include "screens/InterfaceLayout.h"
@@ -18,6 +22,7 @@
 #include "screens/TemplateImageProvider.h"
 
 #include <QCommandLineParser>
+#include <QFile>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QPalette>
@@ -97,6 +102,22 @@ void chooseAppearance(const QString& appearance) {
     QGuiApplication::setPalette(palette);
 }
 
+/// What the application's own bundle says of it.
+PropertyList informationDictionary() {
+    QFile file(QStringLiteral(":/resources/Dubrix.app/Info.plist"));
+    if (!file.open(QIODevice::ReadOnly))
+        return PropertyList::dictionary();
+    return PropertyList::parse(file.readAll().toStdString()).value_or(PropertyList::dictionary());
+}
+
+/// Web pages look like the windows: the web engine, loaded when the first page is opened, does not
+/// follow the palette by itself.
+void matchWebPages() {
+    if (QGuiApplication::palette().window().color().lightnessF() < 0.5F)
+        qputenv("QTWEBENGINE_CHROMIUM_FLAGS",
+                qgetenv("QTWEBENGINE_CHROMIUM_FLAGS") + " --blink-settings=preferredColorScheme=0");
+}
+
 /// Plays the driver's script on the window; the application ends with it.
 std::unique_ptr<ScriptPlayer> playScript(QQuickWindow& window, const QList<int>& descriptors) {
     auto player = std::make_unique<ScriptPlayer>(window, descriptors[0],
@@ -110,12 +131,15 @@ std::unique_ptr<ScriptPlayer> playScript(QQuickWindow& window, const QList<int>&
 } // namespace
 
 int main(int argc, char** argv) {
+    // For the web engine, which cannot ask for it any more when it is loaded with the first page.
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QGuiApplication application(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("dubrix"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Dubrix"));
     const Arguments arguments = parseArguments(application);
     chooseFont();
     chooseAppearance(arguments.appearance);
+    matchWebPages();
 
     const std::filesystem::path programs = QCoreApplication::applicationDirPath().toStdString();
     LinuxCommandRunner commands(arguments.root, programs / "device-paths.bash");
@@ -126,14 +150,19 @@ int main(int argc, char** argv) {
     LinuxMonochromeFilter monochrome;
     FileStyleByteCount byteCounts;
     LinuxSystemLog log;
-    const Platform platform{commands, files, workspace, applications, monochrome, byteCounts, log};
+    CurlDownloader downloader;
+    const Platform platform{commands,   files,      workspace, applications,
+                            monochrome, byteCounts, log,       downloader};
+    DesktopUrlOpener urls(arguments.root);
+    HelpSite help;
+    const AboutServices about{log, urls, help, informationDictionary()};
 
     QuickOverlayStage stage;
     ProgressHUD::useStage(stage);
     NotificationCenter notifications;
     ModalStack modals;
     AppDelegate delegate;
-    delegate.window.rootViewController = makeInterfaceLayout(platform, notifications, modals);
+    delegate.window.rootViewController = makeInterfaceLayout(platform, notifications, about, modals);
     if (!delegate.applicationDidFinishLaunchingWithOptions())
         return 1;
     delegate.window.rootViewController->loadViewIfNeeded();

@@ -4,15 +4,16 @@ configure_file(dubrix ${CMAKE_BINARY_DIR}/bin/dubrix @ONLY)
 set(libexec ${CMAKE_BINARY_DIR}/libexec/dubrix)
 configure_file(device-paths.bash ${libexec}/device-paths.bash COPYONLY)
 configure_file(first-duplicate.drive ${CMAKE_BINARY_DIR}/share/dubrix/first-duplicate.drive COPYONLY)
-set(launcher_parts device-folder namespace display archives drive)
+set(launcher_parts device-folder namespace addresses display archives drive)
 foreach(part IN LISTS launcher_parts)
     configure_file(launcher/${part}.bash ${libexec}/launcher/${part}.bash COPYONLY)
 endforeach()
+configure_file(launcher/xdg-open ${libexec}/launcher/xdg-open COPYONLY)
 
 add_subdirectory(samples)
 
 install(PROGRAMS ${CMAKE_BINARY_DIR}/bin/dubrix DESTINATION bin)
-install(DIRECTORY ${libexec}/launcher DESTINATION libexec/dubrix)
+install(DIRECTORY ${libexec}/launcher DESTINATION libexec/dubrix USE_SOURCE_PERMISSIONS)
 install(FILES ${libexec}/device-paths.bash DESTINATION libexec/dubrix)
 install(FILES first-duplicate.drive DESTINATION share/dubrix)
 

@@ -62,6 +62,11 @@ public:
     /// the lowest-numbered stale one.
     void showUpdateAlert();
 
+    /// Sees to it that the installer tool "/usr/bin/appinst" is there: while it is missing, fetches
+    /// its package, closes the package manager and installs the package, at most twice. Reports
+    /// nothing.
+    void installerCheck();
+
 protected:
     /// The application list, absent until the main screen's view has loaded.
     ApplicationList* al = nullptr;

@@ -6,6 +6,7 @@ class ApplicationList;
 class ApplicationWorkspace;
 class ByteCountFormatter;
 class CommandRunner;
+class Downloader;
 class FileManager;
 class MonochromeFilter;
 class SystemLog;
@@ -19,6 +20,7 @@ struct Platform {
     MonochromeFilter& monochrome;
     ByteCountFormatter& byteCounts;
     SystemLog& log;
+    Downloader& downloader;
 };
 
 } // namespace dubrix

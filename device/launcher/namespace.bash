@@ -66,7 +66,7 @@ device_bindings() {
 device_environment() {
     local library=/var/mobile/Library name
     environment=(--clearenv --setenv HOME /var/mobile --setenv SHELL /bin/bash --setenv TMPDIR /tmp
-        --setenv PATH /dubrix:/usr/local/bin:/usr/bin:/bin --setenv ZIPOPT -0y
+        --setenv PATH /run/mobile/bin:/dubrix:/usr/local/bin:/usr/bin:/bin --setenv ZIPOPT -0y
         --setenv XDG_CACHE_HOME "$library"/Caches --setenv XDG_CONFIG_HOME "$library"/Config
         --setenv XDG_DATA_HOME "$library"/Data --setenv XDG_RUNTIME_DIR /run/mobile)
     while read -r name; do

@@ -8,6 +8,7 @@
 #include "platform/linux/LinuxFileManager.h"
 #include "tests/device/DeviceFolder.h"
 #include "tests/overlays/FakeStage.h"
+#include "tests/support/NoDownloads.h"
 #include "tests/support/RecordedPlatform.h"
 
 namespace dubrix {
@@ -48,7 +49,9 @@ protected:
     FakeStage stage;
     LinuxFileManager files{device.root()};
     FileStyleByteCount byteCounts;
-    const Platform platform{commands, files, catalogue, catalogue, filter, byteCounts, log};
+    NoDownloads downloader;
+    const Platform platform{commands, files,      catalogue, catalogue,
+                            filter,   byteCounts, log,       downloader};
     LoadedEngine engine{platform, alerts};
 };
 

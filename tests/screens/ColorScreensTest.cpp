@@ -10,8 +10,10 @@
 #include "screens/FirstViewController.h"
 #include "screens/ModalStack.h"
 #include "screens/NavigationController.h"
+#include "screens/NotificationCenter.h"
 #include "screens/PrefsViewController.h"
 #include "screens/QZColorPickerViewController.h"
+#include "tests/support/NoDownloads.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <QCoreApplication>
@@ -52,7 +54,11 @@ struct ColorScreensTest : ::testing::Test {
     }
     template<typename Screen>
     std::unique_ptr<Screen> loaded(double width = 0) {
-        auto screen = std::make_unique<Screen>(platform);
+        std::unique_ptr<Screen> screen;
+        if constexpr (std::is_same_v<Screen, PrefsViewController>)
+            screen = std::make_unique<Screen>(platform, notifications);
+        else
+            screen = std::make_unique<Screen>(platform);
         screen->setModalStack(&modals);
         if (width > 0)
             screen->viewDidLayout(width, 700);
@@ -78,7 +84,9 @@ struct ColorScreensTest : ::testing::Test {
     LinuxFileManager files{folder.path()};
     Unused unused;
     Journal journal;
-    const Platform platform{unused, files, unused, unused, unused, unused, journal};
+    NoDownloads downloader;
+    const Platform platform{unused, files, unused, unused, unused, unused, journal, downloader};
+    NotificationCenter notifications;
     ModalStack modals;
 };
 

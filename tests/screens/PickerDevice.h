@@ -11,6 +11,7 @@
 #include "screens/AppListSampleViewController.h"
 #include "screens/ModalStack.h"
 #include "screens/NotificationCenter.h"
+#include "tests/support/NoDownloads.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <QStringList>
@@ -64,7 +65,9 @@ protected:
     LinuxMonochromeFilter monochrome;
     FileStyleByteCount byteCounts;
     KeptLog log;
-    const Platform platform{commands, files, workspace, applications, monochrome, byteCounts, log};
+    NoDownloads downloader;
+    const Platform platform{commands,   files,      workspace, applications,
+                            monochrome, byteCounts, log,       downloader};
     NotificationCenter notifications;
     ModalStack modals;
 };

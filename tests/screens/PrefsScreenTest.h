@@ -2,6 +2,7 @@
 
 #include "screens/AlertController.h"
 #include "screens/ModalStack.h"
+#include "screens/NotificationCenter.h"
 #include "screens/PrefsViewController.h"
 #include "tests/engine/EngineTest.h"
 
@@ -15,7 +16,7 @@ class PrefsScreenTest : public EngineTest {
 protected:
     /// Loads a new screen from the settings as they are.
     void load() {
-        screen = std::make_unique<PrefsViewController>(platform);
+        screen = std::make_unique<PrefsViewController>(platform, notifications);
         screen->setModalStack(&modals);
         screen->loadViewIfNeeded();
         journal.clear();
@@ -29,6 +30,7 @@ protected:
         QCoreApplication::processEvents();
     }
 
+    NotificationCenter notifications;
     ModalStack modals;
     std::unique_ptr<PrefsViewController> screen;
 };
