@@ -159,6 +159,21 @@ TEST(Fault, ASourceThatGoesMeanwhileIsAFailureLikeAnother) {
     expectRecovery(device, source);
 }
 
+TEST(Fault, WhatACommandLeavesIsTakenAsItIs) {
+    const ProofDevice device;
+    const auto source = device.bundle(device.source);
+    const fs::path archive = device.root() / "tmp/Fine App/Fine App.ipa";
+    putFile(archive, "damaged");
+    EXPECT_EQ(device.request().output, device.failure);
+    EXPECT_EQ(device.request().output, device.failure) << "the archive is never made anew";
+    expectUnharmed(device, source);
+    fs::remove(archive);
+    device.putTool("cp", "/usr/bin/cp \"$@\"; rm \"$3\"X.app/large; exit 1");
+    EXPECT_EQ(device.request().output, device.success);
+    EXPECT_FALSE(device.bundle(device.duplicate).contains("large"));
+    EXPECT_EQ(device.bundle(device.source), source);
+}
+
 TEST(Fault, ARegistryWithStrayEntriesIsReadAllTheSame) {
     const ProofDevice device;
     const auto source = device.bundle(device.source);

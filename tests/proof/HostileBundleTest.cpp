@@ -178,25 +178,28 @@ TEST(HostileBundle, ManyEntriesAreReadOnceAndRefusedWhenTheyRepeat) {
     const DeviceFolder device;
     // The only sizes in 64 bits are the last entry's, whose one byte is the gap.
     const std::uint32_t checksumOfGap = 0xd202ef8d;
-    const auto install = [&](const std::function<std::string(int)>& name) {
+    const auto install = [&](int count, const std::function<std::string(int)>& name) {
         std::vector<ZipItem> items{{"Payload/X.app/Info.plist", infoPlist("com.example.app")}};
-        for (int number = 0; number < 99'990; ++number)
+        for (int number = 0; number < count; ++number)
             items.push_back({name(number), ""});
         items.push_back({"last", "", S_IFREG | 0644, 0, 0, 3, {}, checksumOfGap});
         const ZipBytes zip = zipWithHole(items, 1);
         return device.installer().install(
             device.archive("many.ipa", zip.head + std::string(1, '\0') + zip.tail));
     };
-    const auto beside = install([](int number) {
+    const auto beside = install(99'990, [](int number) {
         return (number % 100 == 0 ? "Payload/X.app/a" : "__MACOSX/") + std::to_string(number);
     });
     ASSERT_TRUE(beside) << beside.failure().text;
     EXPECT_EQ(std::distance(fs::directory_iterator(device.installed("com.example.app")), {}), 1001);
     const auto before = device.snapshot();
     const auto again =
-        install([](int number) { return "Payload/X.app/a" + std::to_string(number / 2); });
+        install(99'990, [](int number) { return "Payload/X.app/a" + std::to_string(number / 2); });
     ASSERT_FALSE(again);
     EXPECT_NE(again.failure().text.find("twice"), std::string::npos) << again.failure().text;
+    const auto more = install(100'000, [](int number) { return std::to_string(number); });
+    ASSERT_FALSE(more);
+    EXPECT_NE(more.failure().text.find("too many"), std::string::npos) << more.failure().text;
     EXPECT_TRUE(device.snapshot() == before);
 }
 
