@@ -188,10 +188,10 @@ TEST(HostileBundle, ManyEntriesAreReadOnceAndRefusedWhenTheyRepeat) {
             device.archive("many.ipa", zip.head + std::string(1, '\0') + zip.tail));
     };
     const auto beside = install(99'990, [](int number) {
-        return (number % 100 == 0 ? "Payload/X.app/a" : "__MACOSX/") + std::to_string(number);
+        return (number % 1000 == 0 ? "Payload/X.app/a" : "__MACOSX/") + std::to_string(number);
     });
     ASSERT_TRUE(beside) << beside.failure().text;
-    EXPECT_EQ(std::distance(fs::directory_iterator(device.installed("com.example.app")), {}), 1001);
+    EXPECT_EQ(std::distance(fs::directory_iterator(device.installed("com.example.app")), {}), 101);
     const auto before = device.snapshot();
     const auto again =
         install(99'990, [](int number) { return "Payload/X.app/a" + std::to_string(number / 2); });
