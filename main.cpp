@@ -31,6 +31,7 @@
 #include <QQuickWindow>
 #include <fcntl.h>
 #include <memory>
+#include <sys/prctl.h>
 
 Q_IMPORT_QML_PLUGIN(DubrixPlugin)
 
@@ -47,6 +48,16 @@ struct Arguments {
     /// The window's size; empty for the layout's own.
     QSize size;
 };
+
+/// Keeps the driver's descriptors from the commands that the engine runs, since what goes into the
+/// pipe of pictures is written on the desktop: closed in them, and not to be had through /proc or
+/// by tracing this process either.
+void keepFromCommands(const QList<int>& descriptors) {
+    for (const int descriptor : descriptors)
+        ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    if (!descriptors.isEmpty())
+        ::prctl(PR_SET_DUMPABLE, 0);
+}
 
 Arguments parseArguments(const QGuiApplication& application) {
     QCommandLineParser parser;
@@ -74,11 +85,9 @@ Arguments parseArguments(const QGuiApplication& application) {
                         .appearance = parser.value(appearance),
                         .size = {parser.value(size).section(QLatin1Char('x'), 0, 0).toInt(),
                                  parser.value(size).section(QLatin1Char('x'), 1).toInt()}};
-    for (const QString& number : parser.value(drive).split(QLatin1Char(':'), Qt::SkipEmptyParts)) {
-        const int descriptor = number.toInt();
-        ::fcntl(descriptor, F_SETFD, FD_CLOEXEC); // not for the commands that the engine runs
-        arguments.drive.append(descriptor);
-    }
+    for (const QString& number : parser.value(drive).split(QLatin1Char(':'), Qt::SkipEmptyParts))
+        arguments.drive.append(number.toInt());
+    keepFromCommands(arguments.drive);
     if (parser.isSet(drive) && arguments.drive.size() != 3)
         parser.showHelp(2);
     return arguments;

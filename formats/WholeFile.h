@@ -17,7 +17,9 @@ std::optional<std::string> readWholeFile(const std::filesystem::path& path,
 /// renames it over `path` (no flush to the disk: file systems order the data before a rename that
 /// replaces, and settings are written on every key stroke). A replaced regular file hands its
 /// permission bits on; a new one gets 0644. A symbolic link at `path` is replaced, not followed.
-/// False on any failure, with the old file as it was and no temporary file left.
+/// False on any failure, with the old file as it was and no temporary file left. A temporary file
+/// whose writer was killed is swept by the next write in the folder; writers that work at the same
+/// time leave one another's alone.
 bool replaceWholeFile(const std::filesystem::path& path, std::string_view bytes);
 
 } // namespace dubrix

@@ -1,5 +1,5 @@
 # The desktop's display on the device.
-# shellcheck shell=bash disable=SC2154 # device and isolated are the launcher's
+# shellcheck shell=bash disable=SC2154,SC2034 # variables shared with the launcher and namespace.bash
 
 mount_point=
 
@@ -38,6 +38,7 @@ share_wayland() {
 share_x11() {
     local authority=${XAUTHORITY:-${HOME-}/.Xauthority}
     set_variable DISPLAY "$DISPLAY"
+    memory=() # windows' pictures go to the server through it
     if [[ -r $authority ]]; then
         shared+=(--ro-bind "$authority" /run/mobile/Xauthority)
         set_variable XAUTHORITY /run/mobile/Xauthority

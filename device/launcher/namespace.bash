@@ -7,6 +7,7 @@ system=()                 # the desktop's system folders, read-only
 shared=()                 # what the command at hand is given beyond the device
 variables=()              # the same for a command without isolation, as NAME=VALUE
 network=(--unshare-net)   # empty where the network is shared
+memory=(--unshare-ipc)    # empty where shared memory is needed with the desktop
 start_folder=/var/mobile  # where a command starts
 
 check_tools() {
@@ -99,7 +100,7 @@ namespace_line() {
     local bindings environment
     device_bindings
     device_environment
-    line=(bwrap "${system[@]}" "${network[@]}" "${bindings[@]}" "${environment[@]}"
+    line=(bwrap "${system[@]}" "${network[@]}" "${memory[@]}" "${bindings[@]}" "${environment[@]}"
         "${shared[@]}" --chdir "$start_folder" --remount-ro / "${session[@]}" -- "$@")
 }
 

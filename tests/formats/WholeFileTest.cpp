@@ -1,7 +1,10 @@
 #include "formats/WholeFile.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace dubrix {
 
@@ -24,6 +27,23 @@ TEST(WholeFile, AFailureLeavesTheOldFileAndNoLeftovers) {
     EXPECT_FALSE(replaceWholeFile(folder / "missing/file", "new"));
     EXPECT_EQ(contentsOf(folder / "target/inside"), "old");
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 1);
+}
+
+TEST(WholeFile, TheNextWriteSweepsWhatAKilledWriterLeft) {
+    const TemporaryFolder folder;
+    for (const char* name :
+         {".dubrix-killed", ".dubrix-atwork", ".dubrix-sevenxx", "dubrix-killed"})
+        putFile(folder / name, "half");
+    fs::create_symlink("target", folder / ".dubrix-linked");
+    const int atWork = ::open((folder / ".dubrix-atwork").c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::flock(atWork, LOCK_EX), 0);
+    EXPECT_TRUE(replaceWholeFile(folder / "a", "new"));
+    ::close(atWork);
+    EXPECT_FALSE(fs::exists(folder / ".dubrix-killed"));
+    for (const char* name : {".dubrix-atwork", ".dubrix-sevenxx", "dubrix-killed"})
+        EXPECT_EQ(contentsOf(folder / name), "half") << name;
+    EXPECT_TRUE(fs::is_symlink(folder / ".dubrix-linked"));
+    EXPECT_EQ(contentsOf(folder / "a"), "new");
 }
 
 TEST(WholeFile, ALinkIsReplacedNotFollowed) {

@@ -1,0 +1,136 @@
+#pragma once
+
+#include "engine/SettingsFile.h"
+#include "tests/device/DeviceFolder.h"
+#include "tests/platform/SamplePng.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <sys/prctl.h>
+
+namespace dubrix {
+
+struct Ended {
+    /// As a shell would give it: 128 and the signal's number for a process that was killed.
+    int status;
+    /// The last line, without its end.
+    std::string output;
+    bool killed() const { return status == 128 + SIGKILL; }
+};
+
+/// A device with one application chosen to be duplicated in colour, and the programs that work on
+/// it: real processes in a group of their own, of which none is left when `run` returns.
+class ProofDevice : public DeviceFolder {
+public:
+    using Contents = std::map<std::string, std::string>;
+
+    ProofDevice() {
+        ::prctl(PR_SET_CHILD_SUBREAPER, 1);
+        std::filesystem::create_directories(root() / "tmp");
+        std::filesystem::create_directories(tools());
+        installSource("1");
+        PropertyList settings = PropertyList::dictionary();
+        settings.setValueForKey("bundleID", PropertyList::string(source));
+        settings.setValueForKey("customColorToggle", PropertyList::boolean(true));
+        settings.setValueForKey("Red", PropertyList::real(0.75));
+        putFile(settingsPath(), settings.xml());
+    }
+
+    void installSource(const std::string& version) const {
+        PropertyList info = *PropertyList::parse(infoPlist(source, version));
+        info.setValueForKey("CFBundleDisplayName", PropertyList::string("Fine App"));
+        PropertyList icons = PropertyList::array();
+        for (const char* name : {"Icon", "art/Badge"})
+            icons.append(PropertyList::string(name));
+        info.setValueForKey("CFBundleIconFiles", icons);
+        const std::string icon = SamplePng({PNG_COLOR_TYPE_RGB_ALPHA, 8, false, false}).bytes();
+        std::vector<ZipItem> items;
+        for (const char* name : {"Icon.png", "Icon@2x.png", "art/Badge.png"})
+            items.push_back({"Payload/X.app/" + std::string(name), icon});
+        for (const char* name : {"one", "data/two", "data/three"})
+            items.push_back({"Payload/X.app/" + std::string(name), name + version});
+        items.push_back({"Payload/X.app/large", std::string(200'000, version[0])});
+        items.push_back({"Payload/X.app/link", "data/two", S_IFLNK | 0777});
+        items.push_back({"Payload/X.app/Info.plist", info.binary()});
+        const auto result = installer().install(archive("source.ipa", zipOf(items)));
+        ASSERT_TRUE(result) << result.failure().text;
+    }
+
+    /// What an installed application's bundle holds, by paths in it; empty when not installed.
+    Contents bundle(const std::string& identifier) const {
+        return contentsBelow(installed(identifier));
+    }
+    Contents staged() const { return contentsBelow(root() / "tmp/Fine App/Payload/X.app"); }
+
+    std::filesystem::path settingsPath() const { return root() / (settingsFilePath + 1); }
+    /// A folder in which commands are looked for first.
+    std::filesystem::path tools() const { return folder() / "tools"; }
+    void putTool(const std::string& name, const std::string& script) const {
+        putFile(tools() / name, "#!/bin/sh\n" + script);
+        std::filesystem::permissions(tools() / name, std::filesystem::perms(0755));
+    }
+
+    Ended request(const std::vector<std::string>& before = {}) const {
+        std::vector<std::string> words = before;
+        words.insert(words.end(), {DUPLICATE_ONCE, root().native(), "request"});
+        return run(words);
+    }
+
+    Ended run(std::vector<std::string> words, const std::string& path = "") const {
+        const std::filesystem::path output = folder() / "output";
+        const pid_t child = ::fork();
+        if (child == 0)
+            become(words, path.empty() ? tools().native() + ":" PROGRAMS ":/usr/bin:/bin" : path,
+                   output);
+        int status = -1;
+        ::waitpid(child, &status, 0);
+        ::kill(-child, SIGKILL);
+        while (::waitpid(-1, nullptr, 0) > 0 || errno == EINTR) {
+        }
+        // What commands say stands before it, in lines of their own.
+        const std::string said = contentsOf(output);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+                said.substr(said.rfind('\n') + 1)};
+    }
+
+    const std::string source = "com.example.app";
+    const std::string duplicate = "com.example.app1";
+    const std::string success = "Fine App successfully duplicated.";
+    const std::string failure = "Failed to duplicate Fine App.";
+
+private:
+    [[noreturn]] static void become(std::vector<std::string>& words, const std::string& path,
+                                    const std::filesystem::path& output) {
+        ::setpgid(0, 0);
+        const int nothing = ::open("/dev/null", O_RDWR);
+        ::dup2(nothing, STDIN_FILENO);
+        ::dup2(::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), STDOUT_FILENO);
+        ::dup2(nothing, STDERR_FILENO);
+        ::setenv("PATH", path.c_str(), 1);
+        ::setenv("ZIPOPT", "-0yq", 1);
+        ::setenv("LC_ALL", "C", 1);
+        // The leak sanitizer does not work below a tracer.
+        ::setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
+        std::vector<char*> arguments;
+        for (std::string& word : words)
+            arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        ::execvp(arguments[0], arguments.data());
+        ::_exit(127);
+    }
+
+    static Contents contentsBelow(const std::filesystem::path& bundle) {
+        Contents contents;
+        std::error_code error;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(bundle, error)) {
+            std::string& content = contents[entry.path().lexically_relative(bundle).native()];
+            if (entry.is_symlink())
+                content = "-> " + std::filesystem::read_symlink(entry.path()).native();
+            else if (entry.is_regular_file())
+                content = contentsOf(entry.path());
+        }
+        return contents;
+    }
+};
+
+} // namespace dubrix
