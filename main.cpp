@@ -25,6 +25,7 @@
 #include <QFile>
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <QLoggingCategory>
 #include <QPalette>
 #include <QQmlApplicationEngine>
 #include <QQmlExtensionPlugin>
@@ -119,9 +120,10 @@ PropertyList informationDictionary() {
     return PropertyList::parse(file.readAll().toStdString()).value_or(PropertyList::dictionary());
 }
 
-/// Web pages look like the windows: the web engine, loaded when the first page is opened, does not
-/// follow the palette by itself.
-void matchWebPages() {
+/// For the web engine, which is loaded when the first page is opened: pages look like the windows,
+/// whose palette it does not follow by itself, and it keeps its parameters to itself.
+void prepareWebPages() {
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.webenginecontext*=false"));
     if (QGuiApplication::palette().window().color().lightnessF() < 0.5F)
         qputenv("QTWEBENGINE_CHROMIUM_FLAGS",
                 qgetenv("QTWEBENGINE_CHROMIUM_FLAGS") + " --blink-settings=preferredColorScheme=0");
@@ -148,7 +150,7 @@ int main(int argc, char** argv) {
     const Arguments arguments = parseArguments(application);
     chooseFont();
     chooseAppearance(arguments.appearance);
-    matchWebPages();
+    prepareWebPages();
 
     const std::filesystem::path programs = QCoreApplication::applicationDirPath().toStdString();
     LinuxCommandRunner commands(arguments.root, programs / "device-paths.bash");

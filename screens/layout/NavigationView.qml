@@ -38,7 +38,7 @@ FocusScope {
 
                 width: parent?.width ?? 0
                 height: parent?.height ?? 0
-                controller: view.controller.viewControllers[index]
+                controller: view.controller.viewControllers[index] ?? null
                 focus: topmost
                 enabled: topmost
                 visible: topmost
