@@ -89,7 +89,7 @@ TEST_F(BundleIconsTest, StaysInsideTheBundle) {
     fs::create_symlink("..", bundle / "up");
     fs::create_symlink("circle.png", bundle / "circle.png");
     const std::string absolute = (folder / "outside").string();
-    for (const std::string& name :
+    for (const std::string name :
          {"leaving", "absolute", "../outside", "up/outside", "circle", "art", absolute.c_str()})
         EXPECT_EQ(found(("{CFBundleIconFile = \"" + name + "\";}").c_str(), 58), "") << name;
     EXPECT_EQ(found("{CFBundleIconFiles = (kept, \"art/inside\");}", 58), "art/inside.png");
