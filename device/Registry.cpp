@@ -50,6 +50,14 @@ std::optional<BundleInfo> Registry::infoOf(const std::string& identifier) const 
     return path ? BundleInfo::read(hostPath(*path)) : std::nullopt;
 }
 
+std::map<std::string, std::string> Registry::paths() const {
+    std::map<std::string, std::string> paths;
+    for (std::string& name : namesBelow(hostPath(registryPath)))
+        if (std::optional<std::string> path = pathOf(name))
+            paths.emplace(std::move(name), std::move(*path));
+    return paths;
+}
+
 std::vector<std::string> Registry::identifiers() const {
     std::vector<std::string> names = namesBelow(hostPath(registryPath));
     std::erase_if(names, [this](const std::string& name) { return !isInstalled(name); });

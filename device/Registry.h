@@ -4,6 +4,7 @@
 #include "device/Result.h"
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,6 +41,8 @@ public:
     std::optional<std::string> pathOf(const std::string& identifier) const;
     /// What the bundle of an installed application says of itself.
     std::optional<BundleInfo> infoOf(const std::string& identifier) const;
+    /// The bundle folders of all installed applications by identifier, each looked at once.
+    std::map<std::string, std::string> paths() const;
     /// All installed applications, sorted by bytes.
     std::vector<std::string> identifiers() const;
 

@@ -102,7 +102,7 @@ QString AppListSampleViewController::emptyTitle() const {
 QString AppListSampleViewController::emptyMessage() const {
     switch (emptiness()) {
     case Emptiness::NoApplications:
-        return tr("Install one from its archive with the command\ndubrix install FILE.ipa\n"
+        return tr("Install one on the device with\ndubrix install FILE.ipa\n"
                   "and open this list again.");
     case Emptiness::NoMatch:
         return tr("No application has “%1” in its name or identifier.")

@@ -104,7 +104,8 @@ applicationSections(const std::vector<ApplicationList::Entry>& entries,
 }
 
 QString foldedForSearch(const QString& text) {
-    QString folded = text.normalized(QString::NormalizationForm_KD).toCaseFolded();
+    // By way of capitals, which also part letters that are two as a capital.
+    QString folded = text.normalized(QString::NormalizationForm_KD).toUpper().toCaseFolded();
     folded.removeIf([](QChar letter) { return letter.category() == QChar::Mark_NonSpacing; });
     return folded;
 }

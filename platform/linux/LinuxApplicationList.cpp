@@ -27,11 +27,10 @@ std::vector<ApplicationList::Entry> LinuxApplicationList::entries() const {
     const std::scoped_lock lock(bundlesMutex_);
     BundleInfoCache::Round bundles(bundles_);
     std::vector<Entry> entries;
-    for (const std::string& identifier : registry_.identifiers()) {
-        const auto path = registry_.pathOf(identifier);
-        const BundleInfo* const info = path ? bundles.read(registry_.hostPath(*path)) : nullptr;
+    for (const auto& [identifier, path] : registry_.paths()) {
+        const BundleInfo* const info = bundles.read(registry_.hostPath(path));
         if (info)
-            entries.push_back({identifier, info->displayName, *path, false, info->hidden});
+            entries.push_back({identifier, info->displayName, path, false, info->hidden});
     }
     for (const std::string& path : registry_.systemBundles()) {
         const BundleInfo* const info = bundles.read(registry_.hostPath(path));

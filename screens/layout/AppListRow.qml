@@ -88,8 +88,8 @@ Item {
         anchors {
             left: place.right
             leftMargin: Theme.points(12)
-            right: mark.left
-            rightMargin: Theme.points(10)
+            right: mark.visible ? mark.left : parent.right
+            rightMargin: mark.visible ? Theme.points(10) : Theme.margin
             verticalCenter: parent.verticalCenter
         }
 

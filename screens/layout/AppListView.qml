@@ -57,7 +57,9 @@ FocusScope {
         clip: true
         model: view.controller.dataSource
         reuseItems: true
-        cacheBuffer: Theme.points(440)
+        cacheBuffer: 0
+        displayMarginBeginning: Theme.points(220)
+        displayMarginEnd: Theme.points(220)
         bottomMargin: Theme.points(24)
         boundsBehavior: Flickable.DragOverBounds
         highlightMoveDuration: 0

@@ -3,6 +3,7 @@
 #include "engine/Alerts.h"
 #include "engine/CloneEngine.h"
 #include "platform/SystemLog.h"
+#include "platform/linux/CurlDownloader.h"
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationList.h"
 #include "platform/linux/LinuxApplicationWorkspace.h"
@@ -59,7 +60,9 @@ public:
     LinuxMonochromeFilter filter;
     FileStyleByteCount byteCounts;
     SilentLog log;
-    const Platform platform{commands, files, workspace, applications, filter, byteCounts, log};
+    CurlDownloader downloader;
+    const Platform platform{commands, files,      workspace, applications,
+                            filter,   byteCounts, log,       downloader};
     AgreeingAlerts alerts;
 
     class LoadedEngine final : public CloneEngine {

@@ -2,6 +2,7 @@
 #include "screens/PrefsViewController.h"
 #include "tests/screens/PickerDevice.h"
 
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QPointer>
 #include <future>

@@ -1,3 +1,4 @@
+#include "platform/ApplicationIcons.h"
 #include "screens/ApplicationIconProvider.h"
 #include "tests/screens/PickerDevice.h"
 
@@ -9,6 +10,7 @@
 #include <QQuickView>
 #include <QSignalSpy>
 #include <QTest>
+#include <atomic>
 
 Q_IMPORT_QML_PLUGIN(DubrixPlugin)
 
@@ -105,10 +107,10 @@ protected:
             QAccessible::queryAccessibleInterface(view.activeFocusItem());
         return element ? element->text(QAccessible::Name) : QString();
     }
-    /// Names of everything below the view with this role.
-    QStringList named(QAccessible::Role role) const {
+    /// Names of everything in the window with this role; a star for what is checked.
+    QStringList named(QAccessible::Role role) {
         QStringList names;
-        collect(QAccessible::queryAccessibleInterface(view.rootObject()), role, names);
+        collect(QAccessible::queryAccessibleInterface(&view), role, names);
         names.sort();
         return names;
     }
