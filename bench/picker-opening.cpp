@@ -1,3 +1,4 @@
+#include "platform/linux/CurlDownloader.h"
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationIcons.h"
 #include "platform/linux/LinuxApplicationList.h"
@@ -121,7 +122,9 @@ int main(int argc, char** argv) {
     LinuxMonochromeFilter monochrome;
     FileStyleByteCount byteCounts;
     LinuxSystemLog log;
-    const Platform platform{commands, files, workspace, applications, monochrome, byteCounts, log};
+    CurlDownloader downloader;
+    const Platform platform{commands,   files,      workspace, applications,
+                            monochrome, byteCounts, log,       downloader};
     NotificationCenter notifications;
     ModalStack modals;
     QuickOverlayStage stage;
