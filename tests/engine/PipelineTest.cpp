@@ -96,8 +96,8 @@ protected:
     LinuxCommandRunner bash{device.root(), DEVICE_PATHS};
     LinuxApplicationWorkspace workspace{device.root()};
     LinuxApplicationList applications{device.root()};
-    LoadedEngine onDeviceEngine{{commands, files, workspace, applications, filter, byteCounts, log},
-                                alerts};
+    LoadedEngine onDeviceEngine{
+        {commands, files, workspace, applications, filter, byteCounts, log, downloader}, alerts};
     std::string skipped;
 };
 
