@@ -7,6 +7,7 @@
 #include <QQuickWindow>
 #include <algorithm>
 #include <qpa/qwindowsysteminterface.h>
+#include <utility>
 
 namespace dubrix {
 
@@ -137,14 +138,23 @@ void Screen::press(int key, Qt::KeyboardModifiers modifiers, const QString& text
     QWindowSystemInterface::handleKeyEvent(&window_, QEvent::KeyRelease, key, modifiers, text);
 }
 
+bool Screen::isSettling() const {
+    const QList<QQuickItem*> layers = window_.contentItem()->childItems();
+    return std::ranges::any_of(layers, isBeingDismissed);
+}
+
 bool Screen::tap(const QString& name) {
     QQuickItem* item = find(name);
-    if (!item)
+    if (!item || isSettling())
         return false;
     scrollIntoView(item);
     const QRectF seen = seenPart(item);
-    if (seen.isEmpty())
+    const bool sameAim = item == std::exchange(aim_, item);
+    const bool resting = sameAim && seen == aimedAt_;
+    aimedAt_ = seen;
+    if (seen.isEmpty() || !resting)
         return false;
+    aim_ = nullptr;
     tapAt(seen.center());
     return true;
 }

@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QList>
 #include <QPointF>
+#include <QRectF>
 #include <QString>
 
 class QObject;
@@ -35,9 +36,10 @@ public:
     QList<Alert> alerts() const;
 
     /// Presses and lets go in the middle of what has this accessible name, the topmost that can be
-    /// used now, scrolled into view. False when there is none.
+    /// used now, scrolled into view. False when there is none, or as long as it moves or something
+    /// over it is on its way out: call again a moment later.
     bool tap(const QString& name);
-    /// Taps the field, then replaces its text. False when there is none of this name.
+    /// Taps the field, then replaces its text. False where tap is.
     bool type(const QString& name, const QString& text);
     /// The window's picture as PNG bytes.
     QByteArray picture() const;
@@ -47,10 +49,14 @@ private:
     QList<QQuickItem*> shownItems() const;
     QHash<const QObject*, QString> accessibleNames() const;
     QQuickItem* find(const QString& name) const;
+    bool isSettling() const;
     void tapAt(const QPointF& point);
     void press(int key, Qt::KeyboardModifiers modifiers, const QString& text);
 
     QQuickWindow& window_;
+    /// What the last tap aimed at, and where that was.
+    const QQuickItem* aim_ = nullptr;
+    QRectF aimedAt_;
 };
 
 } // namespace dubrix

@@ -78,6 +78,11 @@ public:
 
     const std::vector<std::unique_ptr<TabBarItem>>& items() const { return items_; }
 
+    /// The screen of the tab at `index`, which there must be.
+    ViewController* viewControllerAt(int index) const {
+        return viewControllers_.at(static_cast<std::size_t>(index)).get();
+    }
+
     int selectedIndex() const { return selectedIndex_; }
     /// Ignored for an index without a tab.
     void setSelectedIndex(int index);
