@@ -77,6 +77,10 @@ struct Case {
     const char* packageAfter;
 };
 
+void PrintTo(const Case& printed, std::ostream* out) {
+    *out << printed.name;
+}
+
 class InstallerBootstrapTest : public testing::TestWithParam<Case> {};
 
 TEST_P(InstallerBootstrapTest, InstallsTheToolWhenItIsMissing) {
