@@ -48,7 +48,7 @@ void PrefsViewController::viewDidLoad() {
     textfieldCell.setHidden(!customName);
     sharedClass = std::make_unique<DXShared>(platform().files, platform().log);
     appNameLabel.setText(stored.hasKey("appName") ? displayed(stored.stringForKey("appName"))
-                                                 : QStringLiteral(" "));
+                                                  : QStringLiteral(" "));
     colorView.setBackgroundColor(
         QColor::fromRgbF(component("Red"), component("Green"), component("Blue")));
     customNameSwitch.setOn(customName);
