@@ -9,7 +9,8 @@ namespace {
 
 constexpr int lookEvery = 20; // milliseconds
 constexpr double tapPatience = 5;
-constexpr double shotPatience = 1;
+constexpr double shotPatience = 2;
+constexpr int restTime = 200; // milliseconds: longer than a frame takes on a busy machine
 constexpr auto failureShot = "dubrix-failed.png";
 
 QString oneLine(QString text) {
@@ -22,6 +23,7 @@ double patience(const ScriptStep& step) {
     case ScriptStep::Verb::Type:
         return tapPatience;
     case ScriptStep::Verb::Wait:
+    case ScriptStep::Verb::Gone:
         return step.seconds;
     case ScriptStep::Verb::Shot:
         return shotPatience;
@@ -100,6 +102,7 @@ ScriptPlayer::Outcome ScriptPlayer::tryStep() {
     case ScriptStep::Verb::Wait:
     case ScriptStep::Verb::Expect:
         return when(screen_.shows(target));
+    case ScriptStep::Verb::Gone:
     case ScriptStep::Verb::Absent:
         return when(!screen_.shows(target));
     case ScriptStep::Verb::Shot:
@@ -109,10 +112,13 @@ ScriptPlayer::Outcome ScriptPlayer::tryStep() {
 }
 
 ScriptPlayer::Outcome ScriptPlayer::takeShot() {
-    // Two looks alike: what moved has come to rest. Something that turns all the time never does.
+    // The same for a while: what moved has come to rest. Something that turns all the time never
+    // does.
     const QByteArray picture = screen_.picture();
-    const bool settled = picture == std::exchange(picture_, picture);
-    if (!settled && waiting_.elapsed() < static_cast<qint64>(shotPatience * 1000))
+    if (picture != std::exchange(picture_, picture))
+        resting_.start();
+    if (resting_.elapsed() < restTime &&
+        waiting_.elapsed() < static_cast<qint64>(shotPatience * 1000))
         return Outcome::NotYet;
     picture_.clear();
     return saveShot(step_->target, picture);

@@ -49,6 +49,7 @@ private:
     std::optional<ScriptStep> step_;
     std::string reason_;
     QByteArray picture_;
+    QElapsedTimer resting_; ///< since picture_ is what can be seen
     QList<Screen::Alert> alerts_;
 };
 

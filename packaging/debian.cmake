@@ -31,4 +31,6 @@ set(needed
     qml6-module-qtwebview qt6-webview-plugins)
 list(JOIN needed ", " CPACK_DEBIAN_PACKAGE_DEPENDS)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-inter, qt6-wayland, xdg-utils")
+install(FILES debian/lintian-overrides
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME dubrix)
 include(CPack)
