@@ -146,6 +146,7 @@ int main(int argc, char** argv) {
     QGuiApplication application(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("dubrix"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Dubrix"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.dubrix.Dubrix"));
     const Arguments arguments = parseArguments(application);
     chooseFont();
     chooseAppearance(arguments.appearance);

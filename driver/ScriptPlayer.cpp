@@ -8,7 +8,7 @@ namespace dubrix {
 namespace {
 
 constexpr int lookEvery = 20; // milliseconds
-constexpr int restingLooks = 6;
+constexpr int restingLooks = 8;
 constexpr double tapPatience = 5;
 constexpr double shotPatience = 2;
 constexpr auto failureShot = "dubrix-failed.png";
@@ -23,6 +23,7 @@ double patience(const ScriptStep& step) {
     case ScriptStep::Verb::Type:
         return tapPatience;
     case ScriptStep::Verb::Wait:
+    case ScriptStep::Verb::Gone:
         return step.seconds;
     case ScriptStep::Verb::Shot:
         return shotPatience;
@@ -101,6 +102,7 @@ ScriptPlayer::Outcome ScriptPlayer::tryStep() {
     case ScriptStep::Verb::Wait:
     case ScriptStep::Verb::Expect:
         return when(screen_.shows(target));
+    case ScriptStep::Verb::Gone:
     case ScriptStep::Verb::Absent:
         return when(!screen_.shows(target));
     case ScriptStep::Verb::Shot:
