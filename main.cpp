@@ -1,7 +1,6 @@
 #include "driver/ScriptPlayer.h"
-#include "help/HelpSite.h"
+#include "network/NetworkServices.h"
 #include "overlays/ProgressHUD.h"
-#include "platform/linux/CurlDownloader.h"
 #include "platform/linux/DesktopUrlOpener.h"
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationIcons.h"
@@ -161,19 +160,19 @@ int main(int argc, char** argv) {
     LinuxMonochromeFilter monochrome;
     FileStyleByteCount byteCounts;
     LinuxSystemLog log;
-    CurlDownloader downloader;
+    NetworkServices network(programs / "dubrix-network.so", log);
     const Platform platform{commands,   files,      workspace, applications,
-                            monochrome, byteCounts, log,       downloader};
+                            monochrome, byteCounts, log,       network};
     DesktopUrlOpener urls(arguments.root);
-    HelpSite help;
-    const AboutServices about{log, urls, help, informationDictionary()};
+    const AboutServices about{log, urls, network, informationDictionary()};
 
     QuickOverlayStage stage;
     ProgressHUD::useStage(stage);
     NotificationCenter notifications;
     ModalStack modals;
     AppDelegate delegate;
-    delegate.window.rootViewController = makeInterfaceLayout(platform, notifications, about, modals);
+    delegate.window.rootViewController =
+        makeInterfaceLayout(platform, notifications, about, modals);
     if (!delegate.applicationDidFinishLaunchingWithOptions())
         return 1;
     delegate.window.rootViewController->loadViewIfNeeded();

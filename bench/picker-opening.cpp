@@ -1,4 +1,4 @@
-#include "platform/linux/CurlDownloader.h"
+#include "network/NetworkServices.h"
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationIcons.h"
 #include "platform/linux/LinuxApplicationList.h"
@@ -122,9 +122,9 @@ int main(int argc, char** argv) {
     LinuxMonochromeFilter monochrome;
     FileStyleByteCount byteCounts;
     LinuxSystemLog log;
-    CurlDownloader downloader;
+    NetworkServices network({}, log);
     const Platform platform{commands,   files,      workspace, applications,
-                            monochrome, byteCounts, log,       downloader};
+                            monochrome, byteCounts, log,       network};
     NotificationCenter notifications;
     ModalStack modals;
     QuickOverlayStage stage;

@@ -23,11 +23,12 @@ install(FILES first-duplicate.drive DESTINATION share/dubrix)
 # after this folder, so they are gathered when all of the project is known.
 add_custom_target(dubrix DEPENDS dubrix_samples)
 function(dubrix_gather_programs)
-    foreach(program dubrix-app ipainstaller)
+    foreach(program dubrix-app ipainstaller dubrix-network)
         if(TARGET ${program})
             add_dependencies(dubrix ${program})
             set_target_properties(${program} PROPERTIES
-                RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/libexec/dubrix)
+                RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/libexec/dubrix
+                LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/libexec/dubrix)
             install(TARGETS ${program} DESTINATION libexec/dubrix)
         endif()
     endforeach()

@@ -1,6 +1,7 @@
 #include "platform/linux/LinuxFileManager.h"
 
 #include "formats/WholeFile.h"
+#include "platform/linux/PaintingWait.h"
 
 #include <algorithm>
 #include <sys/stat.h>
@@ -93,18 +94,20 @@ bool LinuxFileManager::removeItemAtPath(const std::string& path) {
     const fs::path parent = fs::canonical(item.parent_path(), error);
     if (error || !isBelow(tmp, parent)) // the way there led through a link to somewhere else
         return false;
-    fs::remove_all(item, error);
+    waitWhilePainting([&item, &error] { fs::remove_all(item, error); });
     return !error && fs::symlink_status(item, error).type() == fs::file_type::not_found;
 }
 
 std::vector<std::string> LinuxFileManager::subpathsAtPath(const std::string& path) const {
     std::vector<std::string> found;
     const std::string folder = withoutTrailingSlash(resolve(path)).string();
-    std::error_code error;
-    fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied,
-                                           error);
-    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error))
-        found.push_back(entry->path().native().substr(folder.size() + 1));
+    waitWhilePainting([&folder, &found] {
+        std::error_code error;
+        fs::recursive_directory_iterator entry(
+            folder, fs::directory_options::skip_permission_denied, error);
+        for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error))
+            found.push_back(entry->path().native().substr(folder.size() + 1));
+    });
     return found;
 }
 

@@ -1,4 +1,4 @@
-#include "platform/linux/CurlDownloader.h"
+#include "network/CurlDownloader.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -1,4 +1,4 @@
-#include "platform/linux/CurlDownloader.h"
+#include "network/CurlDownloader.h"
 
 #include <curl/curl.h>
 #include <memory>
