@@ -35,8 +35,8 @@ private:
     std::string shown_;
 };
 
-/// The line as it looks at `percent` (0 to 100), at most `columns` (4 or more) wide. Letters that may be wide
-/// count as two columns.
+/// The line as it looks at `percent` (0 to 100), at most `columns` (4 or more) wide. Letters that
+/// may be wide count as two columns.
 std::string progressLine(std::string_view title, unsigned percent, unsigned columns);
 
 } // namespace dubrix

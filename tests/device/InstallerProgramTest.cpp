@@ -61,9 +61,9 @@ TEST(InstallerProgram, SaysOneLineForEachApplication) {
 
 TEST(InstallerProgram, TellsMistakesFromFailures) {
     const DeviceFolder device;
-    for (const char* mistake :
-         {"", "-f", "-u", "-u a b", "-b a", "-b a b c", "-l a", "-x", "-f a -l", "-l -l", "a.ipa",
-          "-l --progress", "--progress half -l", "-l --root", "-l --root ''", "-f --force a.ipa", "-u ''"}) {
+    for (const char* mistake : {"", "-f", "-u", "-u a b", "-b a", "-b a b c", "-l a", "-x",
+                                "-f a -l", "-l -l", "a.ipa", "-l --progress", "--progress half -l",
+                                "-l --root", "-l --root ''", "-f --force a.ipa", "-u ''"}) {
         const Ended result = run(device, mistake);
         EXPECT_EQ(result.status, 2) << mistake;
         EXPECT_EQ(result.output, "") << mistake;
