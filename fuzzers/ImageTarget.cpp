@@ -1,6 +1,6 @@
 #include "formats/CrushedPng.h"
 #include "fuzzers/Mutation.h"
-#include "platform/linux/ImageDecoding.h"
+#include "formats/ImageDecoding.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "platform/linux/PngEncoding.h"
 #include "tests/platform/SamplePng.h"

@@ -20,6 +20,8 @@ const char* nameOf(ScriptStep::Verb verb) {
         return "type";
     case ScriptStep::Verb::Wait:
         return "wait";
+    case ScriptStep::Verb::Gone:
+        return "gone";
     case ScriptStep::Verb::Expect:
         return "expect";
     case ScriptStep::Verb::Absent:
@@ -27,7 +29,7 @@ const char* nameOf(ScriptStep::Verb verb) {
     case ScriptStep::Verb::Shot:
         return "shot";
     }
-    require(false, "a step has one of the six verbs");
+    require(false, "a step has one of the verbs");
     return "";
 }
 
