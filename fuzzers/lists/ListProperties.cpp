@@ -56,9 +56,9 @@ struct XmlForm {
         if (date == nullptr)
             return node;
         constexpr double year1 = -63113904000, year9999 = 252423993599;
-        const double seconds = date->secondsSince2001;
-        return {Node::Date{
-            std::isnan(seconds) ? 0 : std::floor(std::min(std::max(seconds, year1), year9999))}};
+        const double held = std::min(std::max(date->secondsSince2001, year1), year9999);
+        // Zero is added for dates of negative zero, which a calendar does not have.
+        return {Node::Date{std::isnan(date->secondsSince2001) ? 0 : std::floor(held) + 0.0}};
     }
 };
 
