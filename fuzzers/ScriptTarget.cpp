@@ -68,6 +68,12 @@ void tryLine(const std::string& line) {
             "a step spelled out is the same step");
 }
 
+void tryText(const std::string& text) {
+    const ScriptLine read = parseScriptLine("type \"a field\" " + quoted(text));
+    require(read.step && read.step->target == "a field" && read.step->text == text,
+            "every text can be typed");
+}
+
 std::string readThroughPipe(std::string_view bytes) {
     const int file = ::memfd_create("script", MFD_CLOEXEC);
     require(::write(file, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()) &&
@@ -88,9 +94,10 @@ std::string readThroughPipe(std::string_view bytes) {
 
 void tryInput(std::string_view bytes) {
     // Some only: a thread costs more than all the rest.
-    constexpr std::size_t share = 64;
+    constexpr std::size_t share = 256;
     if (bytes.size() % share == 0)
         require(readThroughPipe(bytes) == bytes, "the lines are the script");
+    tryText(std::string(bytes));
     while (true) {
         const std::size_t end = bytes.find('\n');
         tryLine(std::string(bytes.substr(0, end)));
