@@ -20,6 +20,7 @@ double patience(const ScriptStep& step) {
     switch (step.verb) {
     case ScriptStep::Verb::Tap:
     case ScriptStep::Verb::Type:
+    case ScriptStep::Verb::Hold:
         return tapPatience;
     case ScriptStep::Verb::Wait:
         return step.seconds;
@@ -102,6 +103,10 @@ ScriptPlayer::Outcome ScriptPlayer::tryStep() {
         return when(screen_.shows(target));
     case ScriptStep::Verb::Absent:
         return when(!screen_.shows(target));
+    case ScriptStep::Verb::Hold:
+        return when(screen_.hold(target));
+    case ScriptStep::Verb::Drop:
+        return when(screen_.drop(target));
     case ScriptStep::Verb::Shot:
         return takeShot();
     }
@@ -111,7 +116,7 @@ ScriptPlayer::Outcome ScriptPlayer::tryStep() {
 ScriptPlayer::Outcome ScriptPlayer::takeShot() {
     // Two looks alike: what moved has come to rest. Something that turns all the time never does.
     const QByteArray picture = screen_.picture();
-    const bool settled = picture == std::exchange(picture_, picture);
+    const bool settled = picture == std::exchange(picture_, picture) && !screen_.isLoading();
     if (!settled && waiting_.elapsed() < static_cast<qint64>(shotPatience * 1000))
         return Outcome::NotYet;
     picture_.clear();
