@@ -1,4 +1,6 @@
+#include "help/HelpSite.h"
 #include "platform/linux/CurlDownloader.h"
+#include "platform/linux/DesktopUrlOpener.h"
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationIcons.h"
 #include "platform/linux/LinuxApplicationList.h"
@@ -7,6 +9,7 @@
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "platform/linux/LinuxSystemLog.h"
+#include "screens/AboutTableViewController.h"
 #include "screens/AppListSampleViewController.h"
 #include "screens/ApplicationIconProvider.h"
 #include "screens/InterfaceLayout.h"
@@ -128,7 +131,10 @@ int main(int argc, char** argv) {
     NotificationCenter notifications;
     ModalStack modals;
     QuickOverlayStage stage;
-    const auto tabs = makeInterfaceLayout(platform, notifications, modals);
+    DesktopUrlOpener urls(root);
+    HelpSite help;
+    const AboutServices about{log, urls, help, PropertyList::dictionary()};
+    const auto tabs = makeInterfaceLayout(platform, notifications, about, modals);
     tabs->loadViewIfNeeded();
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
