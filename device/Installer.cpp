@@ -3,6 +3,7 @@
 #include "device/ArchivedBundle.h"
 #include "device/BundleExport.h"
 #include "device/ZipDirectory.h"
+#include "device/ZipEntryReader.h"
 
 #include <fcntl.h>
 
@@ -81,13 +82,13 @@ Result<BundleInfo> Installer::installArchive(int archive) {
         return links.failure();
     if (belongsToSystem(*info->identifier))
         return Failure{*info->identifier + " is a system application and cannot be replaced"};
-    if (Outcome done = place(*bundle, *links, *info->identifier, reader); !done)
+    if (Outcome done = place(*bundle, *links, *info->identifier, archive); !done)
         return done.failure();
     return info;
 }
 
 Outcome Installer::place(const ArchivedBundle& bundle, const LinkTargets& links,
-                         const std::string& identifier, ZipEntryReader& reader) {
+                         const std::string& identifier, int archive) {
     Result<BundleStore> store = BundleStore::open(registry_);
     if (!store)
         return store.failure();
@@ -104,7 +105,7 @@ Outcome Installer::place(const ArchivedBundle& bundle, const LinkTargets& links,
     if (!staging)
         return staging.failure();
     step_("staging made");
-    Outcome done = unpackBundle(bundle, links, reader, staging->folder.get(), step_, progress_);
+    Outcome done = unpackBundle(bundle, links, archive, staging->folder.get(), step_, progress_);
     if (done)
         done = store->publish(*staging);
     if (!done) {

@@ -1,21 +1,22 @@
 #pragma once
 
-#include "device/Registry.h"
 #include "platform/ApplicationWorkspace.h"
+#include "device/RegistryLinks.h"
 
 namespace dubrix {
 
 /// Answers from the links of the device's registry alone; no bundle is read.
 class LinuxApplicationWorkspace final : public ApplicationWorkspace {
 public:
-    explicit LinuxApplicationWorkspace(const std::filesystem::path& root) : registry_(root) {}
+    explicit LinuxApplicationWorkspace(const std::filesystem::path& root)
+        : links_(Registry(root)) {}
 
     bool applicationIsInstalled(const std::string& identifier) const override {
-        return registry_.isInstalled(identifier);
+        return links_.isInstalled(identifier);
     }
 
 private:
-    Registry registry_;
+    mutable RegistryLinks links_;
 };
 
 } // namespace dubrix
