@@ -129,11 +129,12 @@ private:
         return bytes.has_value();
     }
 
+    /// No other form has room for more than 32 bits.
     bool uid(std::size_t width, Node& out) {
         const auto bytes = take(width);
-        if (bytes)
-            out.value = Node::Uid{bigEndian(*bytes)};
-        return bytes.has_value();
+        const std::uint64_t number = bytes ? bigEndian(*bytes) : 0;
+        out.value = Node::Uid{number};
+        return bytes && number <= std::numeric_limits<std::uint32_t>::max();
     }
 
     bool data(Node& out) {
