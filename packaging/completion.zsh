@@ -34,13 +34,14 @@ _dubrix() {
         '1:command:_dubrix_commands' \
         '*::argument:->arguments'
     [[ $state == arguments ]] || return
-    case $line[1] in
+    # What follows the options: the command first.
+    case $words[1] in
     install) _files -g '*.ipa(-.) *.app(-/)' ;;
-    uninstall) ((CURRENT != 1)) || _dubrix_identifiers ;;
+    uninstall) ((CURRENT != 2)) || _dubrix_identifiers ;;
     export)
-        if ((CURRENT == 1)); then
+        if ((CURRENT == 2)); then
             _dubrix_identifiers
-        elif ((CURRENT == 2)); then
+        elif ((CURRENT == 3)); then
             _files -g '*.ipa(-.)'
         fi
         ;;
