@@ -1,3 +1,4 @@
+#include "looks/ApplicationIconProvider.h"
 #include "network/NetworkServices.h"
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationIcons.h"
@@ -8,7 +9,6 @@
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "platform/linux/LinuxSystemLog.h"
 #include "screens/AppListSampleViewController.h"
-#include "screens/ApplicationIconProvider.h"
 #include "screens/InterfaceLayout.h"
 #include "screens/ModalStack.h"
 #include "screens/NavigationController.h"
@@ -132,8 +132,11 @@ int main(int argc, char** argv) {
     tabs->loadViewIfNeeded();
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
-    engine.addImageProvider(QLatin1String(ApplicationIconProvider::name),
-                            new ApplicationIconProvider(icons));
+    engine.addImageProvider(
+        QLatin1String(ApplicationIconProvider::name),
+        new ApplicationIconProvider([&icons](const std::string& bundlePath, unsigned pixels) {
+            return icons.iconOfBundle(bundlePath, pixels);
+        }));
     engine.setInitialProperties({{QStringLiteral("root"), QVariant::fromValue(tabs.get())},
                                  {QStringLiteral("stage"), QVariant::fromValue(&stage)}});
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Dubrix/Main.qml")));

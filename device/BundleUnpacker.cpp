@@ -14,7 +14,27 @@ Failure cannotUnpack(const std::string& name) {
     return systemFailure("cannot be unpacked at " + name);
 }
 
-Outcome unpackFile(const ZipEntry& entry, ZipEntryReader& reader, int folder) {
+/// Adds up the bytes that have been unpacked of all.
+class ByteCount {
+public:
+    ByteCount(const std::vector<ZipEntry>& files, const Progress& progress) : progress_(progress) {
+        for (const ZipEntry& file : files)
+            total_ += file.size;
+    }
+
+    void add(std::uint64_t bytes) {
+        done_ += bytes;
+        if (progress_)
+            progress_(done_, total_);
+    }
+
+private:
+    std::uint64_t done_ = 0;
+    std::uint64_t total_ = 0;
+    const Progress& progress_;
+};
+
+Outcome unpackFile(const ZipEntry& entry, ZipEntryReader& reader, int folder, ByteCount& count) {
     Descriptor file(::openat(folder, entry.name.c_str(),
                              O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file.isOpen())
@@ -22,6 +42,7 @@ Outcome unpackFile(const ZipEntry& entry, ZipEntryReader& reader, int folder) {
     Outcome done = reader.read(entry, [&](std::string_view bytes) -> Outcome {
         if (!writeAll(file.get(), bytes))
             return cannotUnpack(entry.name);
+        count.add(bytes.size());
         return Success{};
     });
     // After the writing and past the process's mask, which would take bits away.
@@ -33,7 +54,7 @@ Outcome unpackFile(const ZipEntry& entry, ZipEntryReader& reader, int folder) {
 } // namespace
 
 Outcome unpackBundle(const ArchivedBundle& bundle, const LinkTargets& links, ZipEntryReader& reader,
-                     int staging, const StepHook& step) {
+                     int staging, const StepHook& step, const Progress& progress) {
     if (::mkdirat(staging, bundle.folderName.c_str(), 0700) != 0)
         return cannotUnpack(bundle.folderName);
     const Descriptor root = openFolderAt(staging, bundle.folderName);
@@ -43,8 +64,9 @@ Outcome unpackBundle(const ArchivedBundle& bundle, const LinkTargets& links, Zip
         if (::mkdirat(root.get(), folder.name.c_str(), 0700) != 0)
             return cannotUnpack(folder.name);
     step("folders made");
+    ByteCount count(bundle.files, progress);
     for (const ZipEntry& file : bundle.files) {
-        if (Outcome done = unpackFile(file, reader, root.get()); !done)
+        if (Outcome done = unpackFile(file, reader, root.get(), count); !done)
             return done;
         step("file unpacked");
     }

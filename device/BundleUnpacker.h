@@ -2,6 +2,7 @@
 
 #include "device/ArchivedBundle.h"
 #include "device/LinkTargets.h"
+#include "device/Progress.h"
 #include "device/Result.h"
 #include "device/ZipEntryReader.h"
 
@@ -16,8 +17,8 @@ using StepHook = std::function<void(std::string_view step)>;
 /// Lays `bundle` out as a new folder below the open folder `staging`, reading the files' bytes
 /// with `reader`. Links come after all files, so that nothing is written through one, and folders
 /// get their permissions last, so that those closed to writing can be filled. A failure leaves a
-/// part behind, which is the caller's to remove.
+/// part behind, which is the caller's to remove. `progress` counts the bytes of files.
 Outcome unpackBundle(const ArchivedBundle& bundle, const LinkTargets& links, ZipEntryReader& reader,
-                     int staging, const StepHook& step);
+                     int staging, const StepHook& step, const Progress& progress = {});
 
 } // namespace dubrix

@@ -8,9 +8,9 @@ namespace dubrix {
 namespace {
 
 constexpr int lookEvery = 20; // milliseconds
+constexpr int restingLooks = 8;
 constexpr double tapPatience = 5;
 constexpr double shotPatience = 2;
-constexpr int restTime = 200; // milliseconds: longer than a frame takes on a busy machine
 constexpr auto failureShot = "dubrix-failed.png";
 
 QString oneLine(QString text) {
@@ -112,15 +112,14 @@ ScriptPlayer::Outcome ScriptPlayer::tryStep() {
 }
 
 ScriptPlayer::Outcome ScriptPlayer::takeShot() {
-    // The same for a while: what moved has come to rest. Something that turns all the time never
-    // does.
+    // Alike for a while: what moved has come to rest. Two looks do not tell, since a busy machine
+    // may have drawn no frame between them. Something that turns all the time never rests.
     const QByteArray picture = screen_.picture();
-    if (picture != std::exchange(picture_, picture))
-        resting_.start();
-    if (resting_.elapsed() < restTime &&
-        waiting_.elapsed() < static_cast<qint64>(shotPatience * 1000))
+    looksAlike_ = picture == std::exchange(picture_, picture) ? looksAlike_ + 1 : 0;
+    if (looksAlike_ < restingLooks && waiting_.elapsed() < static_cast<qint64>(shotPatience * 1000))
         return Outcome::NotYet;
     picture_.clear();
+    looksAlike_ = 0;
     return saveShot(step_->target, picture);
 }
 

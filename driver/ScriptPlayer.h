@@ -49,7 +49,7 @@ private:
     std::optional<ScriptStep> step_;
     std::string reason_;
     QByteArray picture_;
-    QElapsedTimer resting_; ///< since picture_ is what can be seen
+    int looksAlike_ = 0;
     QList<Screen::Alert> alerts_;
 };
 

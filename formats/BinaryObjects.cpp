@@ -3,6 +3,8 @@
 #include "formats/PropertyListNode.h"
 #include "formats/Unicode.h"
 
+#include <limits>
+
 namespace dubrix {
 
 namespace {
@@ -67,7 +69,7 @@ private:
         case 0x6:
             return text(marker);
         case 0x8:
-            return (low == 0 || low == 1 || low == 3 || low == 7) && take(low + 1);
+            return (low == 0 || low == 1 || low == 3 || low == 7) && uid(low + 1);
         case 0xA:
         case 0xD:
             return container(reference, marker, depth + 1);
@@ -90,6 +92,12 @@ private:
     bool integer(std::size_t width) {
         auto bytes = take(width);
         return bytes && (width < 16 || bigEndian(bytes->substr(0, 8)) == 0);
+    }
+
+    /// No other form has room for more than 32 bits.
+    bool uid(std::size_t width) {
+        auto bytes = take(width);
+        return bytes && bigEndian(*bytes) <= std::numeric_limits<std::uint32_t>::max();
     }
 
     bool text(unsigned char marker) {

@@ -1,6 +1,6 @@
 #include "platform/linux/LinuxMonochromeFilter.h"
 
-#include "platform/linux/ImageDecoding.h"
+#include "formats/ImageDecoding.h"
 #include "platform/linux/MonochromeRemap.h"
 #include "platform/linux/PaintingWait.h"
 #include "platform/linux/PngEncoding.h"

@@ -1,7 +1,6 @@
-#include "screens/ApplicationIconProvider.h"
+#include "looks/ApplicationIconProvider.h"
 
-#include "platform/ApplicationIcons.h"
-#include "screens/ApplicationIconDrawing.h"
+#include "looks/ApplicationIconDrawing.h"
 
 #include <QRunnable>
 #include <atomic>
@@ -47,7 +46,7 @@ private:
 
 } // namespace
 
-ApplicationIconProvider::ApplicationIconProvider(const ApplicationIcons& icons) : icons_(icons) {
+ApplicationIconProvider::ApplicationIconProvider(Read read) : read_(std::move(read)) {
     readers_.setMaxThreadCount(2);
 }
 
@@ -73,7 +72,7 @@ QImage ApplicationIconProvider::icon(const std::string& bundlePath, int pixels) 
         if (const QImage* kept = kept_.object(key))
             return *kept;
     }
-    const auto picture = icons_.iconOfBundle(bundlePath, static_cast<unsigned>(pixels));
+    const auto picture = read_(bundlePath, static_cast<unsigned>(pixels));
     const QImage drawn = picture ? drawnIcon(*picture, pixels) : drawnPlaceholder(pixels);
     const int kilobytes = static_cast<int>(drawn.sizeInBytes() / 1024) + 1;
     const QMutexLocker lock(&keptMutex_);

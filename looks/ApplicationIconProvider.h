@@ -1,16 +1,17 @@
 #pragma once
 
+#include "formats/RgbaImage.h"
+
 #include <QCache>
 #include <QImage>
 #include <QMutex>
 #include <QQuickAsyncImageProvider>
 #include <QThreadPool>
+#include <functional>
 #include <optional>
 #include <string>
 
 namespace dubrix {
-
-class ApplicationIcons;
 
 /// Applications' icons for the layout, read and drawn off the main thread. Those drawn last are
 /// kept. An application without a usable icon gets a drawing of our own.
@@ -21,8 +22,11 @@ public:
     /// What the layout asks for to show the icon of the application with this bundle folder.
     static QString addressFor(const std::string& bundlePath);
 
-    /// `icons` outlives the provider.
-    explicit ApplicationIconProvider(const ApplicationIcons& icons);
+    /// Reads the icon of the application with this bundle folder for a square of so many pixels;
+    /// called on several threads at once.
+    using Read =
+        std::function<std::optional<RgbaImage>(const std::string& bundlePath, unsigned pixels)>;
+    explicit ApplicationIconProvider(Read read);
 
     /// A square of `requestedSize`'s width in pixels.
     QQuickImageResponse* requestImageResponse(const QString& id,
@@ -36,7 +40,7 @@ public:
     static constexpr int keptKilobytes = 8 << 10;
 
 private:
-    const ApplicationIcons& icons_;
+    const Read read_;
     QMutex keptMutex_;
     QCache<QString, QImage> kept_{keptKilobytes};
     /// Last, so that its threads end before what they use.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/ApplicationIcons.h"
+#include "formats/RgbaImage.h"
 
 #include <QImage>
 
@@ -8,7 +8,7 @@ namespace dubrix {
 
 /// A picture as the phone shows icons: filling a square of `pixels` by `pixels`, the corners cut
 /// round, a faint edge. Any thread.
-QImage drawnIcon(const ApplicationIcons::Picture& picture, int pixels);
+QImage drawnIcon(const RgbaImage& picture, int pixels);
 
 /// What stands for an application without an icon, in the same form. Any thread.
 QImage drawnPlaceholder(int pixels);

@@ -1,4 +1,4 @@
-#include "platform/linux/ImageDecoding.h"
+#include "formats/ImageDecoding.h"
 
 #include "formats/PngChunks.h"
 

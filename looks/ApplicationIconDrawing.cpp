@@ -1,4 +1,4 @@
-#include "screens/ApplicationIconDrawing.h"
+#include "looks/ApplicationIconDrawing.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -42,8 +42,8 @@ QImage fitted(const QImage& image, int pixels) {
 
 } // namespace
 
-QImage drawnIcon(const ApplicationIcons::Picture& picture, int pixels) {
-    const QImage image(picture.rgba.get(), static_cast<int>(picture.width),
+QImage drawnIcon(const RgbaImage& picture, int pixels) {
+    const QImage image(picture.bytes.get(), static_cast<int>(picture.width),
                        static_cast<int>(picture.height), static_cast<int>(picture.width) * 4,
                        QImage::Format_RGBA8888);
     QImage icon = emptySquare(pixels);

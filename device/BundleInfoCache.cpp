@@ -1,4 +1,4 @@
-#include "platform/linux/BundleInfoCache.h"
+#include "device/BundleInfoCache.h"
 
 #include <utility>
 
