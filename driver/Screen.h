@@ -1,11 +1,13 @@
 #pragma once
 
 #include <QByteArray>
+#include <QElapsedTimer>
 #include <QHash>
 #include <QList>
 #include <QPointF>
 #include <QRectF>
 #include <QString>
+#include <optional>
 
 class QObject;
 class QQuickItem;
@@ -39,8 +41,15 @@ public:
     /// used now, scrolled into view. False when there is none, or as long as it moves or something
     /// over it is on its way out: call again a moment later.
     bool tap(const QString& name);
+    /// Presses it long enough for a menu, over several calls; true when it has let go.
+    bool hold(const QString& name);
+    /// Carries a file of this machine or the desktop to the window's middle and lets go of it
+    /// there. False when the window does not take it.
+    bool drop(const QString& file);
     /// Taps the field, then replaces its text. False where tap is.
     bool type(const QString& name, const QString& text);
+    /// Whether a picture that is part of what is shown is still being read.
+    bool isLoading() const;
     /// The window's picture as PNG bytes.
     QByteArray picture() const;
 
@@ -50,13 +59,18 @@ private:
     QHash<const QObject*, QString> accessibleNames() const;
     QQuickItem* find(const QString& name) const;
     bool isSettling() const;
-    void tapAt(const QPointF& point);
+    /// Where to press what has this name; nothing where `tap` is false.
+    std::optional<QPointF> aimAt(const QString& name);
+    void sendMouse(const QPointF& point, bool down);
     void press(int key, Qt::KeyboardModifiers modifiers, const QString& text);
 
     QQuickWindow& window_;
     /// What the last tap aimed at, and where that was.
     const QQuickItem* aim_ = nullptr;
     QRectF aimedAt_;
+    /// Where the pointer is held down, and since when.
+    std::optional<QPointF> held_;
+    QElapsedTimer holding_;
 };
 
 } // namespace dubrix

@@ -32,6 +32,13 @@ struct Place {
         return all;
     }
 
+    std::map<std::string, std::string> everythingBesideBundles() const {
+        auto all = everything();
+        const std::string bundles = device.registry().hostPath(Registry::bundlePath).native() + "/";
+        std::erase_if(all, [&](const auto& file) { return file.first.starts_with(bundles); });
+        return all;
+    }
+
     DeviceFolder device;
 };
 
@@ -71,7 +78,6 @@ void requireInstalled(Place& place, const std::string& identifier) {
                 device.registry().isSystemApplication("com.example.settings"),
             "a system application stays");
     require(device.leftovers() == 0, "an installation leaves nothing lying about");
-    require(contentsOf(device.folder() / "beside") == "untouched", "nothing beside is touched");
     const auto tree = treeOf(device.installed(identifier));
     require(tree.contains("Info.plist"), "an installed bundle has its property list");
 
@@ -161,7 +167,9 @@ void changeItem(ZipItem& item, Random& random) {
         item.data = anyOf(targets, random);
         return;
     case 4:
-        item.data = once(2, random) ? anyInfo(random) : withChangedBytes(item.data, random);
+        item.data = item.name.ends_with("Info.plist") && !once(4, random)
+                        ? anyInfo(random)
+                        : withChangedBytes(item.data, random);
         return;
     case 5:
         item.method = once(4, random) ? static_cast<unsigned>(random() & 0xff) : 8 - item.method;
@@ -186,12 +194,14 @@ void tryInput(std::string_view bytes) {
     static auto place = std::make_unique<Place>();
     const auto archive = place->device.archive("tried.ipa", std::string(bytes));
     const auto before = place->everything();
+    const auto beside = place->everythingBesideBundles();
     auto installed = place->device.installer().install(archive);
     if (!installed) {
         require(!installed.failure().text.empty(), "a refusal has a reason");
         require(place->everything() == before, "a refused archive changes nothing");
         return;
     }
+    require(place->everythingBesideBundles() == beside, "nothing but the bundles is touched");
     requireInstalled(*place, installed->identifier.value_or(""));
     place = std::make_unique<Place>();
 }
@@ -209,8 +219,18 @@ std::vector<std::string> seeds() {
         {"__MACOSX/Payload/._X.app", "beside"},
         {"iTunesMetadata.plist", "beside", S_IFREG | 0644, 8}};
     const ZipBytes wide = zipWithHole({info, {"Payload/X.app/large", "ab"}}, 30);
+    // To be refused: what they would do, should they be installed, is seen.
+    const ZipItem system{"Payload/X.app/Info.plist", infoPlist("com.example.settings")};
+    const ZipItem climbing{"Payload/X.app/../../../../new", "changed"};
+    const ZipItem outside{"Payload/X.app/a", "b/../../../../../../../beside", S_IFLNK | 0777};
+    const ZipItem onward{"Payload/X.app/b", ".", S_IFLNK | 0777};
+    const ZipItem through{"Payload/X.app/a/beside", "changed"};
     return {zipOf({info}),
             zipOf(rich),
+            zipOf({system}),
+            zipOf({info, climbing}),
+            zipOf({info, outside, onward}),
+            zipOf({info, outside, onward, through}),
             wide.head + std::string(30, '\0') + wide.tail,
             "a program in front" + zipOf({info}),
             zipOf({{"Payload/X.app/Info.plist", infoPlist(installedBefore, "2"), 0100644, 8}}),

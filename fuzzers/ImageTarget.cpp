@@ -1,6 +1,6 @@
 #include "formats/CrushedPng.h"
 #include "fuzzers/Mutation.h"
-#include "platform/linux/ImageDecoding.h"
+#include "formats/ImageDecoding.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "platform/linux/PngEncoding.h"
 #include "tests/platform/SamplePng.h"
@@ -192,6 +192,11 @@ std::vector<std::string> seeds() {
     file.ignoresAlpha = true;
     file.hasZlibFrame = true;
     all.push_back(file.bytes(pixels));
+    // Too many colours for a palette, with and without alpha.
+    CrushedPngFile colorful{.width = 20, .height = 16};
+    all.push_back(colorful.bytes(samplePixels(320)));
+    colorful.ignoresAlpha = true;
+    all.push_back(colorful.bytes(samplePixels(320)));
     for (const PngColorType type : {PngColorType::grey, PngColorType::rgb, PngColorType::greyAlpha})
         all.push_back(CrushedPngFile{}.assembled(
             {'\x50', 0, '\x20', '\2'}, {2, 2, 8, type},

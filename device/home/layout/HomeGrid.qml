@@ -16,8 +16,6 @@ QtObject {
 
     /// The position of the icon at which the keyboard is.
     property int current: 0
-    /// Whether the person is finding their way by keyboard.
-    property bool keyboard: false
 
     signal menuAsked(Item icon, string identifier, string name)
 }

@@ -24,7 +24,6 @@ FocusScope {
     function keyPressed(event: KeyEvent) {
         const position = home.walk(event.key, grid.current, count, grid.columns, grid.rows);
         event.accepted = position >= 0;
-        grid.keyboard = grid.keyboard || event.accepted;
         if (position >= 0)
             showIcon(position);
     }
