@@ -1,5 +1,5 @@
-#include "help/HelpSite.h"
-#include "platform/linux/CurlDownloader.h"
+#include "looks/ApplicationIconProvider.h"
+#include "network/NetworkServices.h"
 #include "platform/linux/DesktopUrlOpener.h"
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationIcons.h"
@@ -11,7 +11,6 @@
 #include "platform/linux/LinuxSystemLog.h"
 #include "screens/AboutTableViewController.h"
 #include "screens/AppListSampleViewController.h"
-#include "screens/ApplicationIconProvider.h"
 #include "screens/InterfaceLayout.h"
 #include "screens/ModalStack.h"
 #include "screens/NavigationController.h"
@@ -125,21 +124,23 @@ int main(int argc, char** argv) {
     LinuxMonochromeFilter monochrome;
     FileStyleByteCount byteCounts;
     LinuxSystemLog log;
-    CurlDownloader downloader;
+    NetworkServices network({}, log);
     const Platform platform{commands,   files,      workspace, applications,
-                            monochrome, byteCounts, log,       downloader};
+                            monochrome, byteCounts, log,       network};
     NotificationCenter notifications;
     ModalStack modals;
     QuickOverlayStage stage;
     DesktopUrlOpener urls(root);
-    HelpSite help;
-    const AboutServices about{log, urls, help, PropertyList::dictionary()};
+    const AboutServices about{log, urls, network, PropertyList::dictionary()};
     const auto tabs = makeInterfaceLayout(platform, notifications, about, modals);
     tabs->loadViewIfNeeded();
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
-    engine.addImageProvider(QLatin1String(ApplicationIconProvider::name),
-                            new ApplicationIconProvider(icons));
+    engine.addImageProvider(
+        QLatin1String(ApplicationIconProvider::name),
+        new ApplicationIconProvider([&icons](const std::string& bundlePath, unsigned pixels) {
+            return icons.iconOfBundle(bundlePath, pixels);
+        }));
     engine.setInitialProperties({{QStringLiteral("root"), QVariant::fromValue(tabs.get())},
                                  {QStringLiteral("stage"), QVariant::fromValue(&stage)}});
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Dubrix/Main.qml")));

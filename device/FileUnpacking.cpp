@@ -26,6 +26,11 @@ Failure cannotUnpack(const ZipEntry& entry) {
     return systemFailure("cannot be unpacked at " + entry.name);
 }
 
+std::uint64_t bytesIn(const std::vector<ZipEntry>& files) {
+    const auto add = [](std::uint64_t sum, const ZipEntry& file) { return sum + file.size; };
+    return std::accumulate(files.begin(), files.end(), std::uint64_t{0}, add);
+}
+
 /// Large files by size, then the others as they follow one another in the archive.
 std::vector<std::size_t> orderOf(const std::vector<ZipEntry>& files) {
     std::vector<std::size_t> order(files.size());
@@ -42,19 +47,17 @@ std::vector<std::size_t> orderOf(const std::vector<ZipEntry>& files) {
 } // namespace
 
 FileUnpacking::FileUnpacking(const std::vector<ZipEntry>& files, int archive, int root,
-                             const StepHook& step)
+                             const StepHook& step, const Progress& progress)
     : files_(files),
       archive_(archive),
       root_(root),
       step_(step),
+      progress_(progress),
+      total_(bytesIn(files)),
       order_(orderOf(files)) {}
 
 std::size_t FileUnpacking::workers() const {
-    const auto add = [](std::uint64_t sum, const ZipEntry& file) {
-        return sum + file.size + effortOfFile;
-    };
-    const std::uint64_t effort =
-        std::accumulate(files_.begin(), files_.end(), std::uint64_t{0}, add);
+    const std::uint64_t effort = total_ + files_.size() * effortOfFile;
     const std::size_t most = std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1,
                                                      std::min(mostWorkers, files_.size() + 1));
     return std::clamp<std::size_t>(effort / effortOfWorker, 1, most);
@@ -82,7 +85,7 @@ void FileUnpacking::work() {
     }
 }
 
-Outcome FileUnpacking::unpack(const ZipEntry& entry, ZipEntryReader& reader) const {
+Outcome FileUnpacking::unpack(const ZipEntry& entry, ZipEntryReader& reader) {
     Descriptor file(::openat(root_, entry.name.c_str(),
                              O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file.isOpen())
@@ -90,12 +93,21 @@ Outcome FileUnpacking::unpack(const ZipEntry& entry, ZipEntryReader& reader) con
     Outcome done = reader.read(entry, [&](std::string_view bytes) -> Outcome {
         if (!writeAll(file.get(), bytes))
             return cannotUnpack(entry);
+        count(bytes.size());
         return Success{};
     });
     // After the writing and past the process's mask, which would take bits away.
     if (done && (::fchmod(file.get(), entry.permissions) != 0 || !file.close()))
         return cannotUnpack(entry);
     return done;
+}
+
+void FileUnpacking::count(std::uint64_t bytes) {
+    if (!progress_)
+        return;
+    const std::scoped_lock lock(recording_);
+    unpacked_ += bytes;
+    progress_(unpacked_, total_);
 }
 
 void FileUnpacking::record(std::size_t index, Outcome done) {

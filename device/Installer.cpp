@@ -51,9 +51,10 @@ Failure about(const std::string& subject, const Failure& failure) {
 
 } // namespace
 
-Installer::Installer(fs::path root, StepHook step)
+Installer::Installer(fs::path root, StepHook step, Progress progress)
     : registry_(std::move(root)),
-      step_(step ? std::move(step) : [](std::string_view) {}) {}
+      step_(step ? std::move(step) : [](std::string_view) {}),
+      progress_(std::move(progress)) {}
 
 Result<BundleInfo> Installer::install(const fs::path& file) {
     const std::string subject = file.filename().native();
@@ -104,7 +105,7 @@ Outcome Installer::place(const ArchivedBundle& bundle, const LinkTargets& links,
     if (!staging)
         return staging.failure();
     step_("staging made");
-    Outcome done = unpackBundle(bundle, links, archive, staging->folder.get(), step_);
+    Outcome done = unpackBundle(bundle, links, archive, staging->folder.get(), step_, progress_);
     if (done)
         done = store->publish(*staging);
     if (!done) {
@@ -152,7 +153,7 @@ Outcome Installer::exportTo(const std::string& identifier, const fs::path& file)
     const std::optional<std::string> path = registry_.pathOf(identifier);
     if (!path)
         return Failure{identifier + ": is not installed"};
-    if (Outcome done = exportBundle(registry_.hostPath(*path), file); !done)
+    if (Outcome done = exportBundle(registry_.hostPath(*path), file, progress_); !done)
         return about(file.filename().native(), done.failure());
     return Success{};
 }

@@ -19,8 +19,10 @@ namespace dubrix {
 /// path, or with the identifier, that it concerns.
 class Installer {
 public:
-    /// `root` is the folder that is the device; `step` is told of each step done.
-    explicit Installer(std::filesystem::path root = "/", StepHook step = {});
+    /// `root` is the folder that is the device; `step` is told of each step done, `progress` of the
+    /// bytes unpacked or packed by each operation.
+    explicit Installer(std::filesystem::path root = "/", StepHook step = {},
+                       Progress progress = {});
 
     /// Installs the application of an archive, in place of an installed one with the same
     /// identifier; gives what its bundle says of itself, identifier included. A refused archive
@@ -54,6 +56,7 @@ private:
 
     Registry registry_;
     StepHook step_;
+    Progress progress_;
 };
 
 } // namespace dubrix

@@ -3,7 +3,8 @@
 # shellcheck shell=bash
 
 # Gives, in `mapped`, the arguments with each absolute path below /tmp, /var and /Applications moved
-# below DUBRIX_ROOT. ".." is taken out of such paths by their text, so that none climbs out.
+# below DUBRIX_ROOT. ".." is taken out of such paths by their text, so that none climbs out; out of
+# relative ones as well, when the working folder is on the device.
 dubrix_map_paths() {
     mapped=()
     local argument
@@ -13,6 +14,13 @@ dubrix_map_paths() {
         /tmp | /tmp/* | /var | /var/* | /Applications | /Applications/*)
             dubrix_without_dots "$argument"
             argument=$DUBRIX_ROOT$plain
+            ;;
+        /*) ;;
+        .. | ../* | */.. | */../*)
+            if [[ $PWD/ == "$DUBRIX_ROOT"/* ]]; then
+                dubrix_without_dots "${PWD#"$DUBRIX_ROOT"}/$argument"
+                argument=$DUBRIX_ROOT$plain
+            fi
             ;;
         esac
         mapped+=("$argument")

@@ -21,7 +21,7 @@ public:
     /// The value in `bytes`, whichever form they have; nothing for damaged, truncated, cyclic or
     /// absurdly deep (more than 256 levels) or large input (more than 128 MiB or 2^20 values,
     /// shared ones counted wherever they appear). Never throws on bad input. Sets, integers beyond
-    /// 64 bits and texts with zero characters count as damage.
+    /// 64 bits, UIDs beyond 32 and texts with zero characters count as damage.
     static std::optional<PropertyList> parse(std::string_view bytes);
 
     static PropertyList dictionary();

@@ -129,11 +129,13 @@ private:
         return bytes.has_value();
     }
 
+    /// No other form has room for more than 32 bits.
     bool uid(std::size_t width, Node& out) {
         const auto bytes = take(width);
-        if (bytes)
-            out.value = Node::Uid{bigEndian(*bytes)};
-        return bytes.has_value();
+        if (!bytes || bigEndian(*bytes) > std::numeric_limits<std::uint32_t>::max())
+            return false;
+        out.value = Node::Uid{bigEndian(*bytes)};
+        return true;
     }
 
     bool data(Node& out) {

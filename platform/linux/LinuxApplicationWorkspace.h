@@ -1,7 +1,7 @@
 #pragma once
 
+#include "device/RegistryLinks.h"
 #include "platform/ApplicationWorkspace.h"
-#include "platform/linux/RegistryLinks.h"
 
 namespace dubrix {
 

@@ -2,6 +2,7 @@
 
 #include "formats/WholeFile.h"
 #include "platform/linux/FolderSizes.h"
+#include "platform/linux/PaintingWait.h"
 
 #include <algorithm>
 
@@ -93,12 +94,14 @@ bool LinuxFileManager::removeItemAtPath(const std::string& path) {
     const fs::path parent = fs::canonical(item.parent_path(), error);
     if (error || !isBelow(tmp, parent)) // the way there led through a link to somewhere else
         return false;
-    fs::remove_all(item, error);
+    waitWhilePainting([&item, &error] { fs::remove_all(item, error); });
     return !error && fs::symlink_status(item, error).type() == fs::file_type::not_found;
 }
 
 std::vector<std::int64_t> LinuxFileManager::sizesOfItemsBelowPath(const std::string& path) const {
-    return sizesBelow(resolve(path));
+    std::vector<std::int64_t> sizes;
+    waitWhilePainting([&, folder = resolve(path)] { sizes = sizesBelow(folder); });
+    return sizes;
 }
 
 std::optional<std::string> LinuxFileManager::contentsAtPath(const std::string& path) const {

@@ -7,6 +7,7 @@
 namespace dubrix {
 
 /// Files of the device whose root folder is `root` ("/" inside the device's own namespace).
+/// Removing a folder and listing one can take long: the window goes on painting meanwhile.
 class LinuxFileManager final : public FileManager {
 public:
     explicit LinuxFileManager(std::filesystem::path root) : root_(std::move(root)) {}

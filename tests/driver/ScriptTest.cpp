@@ -18,10 +18,10 @@ std::string parsed(const std::string& line) {
     if (!result.step)
         return "nothing";
     const ScriptStep& step = *result.step;
-    static const char* const verbs[] = {"tap", "type", "wait", "expect", "absent", "shot"};
+    static const char* const verbs[] = {"tap", "type", "wait", "gone", "expect", "absent", "shot"};
     std::string text = verbs[static_cast<int>(step.verb)];
     text += "|" + step.target + "|" + step.text;
-    if (step.verb == ScriptStep::Verb::Wait)
+    if (step.waits())
         text += "|" + std::to_string(static_cast<int>(step.seconds * 100));
     return text;
 }
@@ -76,6 +76,7 @@ TEST(ScriptStep, ReadsEveryForm) {
         {R"(wait "Duplicates: 0")", "wait|Duplicates: 0||1000"},
         {R"(wait "Duplicates: 0" 3600)", "wait|Duplicates: 0||360000"},
         {"wait 5", "wait|5||1000"},
+        {"gone Please wait... 60", "gone|Please wait...||6000"},
         {"shot a folder/one.png", "shot|a folder/one.png|"},
         {"tap", "error: a name, text or file is missing"},
         {R"(expect "")", "error: a name, text or file is missing"},

@@ -138,8 +138,9 @@ TEST(PropertyListBounds, KeepsNullsAndDatesThatXmlCannotHold) {
 
 TEST(PropertyListBounds, RefusesDamagedBinaries) {
     const std::vector<std::string> bad[] = {
-        {"\x0F"},     // fill byte
-        {"\x20\x01"}, // real of one byte
+        {"\x0F"},                  // fill byte
+        {"\x20\x01"},              // real of one byte
+        {"\x87\0\0\0\1\0\0\0\0"s}, // UID of more than 32 bits
         {"\x14\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0"s},
         {"\x5F\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"},
         {"\xAF\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"},

@@ -160,7 +160,7 @@ TEST(LinuxApplicationIconsTest, GivesTheFirstIconThatCanBeDrawn) {
     EXPECT_EQ(picture->width, 3U);
     EXPECT_EQ(picture->height, 2U);
     for (std::size_t sample = 0; sample < 4; ++sample)
-        EXPECT_EQ(picture->rgba[20 + sample], pixels[5][sample]) << sample;
+        EXPECT_EQ(picture->bytes[20 + sample], pixels[5][sample]) << sample;
     putFile(bundle / "A.png", whole);
     EXPECT_EQ(icons.iconOfBundle("/var/It.app", 58)->width, 60U);
 }

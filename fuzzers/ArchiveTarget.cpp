@@ -1,0 +1,246 @@
+#include "device/FileTree.h"
+#include "device/ZipEntryReader.h"
+#include "fuzzers/Mutation.h"
+#include "tests/device/DeviceFolder.h"
+
+#include <sys/mman.h>
+
+namespace dubrix::fuzz {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string installedBefore = "com.example.before";
+
+/// A device that has an application, with something beside it that is none of an installer's
+/// business.
+struct Place {
+    Place() {
+        putFile(device.folder() / "beside", "untouched");
+        const auto archive = device.application(installedBefore, "1", {{"file", "old"}});
+        require(bool(device.installer().install(archive)), "a sound archive is installed");
+        fs::remove(archive);
+    }
+    Place(const Place&) = delete;
+    Place& operator=(const Place&) = delete;
+
+    std::map<std::string, std::string> everything() const {
+        auto all = device.snapshot();
+        for (const auto& entry : fs::directory_iterator(device.folder().path()))
+            all[entry.path().native()] = entry.is_regular_file() ? contentsOf(entry.path()) : "";
+        return all;
+    }
+
+    DeviceFolder device;
+};
+
+/// Bundle-relative name to type, permissions and content.
+std::map<std::string, std::string> treeOf(const fs::path& bundle) {
+    std::map<std::string, std::string> tree;
+    for (const auto& entry : fs::recursive_directory_iterator(bundle)) {
+        struct stat status {};
+        ::lstat(entry.path().c_str(), &status);
+        std::string& content = tree[entry.path().lexically_relative(bundle).native()];
+        content = std::to_string(status.st_mode) + " ";
+        if (S_ISLNK(status.st_mode)) {
+            content += fs::read_symlink(entry.path()).native();
+            std::error_code circular;
+            const auto target = fs::weakly_canonical(entry.path(), circular).native();
+            require(!circular && (target + "/").starts_with(bundle.native() + "/"),
+                    "no link leads out of its bundle");
+            continue;
+        }
+        require(S_ISDIR(status.st_mode) || S_ISREG(status.st_mode),
+                "a bundle holds files, folders and links");
+        require((status.st_mode & 07002) == 0, "nothing is set-id, sticky or open to everybody");
+        if (S_ISREG(status.st_mode))
+            content += contentsOf(entry.path());
+    }
+    return tree;
+}
+
+/// What else must hold once an archive was accepted.
+void requireInstalled(Place& place, const std::string& identifier) {
+    const DeviceFolder& device = place.device;
+    require(Registry::isUsableIdentifier(identifier) && device.registry().isInstalled(identifier),
+            "what is said to be installed is installed");
+    require(identifier == installedBefore || device.versionOf(installedBefore) == "1",
+            "another application stays as it was");
+    require(identifier != "com.example.settings" &&
+                device.registry().isSystemApplication("com.example.settings"),
+            "a system application stays");
+    require(device.leftovers() == 0, "an installation leaves nothing lying about");
+    require(contentsOf(device.folder() / "beside") == "untouched", "nothing beside is touched");
+    const auto tree = treeOf(device.installed(identifier));
+    require(tree.contains("Info.plist"), "an installed bundle has its property list");
+
+    const auto exported = device.folder() / "exported.ipa";
+    require(bool(device.installer().exportTo(identifier, exported)),
+            "what is installed can be exported");
+    const DeviceFolder other;
+    const auto again = other.installer().install(exported);
+    require(bool(again), "an exported application can be installed");
+    require(treeOf(other.installed(identifier)) == tree, "an export is the whole application");
+    require(bool(device.installer().uninstall(identifier)) &&
+                !device.registry().isInstalled(identifier) && device.leftovers() == 0,
+            "what is installed can be removed");
+}
+
+const std::vector<std::string>& names() {
+    static const std::vector<std::string> all = {"..",
+                                                 "/",
+                                                 "Payload/",
+                                                 "Payload/X.app/",
+                                                 "Payload/Y.app/",
+                                                 "._X.app",
+                                                 "./",
+                                                 "//",
+                                                 "\\",
+                                                 "a",
+                                                 "a/b",
+                                                 "Info.plist",
+                                                 "caf\xc3\xa9",
+                                                 "e\xcc\x81",
+                                                 "\xff\xfe",
+                                                 "\n",
+                                                 "~",
+                                                 "CON",
+                                                 "C:",
+                                                 std::string(1, '\0'),
+                                                 std::string(255, 'n'),
+                                                 std::string(256, 'n')};
+    return all;
+}
+
+std::string anyInfo(Random& random) {
+    static const std::vector<std::string> identifiers = {
+        installedBefore, "com.example.new", "com.example.settings", "..", "a/b", "", " ",
+        "\x7f",          "caf\xc3\xa9",     std::string(255, 'i')};
+    return infoPlist(anyOf(identifiers, random));
+}
+
+std::vector<ZipItem> itemsOf(const std::string& bytes) {
+    std::vector<ZipItem> items;
+    const Descriptor file(::memfd_create("archive", MFD_CLOEXEC));
+    if (!writeAll(file.get(), bytes))
+        return items;
+    auto entries = readZipDirectory(file.get());
+    if (!entries)
+        return items;
+    constexpr mode_t kinds[] = {S_IFREG, S_IFDIR, S_IFLNK, S_IFIFO};
+    constexpr std::size_t most = 4096;
+    ZipEntryReader reader(file.get());
+    for (const ZipEntry& entry : *entries) {
+        auto data = reader.readWhole(entry, most);
+        items.push_back({.name = entry.name,
+                         .data = data ? *data : "",
+                         .mode = kinds[static_cast<std::size_t>(entry.kind)] | entry.permissions,
+                         .method = entry.method});
+    }
+    return items;
+}
+
+void changeItem(ZipItem& item, Random& random) {
+    static const std::vector<mode_t> modes = {
+        S_IFREG | 0644, S_IFREG | 06777, S_IFREG, S_IFLNK | 0777, S_IFDIR | 0755, S_IFDIR,
+        S_IFIFO,        S_IFBLK,         0,       07777,          S_IFDIR | 01777};
+    static const std::vector<std::string> targets = {"..", "../..", "/etc", "a", ".", "a/b/..", ""};
+    switch (below(9, random)) {
+    case 0:
+        item.name = withChangedBytes(item.name, random);
+        return;
+    case 1:
+        item.name += anyOf(names(), random);
+        return;
+    case 2:
+        item.mode = anyOf(modes, random);
+        return;
+    case 3:
+        item.mode = S_IFLNK | 0777;
+        item.data = anyOf(targets, random);
+        return;
+    case 4:
+        item.data = once(2, random) ? anyInfo(random) : withChangedBytes(item.data, random);
+        return;
+    case 5:
+        item.method = once(4, random) ? static_cast<unsigned>(random() & 0xff) : 8 - item.method;
+        return;
+    case 6:
+        item.host = static_cast<unsigned>(below(20, random));
+        return;
+    case 7:
+        item.flags = 1U << below(16, random);
+        return;
+    default:
+        if (once(2, random))
+            item.claimedSize = troublesome(random);
+        else
+            item.crcError = 1;
+    }
+}
+
+} // namespace
+
+void tryInput(std::string_view bytes) {
+    static auto place = std::make_unique<Place>();
+    const auto archive = place->device.archive("tried.ipa", std::string(bytes));
+    const auto before = place->everything();
+    auto installed = place->device.installer().install(archive);
+    if (!installed) {
+        require(!installed.failure().text.empty(), "a refusal has a reason");
+        require(place->everything() == before, "a refused archive changes nothing");
+        return;
+    }
+    requireInstalled(*place, installed->identifier.value_or(""));
+    place = std::make_unique<Place>();
+}
+
+std::vector<std::string> seeds() {
+    const ZipItem info{"Payload/X.app/Info.plist", infoPlist("com.example.new")};
+    const std::vector<ZipItem> rich = {
+        {"Payload/", "", S_IFDIR | 0755},
+        {"Payload/X.app/", "", S_IFDIR | 0750},
+        info,
+        {"Payload/X.app/X", std::string(2000, 'x'), S_IFREG | 0755, 8},
+        {"Payload/X.app/a/b/c", "deep", 0, 0, 0, 0},
+        {"Payload/X.app/a/link", "../X", S_IFLNK | 0777},
+        {"Payload/X.app/caf\xc3\xa9", "", S_IFREG | 06777, 8, 0x800},
+        {"__MACOSX/Payload/._X.app", "beside"},
+        {"iTunesMetadata.plist", "beside", S_IFREG | 0644, 8}};
+    const ZipBytes wide = zipWithHole({info, {"Payload/X.app/large", "ab"}}, 30);
+    return {zipOf({info}),
+            zipOf(rich),
+            wide.head + std::string(30, '\0') + wide.tail,
+            "a program in front" + zipOf({info}),
+            zipOf({{"Payload/X.app/Info.plist", infoPlist(installedBefore, "2"), 0100644, 8}}),
+            zipOf({})};
+}
+
+const std::vector<std::string>& vocabulary() {
+    static const std::vector<std::string> words = [] {
+        std::vector<std::string> all = names();
+        for (const char* signature : {"PK\1\2", "PK\3\4", "PK\5\6", "PK\6\6", "PK\6\7"})
+            all.emplace_back(signature);
+        return all;
+    }();
+    return words;
+}
+
+std::string restructured(const std::string& bytes, Random& random) {
+    std::vector<ZipItem> items = itemsOf(bytes);
+    if (items.empty())
+        return withChangedBytes(bytes, random);
+    for (std::size_t changes = 1 + below(3, random); changes > 0; --changes) {
+        const auto index = static_cast<long>(below(items.size(), random));
+        if (once(6, random))
+            items.insert(items.begin() + index, ZipItem(anyOf(items, random)));
+        else if (items.size() > 1 && once(6, random))
+            items.erase(items.begin() + index);
+        else
+            changeItem(anyOf(items, random), random);
+    }
+    return once(8, random) ? withChangedBytes(zipOf(items), random) : zipOf(items);
+}
+
+} // namespace dubrix::fuzz

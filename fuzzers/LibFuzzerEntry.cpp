@@ -1,0 +1,27 @@
+#include "fuzzers/Mutation.h"
+
+#include <cstring>
+
+using namespace dubrix::fuzz;
+
+extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t capacity);
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    tryInput({reinterpret_cast<const char*>(data), size});
+    return 0;
+}
+
+/// Half of the changes are libFuzzer's own, which learn from what the code compares.
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
+                                               std::size_t capacity, unsigned seed) {
+    Random random(seed);
+    if (once(2, random))
+        return LLVMFuzzerMutate(data, size, capacity);
+    const std::string bytes(reinterpret_cast<const char*>(data), size);
+    const std::string changed =
+        once(4, random) ? withChangedBytes(bytes, random) : restructured(bytes, random);
+    if (changed.size() > capacity)
+        return LLVMFuzzerMutate(data, size, capacity);
+    std::memcpy(data, changed.data(), changed.size());
+    return changed.size();
+}

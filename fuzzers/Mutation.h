@@ -1,0 +1,25 @@
+#pragma once
+
+#include "fuzzers/Target.h"
+
+#include <cstdint>
+
+namespace dubrix::fuzz {
+
+/// A number from 0 to `limit` - 1; 0 when `limit` is 0.
+std::size_t below(std::size_t limit, Random& random);
+/// True once in `times`.
+bool once(std::size_t times, Random& random);
+
+/// A number at which code is apt to stumble: a power of two, one beside it, or any.
+std::uint64_t troublesome(Random& random);
+
+/// One to four small changes of bytes, pieces of the vocabulary put in among them.
+std::string withChangedBytes(std::string bytes, Random& random);
+
+template<class Container>
+auto& anyOf(Container& container, Random& random) {
+    return container[below(container.size(), random)];
+}
+
+} // namespace dubrix::fuzz

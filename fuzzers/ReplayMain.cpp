@@ -1,0 +1,120 @@
+#include "fuzzers/Mutation.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using namespace dubrix::fuzz;
+
+namespace {
+
+std::string contentsOf(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void put(const fs::path& file, const std::string& bytes) {
+    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
+    stream << bytes;
+    if (!stream.flush())
+        std::fprintf(stderr, "%s cannot be written\n", file.c_str());
+}
+
+int writeSeeds(const fs::path& folder) {
+    int number = 0;
+    for (const std::string& seed : seeds())
+        put(folder / ("seed-" + std::to_string(++number)), seed);
+    return 0;
+}
+
+/// The file itself, or the files of the folder in the order of their names; nothing where nothing
+/// is.
+std::vector<std::string> filesAt(const fs::path& path) {
+    if (fs::is_regular_file(path))
+        return {contentsOf(path)};
+    std::vector<fs::path> paths;
+    std::error_code none;
+    for (const auto& entry : fs::directory_iterator(path, none))
+        paths.push_back(entry.path());
+    std::sort(paths.begin(), paths.end());
+    std::vector<std::string> files;
+    std::transform(paths.begin(), paths.end(), std::back_inserter(files), contentsOf);
+    return files;
+}
+
+/// Tries inputs, each of which stands in a file meanwhile, so that it is there after a crash of any
+/// kind. The file goes at the end.
+class NotedTrial {
+public:
+    explicit NotedTrial(const fs::path& file)
+        : file_(file),
+          descriptor_(::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644)) {}
+    ~NotedTrial() {
+        ::close(descriptor_);
+        fs::remove(file_);
+    }
+    NotedTrial(const NotedTrial&) = delete;
+    NotedTrial& operator=(const NotedTrial&) = delete;
+
+    void operator()(const std::string& input) const {
+        const auto size = static_cast<off_t>(input.size());
+        require(::pwrite(descriptor_, input.data(), input.size(), 0) == size &&
+                    ::ftruncate(descriptor_, size) == 0,
+                "the input can be noted");
+        tryInput(input);
+    }
+
+private:
+    fs::path file_;
+    int descriptor_;
+};
+
+constexpr std::size_t largestKept = std::size_t{16} << 10;
+
+int replay(std::vector<std::string> inputs, std::size_t mutations, const fs::path& last) {
+    const NotedTrial trial(last);
+    for (const std::string& input : inputs)
+        trial(input);
+    const std::size_t whole = inputs.size();
+    Random random(1);
+    for (std::size_t count = 0; count < mutations; ++count) {
+        const std::string& input = anyOf(inputs, random);
+        std::string changed =
+            once(2, random) ? restructured(input, random) : withChangedBytes(input, random);
+        trial(changed);
+        // Some go on from where others have come, as long as they stay small.
+        if (changed.size() > largestKept)
+            continue;
+        if (inputs.size() < 8 * whole)
+            inputs.push_back(std::move(changed));
+        else if (once(4, random))
+            inputs[whole + below(inputs.size() - whole, random)] = std::move(changed);
+    }
+    std::printf("%zu inputs and %zu changed ones\n", whole, mutations);
+    return 0;
+}
+
+} // namespace
+
+/// seeds FOLDER: writes the seeds there.
+/// try MUTATIONS LAST [PATH...]: tries the seeds, the files at the paths, and as many inputs
+/// changed from those, the same ones each time. LAST is the file for the input that is tried.
+int main(int count, char** arguments) {
+    const std::vector<std::string> words(arguments + 1, arguments + count);
+    if (words.size() == 2 && words[0] == "seeds")
+        return writeSeeds(words[1]);
+    if (words.size() < 3 || words[0] != "try") {
+        std::fprintf(stderr, "Usage: %s seeds FOLDER | try MUTATIONS LAST [PATH...]\n",
+                     arguments[0]);
+        return 2;
+    }
+    std::vector<std::string> inputs = seeds();
+    for (std::size_t index = 3; index < words.size(); ++index)
+        for (std::string& file : filesAt(words[index]))
+            inputs.push_back(std::move(file));
+    return replay(std::move(inputs), std::stoul(words[1]), words[2]);
+}

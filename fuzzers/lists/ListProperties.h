@@ -1,0 +1,15 @@
+#pragma once
+
+#include "formats/PropertyListNode.h"
+#include "fuzzers/Target.h"
+
+namespace dubrix::fuzz {
+
+/// What must hold of every value that a reader has accepted: each writer's output is read again as
+/// the same value, as far as the form can hold it, and is written again byte by byte.
+void requireRoundTrips(const PropertyListNode& value);
+
+/// What must hold of any bytes that are taken for a property list, whatever their form.
+void requireListIsUsable(std::string_view bytes);
+
+} // namespace dubrix::fuzz

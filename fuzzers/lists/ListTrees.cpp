@@ -1,0 +1,156 @@
+#include "fuzzers/lists/ListTrees.h"
+
+#include <bit>
+#include <limits>
+
+namespace dubrix::fuzz {
+
+namespace {
+
+using Node = PropertyListNode;
+
+const std::vector<std::string>& texts() {
+    using namespace std::string_literals;
+    static const std::vector<std::string> all = {"",
+                                                 "a",
+                                                 "CF$UID",
+                                                 "CFBundleIdentifier",
+                                                 "two words",
+                                                 "0x1F",
+                                                 "-",
+                                                 "1e400",
+                                                 "<null>",
+                                                 "\"quoted\\\"",
+                                                 "tab\tline\nreturn\r",
+                                                 "\x01\x7f",
+                                                 "]]>&lt;",
+                                                 "/* no comment */",
+                                                 "caf\xc3\xa9",
+                                                 "\xef\xbf\xbd\xef\xbf\xbf",
+                                                 "\xf0\x9f\x8c\xbf",
+                                                 "\xe2\x80\xae",
+                                                 std::string(15, 'x'),
+                                                 std::string(300, 'y')};
+    return all;
+}
+
+Node anyNumber(Random& random) {
+    const std::uint64_t bits = troublesome(random);
+    switch (below(4, random)) {
+    case 0:
+        return {std::bit_cast<double>(bits)};
+    case 1:
+        return {Node::Date{once(2, random) ? std::bit_cast<double>(bits)
+                                           : static_cast<double>(bits % 300000000000)}};
+    case 2:
+        return {Node::Uid{bits & 0xFFFFFFFF}};
+    default:
+        if (bits > std::numeric_limits<std::int64_t>::max() && once(2, random))
+            return {bits};
+        return {static_cast<std::int64_t>(bits)};
+    }
+}
+
+Node anyScalar(Random& random) {
+    switch (below(6, random)) {
+    case 0:
+        return {Node::Null{}};
+    case 1:
+        return {once(2, random)};
+    case 2:
+        return {Node::Data{anyOf(texts(), random)}};
+    case 3:
+        return {anyOf(texts(), random)};
+    default:
+        return anyNumber(random);
+    }
+}
+
+std::size_t childCount(const Node& node) {
+    if (const auto* values = node.as<Node::Array>())
+        return values->size();
+    const auto* entries = node.as<Node::Dictionary>();
+    return entries == nullptr ? 0 : entries->size();
+}
+
+Node& child(Node& node, std::size_t index) {
+    auto* values = node.as<Node::Array>();
+    return values != nullptr ? (*values)[index] : (*node.as<Node::Dictionary>())[index].value;
+}
+
+/// Adds to a container; a key that is there already stays as it is.
+void add(Node& node, Node value, Random& random) {
+    if (auto* values = node.as<Node::Array>())
+        values->insert(values->begin() + static_cast<long>(below(values->size() + 1, random)),
+                       std::move(value));
+    if (auto* entries = node.as<Node::Dictionary>()) {
+        std::string key = anyOf(texts(), random);
+        for (const Node::Entry& entry : *entries)
+            if (entry.key == key)
+                return;
+        entries->push_back({std::move(key), std::move(value)});
+    }
+}
+
+void removeOne(Node& node, Random& random) {
+    const auto index = static_cast<long>(below(childCount(node), random));
+    if (auto* values = node.as<Node::Array>(); values != nullptr && !values->empty())
+        values->erase(values->begin() + index);
+    if (auto* entries = node.as<Node::Dictionary>(); entries != nullptr && !entries->empty())
+        entries->erase(entries->begin() + index);
+}
+
+} // namespace
+
+PropertyListNode anyTree(Random& random, int levels) {
+    if (levels == 0 || once(3, random))
+        return anyScalar(random);
+    Node node = once(2, random) ? Node{Node::Array{}} : Node{Node::Dictionary{}};
+    for (std::size_t count = below(5, random); count > 0; --count)
+        add(node, anyTree(random, levels - 1), random);
+    return node;
+}
+
+void changeTree(PropertyListNode& root, Random& random) {
+    Node* place = &root;
+    while (childCount(*place) > 0 && !once(4, random))
+        place = &child(*place, below(childCount(*place), random));
+    switch (below(5, random)) {
+    case 0:
+        add(*place, anyTree(random, 1), random);
+        return;
+    case 1:
+        removeOne(*place, random);
+        return;
+    case 2:
+        if (childCount(*place) > 0)
+            add(*place, Node(child(*place, below(childCount(*place), random))), random);
+        return;
+    case 3: {
+        Node inner = std::move(*place);
+        *place = once(2, random) ? Node{Node::Array{}} : Node{Node::Dictionary{}};
+        add(*place, std::move(inner), random);
+        return;
+    }
+    default:
+        *place = anyTree(random, 2);
+    }
+}
+
+std::vector<PropertyListNode> sampleTrees() {
+    Random random(2001);
+    std::vector<Node> trees;
+    Node every{Node::Dictionary{}};
+    for (const std::string& text : texts())
+        every.as<Node::Dictionary>()->push_back({text, {text}});
+    trees.push_back(std::move(every));
+    Node numbers{Node::Array{}};
+    for (int count = 0; count < 40; ++count)
+        numbers.as<Node::Array>()->push_back(anyScalar(random));
+    trees.push_back(std::move(numbers));
+    for (int count = 0; count < 12; ++count)
+        trees.push_back(anyTree(random));
+    return trees;
+}
+
+} // namespace dubrix::fuzz
