@@ -28,7 +28,8 @@ Outcome unpackBundle(const ArchivedBundle& bundle, const LinkTargets& links, int
         if (::mkdirat(root.get(), folder.name.c_str(), 0700) != 0)
             return cannotUnpack(folder.name);
     step("folders made");
-    if (Outcome done = FileUnpacking(bundle.files, archive, root.get(), step, progress).run(); !done)
+    if (Outcome done = FileUnpacking(bundle.files, archive, root.get(), step, progress).run();
+        !done)
         return done;
     for (const auto& [name, text] : links)
         if (::symlinkat(text.c_str(), root.get(), name.c_str()) != 0)

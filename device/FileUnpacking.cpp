@@ -26,6 +26,11 @@ Failure cannotUnpack(const ZipEntry& entry) {
     return systemFailure("cannot be unpacked at " + entry.name);
 }
 
+std::uint64_t bytesIn(const std::vector<ZipEntry>& files) {
+    const auto add = [](std::uint64_t sum, const ZipEntry& file) { return sum + file.size; };
+    return std::accumulate(files.begin(), files.end(), std::uint64_t{0}, add);
+}
+
 /// Large files by size, then the others as they follow one another in the archive.
 std::vector<std::size_t> orderOf(const std::vector<ZipEntry>& files) {
     std::vector<std::size_t> order(files.size());
@@ -48,17 +53,11 @@ FileUnpacking::FileUnpacking(const std::vector<ZipEntry>& files, int archive, in
       root_(root),
       step_(step),
       progress_(progress),
-      order_(orderOf(files)) {
-    for (const ZipEntry& file : files)
-        total_ += file.size;
-}
+      total_(bytesIn(files)),
+      order_(orderOf(files)) {}
 
 std::size_t FileUnpacking::workers() const {
-    const auto add = [](std::uint64_t sum, const ZipEntry& file) {
-        return sum + file.size + effortOfFile;
-    };
-    const std::uint64_t effort =
-        std::accumulate(files_.begin(), files_.end(), std::uint64_t{0}, add);
+    const std::uint64_t effort = total_ + files_.size() * effortOfFile;
     const std::size_t most = std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1,
                                                      std::min(mostWorkers, files_.size() + 1));
     return std::clamp<std::size_t>(effort / effortOfWorker, 1, most);
@@ -107,8 +106,8 @@ void FileUnpacking::count(std::uint64_t bytes) {
     if (!progress_)
         return;
     const std::scoped_lock lock(recording_);
-    written_ += bytes;
-    progress_(written_, total_);
+    unpacked_ += bytes;
+    progress_(unpacked_, total_);
 }
 
 void FileUnpacking::record(std::size_t index, Outcome done) {

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <mutex>
 #include <vector>
@@ -19,7 +20,8 @@ namespace dubrix {
 class FileUnpacking {
 public:
     /// Everything given stays the caller's and outlives the unpacking; `root` is the open bundle
-    /// folder. `step` and `progress` are called by one thread at a time, not always the same.
+    /// folder. `step` and `progress`, which counts bytes, are called by one thread at a time, not
+    /// always the same.
     FileUnpacking(const std::vector<ZipEntry>& files, int archive, int root, const StepHook& step,
                   const Progress& progress);
 
@@ -29,24 +31,23 @@ private:
     std::size_t workers() const;
     void work();
     Outcome unpack(const ZipEntry& entry, ZipEntryReader& reader);
-    void record(std::size_t index, Outcome done);
     void count(std::uint64_t bytes);
+    void record(std::size_t index, Outcome done);
 
     const std::vector<ZipEntry>& files_;
     const int archive_;
     const int root_;
     const StepHook& step_;
     const Progress& progress_;
+    std::uint64_t total_;
     /// Indexes of the files: large ones first, so that none is begun when the rest is done.
     std::vector<std::size_t> order_;
     std::atomic<std::size_t> next_{0};
     /// The first file in the archive's order that failed; no later one is begun.
     std::atomic<std::size_t> firstFailed_{std::numeric_limits<std::size_t>::max()};
-    std::mutex recording_;
+    std::mutex recording_; // of what follows
+    std::uint64_t unpacked_ = 0;
     Outcome outcome_ = Success{};
-    /// Bytes written so far, of all.
-    std::uint64_t written_ = 0;
-    std::uint64_t total_ = 0;
 };
 
 } // namespace dubrix

@@ -29,4 +29,17 @@ std::vector<InstalledApplication> InstalledApplications::all() const {
     return applications;
 }
 
+std::optional<std::string> InstalledApplications::pathOf(const std::string& identifier) const {
+    return links_.pathOf(identifier);
+}
+
+std::optional<BundleInfo> InstalledApplications::infoOf(const std::string& identifier) const {
+    const std::optional<std::string> path = links_.pathOf(identifier);
+    if (!path)
+        return std::nullopt;
+    const std::scoped_lock lock(mutex_);
+    const BundleInfo* const info = asked_.read(registry_.hostPathText(*path));
+    return info ? std::optional(*info) : std::nullopt;
+}
+
 } // namespace dubrix

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "device/BundleInfo.h"
-#include "device/Registry.h"
 #include "device/FileStamp.h"
+#include "device/Registry.h"
 
 #include <optional>
 #include <string>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "device/Descriptor.h"
-#include "device/Registry.h"
 #include "device/FileStamp.h"
+#include "device/Registry.h"
 
 #include <mutex>
 #include <optional>

@@ -132,9 +132,10 @@ private:
     /// No other form has room for more than 32 bits.
     bool uid(std::size_t width, Node& out) {
         const auto bytes = take(width);
-        const std::uint64_t number = bytes ? bigEndian(*bytes) : 0;
-        out.value = Node::Uid{number};
-        return bytes && number <= std::numeric_limits<std::uint32_t>::max();
+        if (!bytes || bigEndian(*bytes) > std::numeric_limits<std::uint32_t>::max())
+            return false;
+        out.value = Node::Uid{bigEndian(*bytes)};
+        return true;
     }
 
     bool data(Node& out) {

@@ -5,8 +5,9 @@
 
 namespace dubrix {
 
-/// Answers from the device's registry and what the bundles' Info.plist files say at this moment.
-/// Only those files are read that have changed since they were last asked for. Any thread.
+/// Answers from the device's registry and what the bundles' Info.plist files say at this moment;
+/// for the whole list only those files are read that have changed since it was last asked for. Any
+/// thread.
 class LinuxApplicationList final : public ApplicationList {
 public:
     explicit LinuxApplicationList(const std::filesystem::path& root) : applications_(root) {}

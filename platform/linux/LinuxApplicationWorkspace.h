@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/ApplicationWorkspace.h"
 #include "device/RegistryLinks.h"
+#include "platform/ApplicationWorkspace.h"
 
 namespace dubrix {
 

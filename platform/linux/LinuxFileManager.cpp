@@ -100,7 +100,7 @@ bool LinuxFileManager::removeItemAtPath(const std::string& path) {
 
 std::vector<std::int64_t> LinuxFileManager::sizesOfItemsBelowPath(const std::string& path) const {
     std::vector<std::int64_t> sizes;
-    waitWhilePainting([this, &path, &sizes] { sizes = sizesBelow(resolve(path)); });
+    waitWhilePainting([&, folder = resolve(path)] { sizes = sizesBelow(folder); });
     return sizes;
 }
 
