@@ -2,15 +2,6 @@
 
 namespace dubrix {
 
-std::optional<BundleInfo> InstalledApplications::infoOf(const std::string& identifier) const {
-    const auto path = links_.pathOf(identifier);
-    if (!path)
-        return std::nullopt;
-    const std::scoped_lock lock(mutex_);
-    const BundleInfo* const info = asked_.read(registry_.hostPathText(*path));
-    return info ? std::optional(*info) : std::nullopt;
-}
-
 std::vector<InstalledApplication> InstalledApplications::all() const {
     const std::scoped_lock lock(mutex_);
     std::vector<InstalledApplication> applications;
