@@ -18,12 +18,14 @@
 #include "screens/PrefsViewController.h"
 #include "screens/QuickOverlayStage.h"
 #include "screens/TabBarController.h"
+#include "screens/TemplateImageProvider.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQmlExtensionPlugin>
+#include <QQmlListReference>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTimer>
@@ -136,6 +138,7 @@ int main(int argc, char** argv) {
     tabs->loadViewIfNeeded();
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.addImageProvider(QStringLiteral("template"), new TemplateImageProvider);
     engine.addImageProvider(
         QLatin1String(ApplicationIconProvider::name),
         new ApplicationIconProvider([&icons](const std::string& bundlePath, unsigned pixels) {
@@ -145,7 +148,7 @@ int main(int argc, char** argv) {
                                  {QStringLiteral("stage"), QVariant::fromValue(&stage)}});
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Dubrix/Main.qml")));
     auto& window = *qobject_cast<QQuickWindow*>(engine.rootObjects().constFirst());
-    auto& screen = *tabs->property("viewControllers").value<QList<QObject*>>().constFirst();
+    auto& screen = *QQmlListReference(tabs.get(), "viewControllers").at(0);
     pause(300);
     for (int round = 0; round < 5; ++round)
         open(window, modals, dynamic_cast<PrefsViewController&>(screen), round == 4);

@@ -1,13 +1,9 @@
-#include "formats/PlainXml.h"
 #include "formats/PropertyListReaders.h"
+#include "formats/Unicode.h"
+#include "formats/XmlScalars.h"
+#include "formats/XmlScanner.h"
 
-#include <plist/plist.h>
-
-#include <algorithm>
-#include <bit>
-#include <cstdlib>
 #include <limits>
-#include <memory>
 
 namespace dubrix {
 
@@ -15,73 +11,24 @@ namespace {
 
 using Node = PropertyListNode;
 
-struct FreeValue {
-    void operator()(void* value) const { plist_free(value); }
-};
-struct FreeMemory {
-    void operator()(void* memory) const { std::free(memory); }
-};
-using Value = std::unique_ptr<void, FreeValue>;
-using Memory = std::unique_ptr<void, FreeMemory>;
-
-/// The scalar's object, marker byte first, in the library's own binary form. Only there are the
-/// sign of an integer and all digits of a date to be seen.
-std::string binaryObject(plist_t scalar) {
-    constexpr std::size_t headerLength = 8;
-    char* bytes = nullptr;
-    std::uint32_t length = 0;
-    plist_to_bin(scalar, &bytes, &length);
-    Memory owner(bytes);
-    return length > headerLength ? std::string(bytes + headerLength, length - headerLength) : "";
+std::optional<std::string> documentText(std::string_view bytes) {
+    using namespace std::string_view_literals;
+    if (bytes.starts_with("<\0"sv))
+        return utf8FromUtf16(bytes, ByteOrder::little);
+    if (bytes.starts_with("\0<"sv))
+        return utf8FromUtf16(bytes, ByteOrder::big);
+    if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF"))
+        return utf8FromMarkedText(bytes);
+    std::string encoding = declaredXmlEncoding(bytes);
+    if (encoding == "iso-8859-1" || encoding == "latin1")
+        return utf8FromLatin1(bytes);
+    if (encoding.empty() || encoding == "utf-8" || encoding == "utf8" || encoding == "us-ascii")
+        return utf8FromMarkedText(bytes);
+    return std::nullopt;
 }
 
-double secondsSince2001(plist_t date) {
-    std::uint64_t bits = 0;
-    const std::string object = binaryObject(date);
-    for (char byte : object.substr(std::min<std::size_t>(1, object.size()), sizeof bits))
-        bits = bits << 8 | static_cast<unsigned char>(byte);
-    return std::bit_cast<double>(bits);
-}
-
-std::optional<Node> copyOf(plist_t value);
-
-Node boolean(plist_t value) {
-    std::uint8_t flag = 0;
-    plist_get_bool_val(value, &flag);
-    return {flag != 0};
-}
-
-/// An unsigned number above INT64_MAX takes 16 bytes in the binary form, a negative one 8.
-bool isUnsigned(plist_t value) {
-    return binaryObject(value).starts_with('\x14');
-}
-
-Node integer(plist_t value) {
-    std::uint64_t number = 0;
-    plist_get_uint_val(value, &number);
-    if (number > std::numeric_limits<std::int64_t>::max() && isUnsigned(value))
-        return {number};
-    return {static_cast<std::int64_t>(number)};
-}
-
-std::optional<Node> array(plist_t value) {
-    Node::Array values;
-    plist_array_iter iterator = nullptr;
-    plist_array_new_iter(value, &iterator);
-    Memory owner(iterator);
-    for (;;) {
-        plist_t item = nullptr;
-        plist_array_next_item(value, iterator, &item);
-        if (!item)
-            return Node{std::move(values)};
-        auto copy = copyOf(item);
-        if (!copy)
-            return std::nullopt;
-        values.push_back(std::move(*copy));
-    }
-}
-
-Node asUid(Node dictionary) {
+/// A UID is written as a dictionary in this form.
+Node withUid(Node dictionary) {
     const auto& entries = *dictionary.as<Node::Dictionary>();
     if (entries.size() != 1 || entries[0].key != "CF$UID")
         return dictionary;
@@ -91,73 +38,117 @@ Node asUid(Node dictionary) {
     return {Node::Uid{static_cast<std::uint64_t>(*number)}};
 }
 
-std::optional<Node> dictionary(plist_t value) {
-    PropertyListDictionaryBuilder entries;
-    plist_dict_iter iterator = nullptr;
-    plist_dict_new_iter(value, &iterator);
-    Memory owner(iterator);
-    for (;;) {
-        char* key = nullptr;
-        plist_t item = nullptr;
-        plist_dict_next_item(value, iterator, &key, &item);
-        Memory keyOwner(key);
-        if (!item || !key)
-            return asUid(entries.take());
-        auto copy = copyOf(item);
-        if (!copy)
-            return std::nullopt;
-        entries.put(key, std::move(*copy));
-    }
-}
+class Document {
+public:
+    explicit Document(std::string_view text) : scanner_(text) {}
 
-/// The library's tree as ours.
-std::optional<Node> copyOf(plist_t value) {
-    switch (plist_get_node_type(value)) {
-    case PLIST_BOOLEAN:
-        return boolean(value);
-    case PLIST_UINT:
-        return integer(value);
-    case PLIST_REAL: {
-        double number = 0;
-        plist_get_real_val(value, &number);
-        return Node{number};
+    std::optional<Node> read() {
+        Node value;
+        const auto tag = scanner_.skipProlog() ? scanner_.tag() : std::nullopt;
+        const bool sound =
+            tag && tag->kind != XmlTag::Kind::end &&
+            (tag->name == "plist" ? readPlist(*tag, value) : readValue(*tag, 0, value));
+        return sound && scanner_.skipBetween() && scanner_.atEnd() ? std::optional(std::move(value))
+                                                                   : std::nullopt;
     }
-    case PLIST_DATE:
-        return Node{Node::Date{secondsSince2001(value)}};
-    case PLIST_UID: {
-        std::uint64_t number = 0;
-        plist_get_uid_val(value, &number);
-        return Node{Node::Uid{number}};
+
+private:
+    bool readPlist(const XmlTag& plist, Node& out) {
+        auto tag = nextTag();
+        if (plist.kind != XmlTag::Kind::start || !tag || !readValue(*tag, 0, out))
+            return false;
+        auto end = nextTag();
+        return end && end->kind == XmlTag::Kind::end && end->name == "plist";
     }
-    case PLIST_STRING: {
-        std::uint64_t length = 0;
-        const char* text = plist_get_string_ptr(value, &length);
-        return Node{text ? std::string(text, length) : std::string()};
+
+    std::optional<XmlTag> nextTag() {
+        return scanner_.skipBetween() ? scanner_.tag() : std::nullopt;
     }
-    case PLIST_DATA: {
-        std::uint64_t length = 0;
-        const char* bytes = plist_get_data_ptr(value, &length);
-        return Node{Node::Data{bytes ? std::string(bytes, length) : std::string()}};
+
+    bool readValue(const XmlTag& tag, int depth, Node& out) {
+        if (tag.kind == XmlTag::Kind::end || ++values_ > maximumPropertyListValues)
+            return false;
+        if (tag.name == "array")
+            return depth < maximumPropertyListDepth && readArray(tag, depth + 1, out);
+        if (tag.name == "dict")
+            return depth < maximumPropertyListDepth && readDictionary(tag, depth + 1, out);
+        auto text = elementText(tag);
+        return text && readScalar(tag.name, std::move(*text), out);
     }
-    case PLIST_ARRAY:
-        return array(value);
-    case PLIST_DICT:
-        return dictionary(value);
-    default:
-        return std::nullopt;
+
+    static bool readScalar(std::string_view name, std::string text, Node& out) {
+        if (name == "string") {
+            out.value = std::move(text);
+            return true;
+        }
+        const std::string_view trimmed = trimmedXmlBlanks(text);
+        if (name == "true" || name == "false") {
+            out.value = name == "true";
+            return trimmed.empty();
+        }
+        if (name == "integer")
+            return put(xmlInteger(trimmed), out,
+                       [](Node&& number) { return std::move(number.value); });
+        if (name == "real")
+            return put(xmlReal(trimmed), out, [](double number) { return number; });
+        if (name == "date")
+            return put(xmlDate(trimmed), out, [](double seconds) { return Node::Date{seconds}; });
+        return name == "data" && put(xmlData(text), out, [](std::string&& bytes) {
+                   return Node::Data{std::move(bytes)};
+               });
     }
-}
+
+    template<class Value, class Wrap>
+    static bool put(std::optional<Value> value, Node& out, Wrap wrap) {
+        if (value)
+            out.value = wrap(std::move(*value));
+        return value.has_value();
+    }
+
+    bool readArray(const XmlTag& array, int depth, Node& out) {
+        auto& values = out.value.emplace<Node::Array>();
+        while (array.kind == XmlTag::Kind::start) {
+            const auto tag = nextTag();
+            if (!tag || tag->kind == XmlTag::Kind::end)
+                return tag && tag->name == array.name;
+            if (!readValue(*tag, depth, values.emplace_back()))
+                return false;
+        }
+        return true;
+    }
+
+    bool readDictionary(const XmlTag& dictionary, int depth, Node& out) {
+        PropertyListDictionaryBuilder entries;
+        while (dictionary.kind == XmlTag::Kind::start) {
+            auto tag = nextTag();
+            if (tag && tag->kind == XmlTag::Kind::end && tag->name == dictionary.name)
+                break;
+            if (!tag || tag->kind == XmlTag::Kind::end || tag->name != "key")
+                return false;
+            auto key = elementText(*tag);
+            tag = key ? nextTag() : std::nullopt;
+            Node value;
+            if (!tag || !readValue(*tag, depth, value))
+                return false;
+            entries.put(std::move(*key), std::move(value));
+        }
+        out = withUid(entries.take());
+        return true;
+    }
+
+    std::optional<std::string> elementText(const XmlTag& tag) {
+        return tag.kind == XmlTag::Kind::empty ? std::string() : scanner_.textUntilEnd(tag.name);
+    }
+
+    XmlScanner scanner_;
+    std::size_t values_ = 0;
+};
 
 } // namespace
 
 std::optional<PropertyListNode> readXmlPropertyList(std::string_view bytes) {
-    auto plain = plainXml(bytes);
-    if (!plain || plain->size() > std::numeric_limits<std::uint32_t>::max())
-        return std::nullopt;
-    plist_t value = nullptr;
-    plist_from_xml(plain->data(), static_cast<std::uint32_t>(plain->size()), &value);
-    Value owner(value);
-    return value ? copyOf(value) : std::nullopt;
+    const auto text = documentText(bytes);
+    return text ? Document(*text).read() : std::nullopt;
 }
 
 } // namespace dubrix

@@ -10,6 +10,7 @@ import sys
 import tempfile
 
 from . import archives, device, picker, tint
+from .timing import Failed, Row
 
 MEGABYTE = 1_000_000
 GROUPS = {
@@ -74,8 +75,11 @@ def measure(group, options):
     tools, function = GROUPS[group]
     missing = [tool for tool in tools if not shutil.which(tool)]
     if missing:
-        return [device.Row(group, group, "", note="not installed: " + ", ".join(missing))]
-    rows = function(group, options)
+        return [Row(group, group, "", note="not installed: " + ", ".join(missing))]
+    try:
+        rows = function(group, options)
+    except (Failed, subprocess.CalledProcessError) as failure:
+        return [Row(group, group, "", target=0, note=f"failed: {failure}")]
     return rows if isinstance(rows, list) else [rows]
 
 
@@ -90,6 +94,10 @@ def machine(work):
 def figure(value, unit):
     if value is None:
         return "-"
+    if unit == "s" and value < 1:
+        value, unit = value * 1000, "ms"
+    if unit == "us" and value >= 1000:
+        value, unit = value / 1000, "ms"
     return f"{value:,.{0 if value >= 100 else 2 if value < 10 else 1}f} {unit}"
 
 
@@ -99,9 +107,9 @@ def line(row):
     limit = row.target if row.target is None or row.plain is not None else int(row.target)
     target = "" if limit is None else f"<= {limit}"
     verdict = {True: "met", False: "MISSED", None: ""}[row.met]
+    verdict = " ".join(filter(None, (verdict, row.note)))
     return (f"{row.work:42} {figure(row.ours, row.unit):>10}  {row.against:26}"
-            f"{figure(row.plain, row.unit):>10}  {ratio:>6}  {spread:12} {target:8} {verdict}"
-            f"{row.note}")
+            f"{figure(row.plain, row.unit):>10}  {ratio:>6}  {spread:12} {target:8} {verdict}")
 
 
 def main():

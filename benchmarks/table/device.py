@@ -4,7 +4,7 @@ import statistics
 import subprocess
 
 from . import bundles
-from .timing import Contestant, Row, take_turns
+from .timing import Contestant, Failed, Row, take_turns
 
 FEW, MANY = 10, 10_000
 OPEN_PICKER = """tap Application
@@ -33,7 +33,7 @@ def times(options, works):
     found = {}
     for entry in json.loads(output)["benchmarks"]:
         if entry.get("error_occurred"):
-            raise SystemExit(f"bench: {entry['name']}: {entry['error_message']}")
+            raise Failed(f"{entry['name']}: {entry['error_message']}")
         if entry["run_type"] == "iteration":
             name = entry["run_name"].split("/process_time")[0].split("/real_time")[0]
             found.setdefault(name, []).append((entry["repetition_index"], entry["real_time"]))

@@ -3,7 +3,6 @@ import dataclasses
 import os
 import statistics
 import subprocess
-import sys
 import time
 from typing import Callable
 
@@ -11,28 +10,37 @@ from typing import Callable
 PLAIN = {key: value for key, value in os.environ.items() if key not in ("ZIPOPT", "UNZIP", "BASH_ENV")}
 
 
+class Failed(Exception):
+    """Something did not do what it was to be timed for."""
+
+
 @dataclasses.dataclass
 class Contestant:
     """A command that is timed, and what is done before and after each run without being timed.
-    Its output goes to nobody."""
+    Its output goes to nobody. It runs on `cores`, or on all when these are empty."""
     command: list
     environment: dict = dataclasses.field(default_factory=dict)
+    cores: frozenset = frozenset()
     before: Callable = lambda: None
     after: Callable = lambda: None
     seconds: list = dataclasses.field(default_factory=list)
     processor: list = dataclasses.field(default_factory=list)
     peak: list = dataclasses.field(default_factory=list)
 
+    def choose_cores(self):
+        os.sched_setaffinity(0, self.cores)
+
     def run(self):
         self.before()
         start = time.perf_counter()
         process = subprocess.Popen(self.command, env=PLAIN | self.environment,
-                                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                   preexec_fn=self.choose_cores if self.cores else None)
         _, status, usage = os.wait4(process.pid, 0)
         self.seconds.append(time.perf_counter() - start)
         process.returncode = os.waitstatus_to_exitcode(status)
         if process.returncode != 0:
-            sys.exit(f"bench: ended with {process.returncode}: {self.command}")
+            raise Failed(f"{self.command[0]} ended with {process.returncode}")
         self.processor.append(usage.ru_utime + usage.ru_stime)
         self.peak.append(usage.ru_maxrss / 1024)
         self.after()
@@ -66,6 +74,8 @@ class Row:
 
     @property
     def met(self):
+        if self.ours is None and self.target is not None:
+            return False
         measured = self.ours if self.plain is None else self.ratio
         return None if None in (self.target, measured) else measured <= self.target
 

@@ -69,12 +69,12 @@ def compare_size(group, size, convert, options):
     icon, ours_made, plain_made = (f"{options.work}/{name}-{size}.png"
                                    for name in ("icon", "ours", "imagemagick"))
     write_icon(icon, size)
-    one_core = ["taskset", "-c", str(max(os.sched_getaffinity(0)))]
-    ours = Contestant(one_core + [options.program("benchmarks/tint-file"), icon, ours_made,
-                                  *map(str, COLOR)])
-    plain = Contestant(one_core + imagemagick_command(convert, icon, plain_made),
-                       {"MAGICK_THREAD_LIMIT": "1"})
-    take_turns(2 * options.repetitions, ours, plain)
+    one_core = frozenset({max(os.sched_getaffinity(0))})
+    ours = Contestant([options.program("benchmarks/tint-file"), icon, ours_made,
+                       *map(str, COLOR)], cores=one_core)
+    plain = Contestant(imagemagick_command(convert, icon, plain_made),
+                       {"MAGICK_THREAD_LIMIT": "1"}, cores=one_core)
+    take_turns(4 * options.repetitions, ours, plain)
     row = compared(group, f"tint {size}x{size}, file to file", ours, "ImageMagick 6", plain, 0.2)
     difference = largest_difference(ours_made, plain_made)
     if difference > 1.5:

@@ -1,10 +1,8 @@
-#include "formats/PlainXml.h"
-#include "formats/PropertyListWriters.h"
+#include "formats/XmlScalars.h"
 
-#include <array>
 #include <charconv>
-#include <cmath>
-#include <cstdio>
+#include <chrono>
+#include <cstdint>
 #include <limits>
 
 namespace dubrix {
@@ -23,17 +21,30 @@ bool parsesWhole(std::string_view text, Number& number, Base... base) {
 }
 
 /// A word that stands for no finite number, as the common readers know it.
-std::optional<std::string> specialReal(std::string_view lowered) {
+std::optional<double> specialReal(std::string_view lowered) {
     if (lowered == "nan")
-        return "nan";
+        return std::numeric_limits<double>::quiet_NaN();
     if (lowered == "inf" || lowered == "infinity")
-        return "inf";
+        return std::numeric_limits<double>::infinity();
+    return std::nullopt;
+}
+
+/// The value of a symbol of base64; nothing for other characters.
+std::optional<unsigned> sixBits(char symbol) {
+    if (symbol >= 'A' && symbol <= 'Z')
+        return symbol - 'A';
+    if (symbol >= 'a' && symbol <= 'z')
+        return symbol - 'a' + 26;
+    if (symbol >= '0' && symbol <= '9')
+        return symbol - '0' + 52;
+    if (symbol == '+' || symbol == '/')
+        return symbol == '+' ? 62 : 63;
     return std::nullopt;
 }
 
 } // namespace
 
-std::optional<std::string> plainInteger(std::string_view text) {
+std::optional<PropertyListNode> xmlInteger(std::string_view text) {
     const bool isNegative = text.starts_with('-');
     if (isNegative || text.starts_with('+'))
         text.remove_prefix(1);
@@ -44,40 +55,30 @@ std::optional<std::string> plainInteger(std::string_view text) {
     if (!parsesWhole(text, magnitude, isHexadecimal ? 16 : 10) ||
         (isNegative && magnitude > mostNegative))
         return std::nullopt;
-    return (isNegative && magnitude != 0 ? "-" : "") + std::to_string(magnitude);
+    if (!isNegative && magnitude > std::numeric_limits<std::int64_t>::max())
+        return PropertyListNode{magnitude};
+    return PropertyListNode{static_cast<std::int64_t>(isNegative ? 0 - magnitude : magnitude)};
 }
 
-std::optional<std::string> plainReal(std::string_view text) {
+std::optional<double> xmlReal(std::string_view text) {
     const bool isNegative = text.starts_with('-');
     if (isNegative || text.starts_with('+'))
         text.remove_prefix(1);
-    const std::string sign = isNegative ? "-" : "";
+    const double sign = isNegative ? -1 : 1;
     std::string lowered;
     for (char character : text)
         lowered +=
             character >= 'A' && character <= 'Z' ? static_cast<char>(character + 32) : character;
     if (auto special = specialReal(lowered))
-        return sign + *special;
+        return sign * *special;
     double number = 0;
     if (lowered.find_first_not_of("0123456789.e+-") != lowered.npos || lowered[0] == '-' ||
         !parsesWhole(lowered, number))
         return std::nullopt;
-    // One digit, a point, sixteen digits and an exponent name a double uniquely; the point goes.
-    constexpr int digits = 16;
-    std::array<char, 64> buffer{};
-    auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
-                                std::chars_format::scientific, digits);
-    std::string_view spelling(buffer.data(), static_cast<std::size_t>(result.ptr - buffer.data()));
-    int exponent = 0;
-    std::string_view power = spelling.substr(digits + 3);
-    power.remove_prefix(power.starts_with('+') ? 1 : 0);
-    if (!parsesWhole(power, exponent))
-        return std::nullopt;
-    return sign + spelling[0] + std::string(spelling.substr(2, digits)) + "e" +
-           std::to_string(exponent - digits);
+    return sign * number;
 }
 
-std::optional<std::string> plainDate(std::string_view text) {
+std::optional<double> xmlDate(std::string_view text) {
     const std::size_t yearLength = text.find('-');
     if (yearLength == text.npos || yearLength > 4 || !isDigits(text.substr(0, yearLength)))
         return std::nullopt;
@@ -97,29 +98,42 @@ std::optional<std::string> plainDate(std::string_view text) {
     if (padded.starts_with("0000") || month < 1 || month > 12 || day < 1 || day > 31 ||
         number(11) > 23 || number(14) > 59 || number(17) > 59)
         return std::nullopt;
-    return padded;
+    using namespace std::chrono;
+    const sys_days first = year(number(0) * 100 + number(2)) / month / 1;
+    const seconds since = first + days(day - 1) - sys_days(2001y / January / 1);
+    return static_cast<double>(since.count() + number(11) * 3600 + number(14) * 60 + number(17));
 }
 
-std::optional<std::string> plainBase64(std::string_view text) {
-    std::string symbols;
+std::optional<std::string> xmlData(std::string_view text) {
+    std::string data;
+    data.reserve(text.size() / 4 * 3 + 3);
+    std::uint32_t bits = 0;
+    std::size_t symbols = 0;
     std::size_t padding = 0;
     for (char character : text) {
         if (character == ' ' || character == '\t' || character == '\r' || character == '\n')
             continue;
-        const bool isLetter = (character >= 'A' && character <= 'Z') ||
-                              (character >= 'a' && character <= 'z') ||
-                              (character >= '0' && character <= '9');
-        if (character == '=')
+        if (character == '=') {
             ++padding;
-        else if (padding != 0 || (!isLetter && character != '+' && character != '/'))
+            continue;
+        }
+        const auto value = sixBits(character);
+        if (padding != 0 || !value)
             return std::nullopt;
-        else
-            symbols += character;
+        bits = bits << 6 | *value;
+        if (++symbols % 4 == 0)
+            for (int shift : {16, 8, 0})
+                data += static_cast<char>(bits >> shift & 0xFF);
     }
-    const std::size_t missing = (4 - symbols.size() % 4) % 4;
+    const std::size_t missing = (4 - symbols % 4) % 4;
     if (missing == 3 || padding > 2 || (padding != 0 && padding != missing))
         return std::nullopt;
-    return symbols.append(missing, '=');
+    // Two symbols are one byte and four bits that do not count, three are two bytes and two bits.
+    if (missing == 2)
+        data += static_cast<char>(bits >> 4 & 0xFF);
+    if (missing == 1)
+        data.append({static_cast<char>(bits >> 10 & 0xFF), static_cast<char>(bits >> 2 & 0xFF)});
+    return data;
 }
 
 } // namespace dubrix
