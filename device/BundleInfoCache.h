@@ -8,6 +8,7 @@
 #include <string>
 #include <sys/stat.h>
 #include <unordered_map>
+#include <vector>
 
 namespace dubrix {
 
@@ -54,10 +55,15 @@ public:
     Round(const Round&) = delete;
     Round& operator=(const Round&) = delete;
 
+    /// Looks at these bundles ahead, several at a time. Each is asked for at most once.
+    void readAhead(const std::vector<std::filesystem::path>& folders);
     /// What the bundle at `folder` says now; null when it says nothing. Valid until the round ends.
     const BundleInfo* read(const std::filesystem::path& folder);
 
 private:
+    /// Any thread, as long as each folder is looked at by one.
+    Entry look(const std::filesystem::path& folder) const;
+
     BundleInfoCache& cache_;
     Entries asked_;
 };
