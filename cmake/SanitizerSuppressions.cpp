@@ -12,3 +12,10 @@ extern "C" const char* __lsan_default_suppressions() {
         "leak:libqtwebview_webengine\n"
         "leak:libfontconfig\n";
 }
+
+extern "C" const char* __tsan_default_suppressions() {
+    return
+        // A queued call's last owner deletes it: Qt counts the owners by atomics in code of its own
+        // that the sanitizer does not see.
+        "race:QMetaObject::invokeMethodImpl\n";
+}

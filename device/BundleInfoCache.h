@@ -1,65 +1,35 @@
 #pragma once
 
 #include "device/BundleInfo.h"
+#include "device/FileStamp.h"
 
-#include <chrono>
-#include <filesystem>
 #include <optional>
 #include <string>
-#include <sys/stat.h>
 #include <unordered_map>
 
 namespace dubrix {
 
-/// What the Info.plist files of many bundles say, kept from one round of questions to the next. A
-/// file counts as unchanged while its place, size and times are; what one round did not ask for is
-/// forgotten. One thread at a time.
+/// What the Info.plist files of single bundles say, each read again only when it has changed since
+/// it was last asked for. One thread at a time.
 class BundleInfoCache {
 public:
-    /// Files changed less than `settling` ago are not kept: another change could follow without
-    /// leaving a trace, within one tick of the file system's clock.
-    explicit BundleInfoCache(std::chrono::nanoseconds settling = std::chrono::seconds(1))
+    /// Files changed less than `settling` ago are not kept.
+    explicit BundleInfoCache(FileStamp::Time settling = std::chrono::seconds(1))
         : settling_(settling) {}
 
-    class Round;
+    /// What the bundle at `folder` says now; null when it says nothing. Valid until the next call.
+    const BundleInfo* read(const std::string& folder);
 
 private:
-    /// Empty for a file that is not there.
-    struct Stamp {
-        dev_t device = 0;
-        ino_t node = 0;
-        off_t size = 0;
-        std::chrono::nanoseconds modified{0};
-        std::chrono::nanoseconds changed{0};
-        bool operator==(const Stamp&) const = default;
-    };
     struct Entry {
-        Stamp stamp;
+        FileStamp stamp;
         std::optional<BundleInfo> info;
     };
-    using Entries = std::unordered_map<std::string, Entry>;
+    /// All is forgotten when so many have been asked for, most of which are long gone.
+    static constexpr std::size_t mostEntries = 1000;
 
-    static Stamp stampOf(const std::filesystem::path& file);
-    bool isSettled(const Stamp& stamp) const;
-
-    std::chrono::nanoseconds settling_;
-    Entries entries_;
-};
-
-/// One round of questions. Its end decides what is kept.
-class BundleInfoCache::Round {
-public:
-    explicit Round(BundleInfoCache& cache) : cache_(cache) {}
-    ~Round();
-    Round(const Round&) = delete;
-    Round& operator=(const Round&) = delete;
-
-    /// What the bundle at `folder` says now; null when it says nothing. Valid until the round ends.
-    const BundleInfo* read(const std::filesystem::path& folder);
-
-private:
-    BundleInfoCache& cache_;
-    Entries asked_;
+    FileStamp::Time settling_;
+    std::unordered_map<std::string, Entry> entries_;
 };
 
 } // namespace dubrix

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "device/BundleInfoCache.h"
+#include "device/RegisteredBundles.h"
 #include "device/Registry.h"
+#include "device/RegistryLinks.h"
 
 #include <mutex>
 #include <string>
@@ -22,18 +24,27 @@ struct InstalledApplication {
 /// files are read that have changed since the list was last asked for. Any thread.
 class InstalledApplications {
 public:
-    explicit InstalledApplications(const std::filesystem::path& root) : registry_(root) {}
+    explicit InstalledApplications(const std::filesystem::path& root)
+        : registry_(root),
+          links_(registry_),
+          registered_(registry_) {}
 
     /// The registered applications sorted by the identifiers' bytes, then the system's. Bundles
     /// that say nothing of themselves are left out.
     std::vector<InstalledApplication> all() const;
 
+    /// The bundle folder of one, and what its bundle says; nothing when it is not installed.
+    std::optional<std::string> pathOf(const std::string& identifier) const;
+    std::optional<BundleInfo> infoOf(const std::string& identifier) const;
+
     const Registry& registry() const { return registry_; }
 
 private:
     Registry registry_;
-    mutable std::mutex bundlesMutex_;
-    mutable BundleInfoCache bundles_;
+    mutable RegistryLinks links_;
+    mutable std::mutex mutex_; // of what follows
+    mutable BundleInfoCache asked_;
+    mutable RegisteredBundles registered_;
 };
 
 } // namespace dubrix

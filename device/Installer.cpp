@@ -3,7 +3,9 @@
 #include "device/ArchivedBundle.h"
 #include "device/BundleExport.h"
 #include "device/ZipDirectory.h"
+#include "device/ZipEntryReader.h"
 
+#include <algorithm>
 #include <fcntl.h>
 
 namespace dubrix {
@@ -14,6 +16,8 @@ namespace {
 
 /// The system allows no longer text in a link.
 constexpr std::size_t longestLink = 4095;
+/// All links of a bundle together: following each to its end takes time for every byte.
+constexpr std::size_t mostLinkBytes = std::size_t{1} << 20;
 
 Result<BundleInfo> readInfo(const ArchivedBundle& bundle, ZipEntryReader& reader) {
     const ZipEntry* entry = bundle.file("Info.plist");
@@ -33,10 +37,12 @@ Result<BundleInfo> readInfo(const ArchivedBundle& bundle, ZipEntryReader& reader
 
 Result<LinkTargets> readLinks(const ArchivedBundle& bundle, ZipEntryReader& reader) {
     LinkTargets targets;
+    std::size_t left = mostLinkBytes;
     for (const ZipEntry& link : bundle.links) {
-        Result<std::string> text = reader.readWhole(link, longestLink);
+        Result<std::string> text = reader.readWhole(link, std::min(longestLink, left));
         if (!text)
             return text.failure();
+        left -= text->size();
         targets.emplace(link.name, std::move(*text));
     }
     if (Outcome done = checkLinkTargets(targets); !done)
@@ -81,13 +87,13 @@ Result<BundleInfo> Installer::installArchive(int archive) {
         return links.failure();
     if (belongsToSystem(*info->identifier))
         return Failure{*info->identifier + " is a system application and cannot be replaced"};
-    if (Outcome done = place(*bundle, *links, *info->identifier, reader); !done)
+    if (Outcome done = place(*bundle, *links, *info->identifier, archive); !done)
         return done.failure();
     return info;
 }
 
 Outcome Installer::place(const ArchivedBundle& bundle, const LinkTargets& links,
-                         const std::string& identifier, ZipEntryReader& reader) {
+                         const std::string& identifier, int archive) {
     Result<BundleStore> store = BundleStore::open(registry_);
     if (!store)
         return store.failure();
@@ -104,7 +110,7 @@ Outcome Installer::place(const ArchivedBundle& bundle, const LinkTargets& links,
     if (!staging)
         return staging.failure();
     step_("staging made");
-    Outcome done = unpackBundle(bundle, links, reader, staging->folder.get(), step_, progress_);
+    Outcome done = unpackBundle(bundle, links, archive, staging->folder.get(), step_, progress_);
     if (done)
         done = store->publish(*staging);
     if (!done) {

@@ -49,7 +49,7 @@ public:
 private:
     Result<BundleInfo> installArchive(int archive);
     Outcome place(const ArchivedBundle& bundle, const LinkTargets& links,
-                  const std::string& identifier, ZipEntryReader& reader);
+                  const std::string& identifier, int archive);
     Outcome uninstallApplication(const std::string& identifier);
     /// Whether the application is one of the system's, by its own word or by the registry's.
     bool belongsToSystem(const std::string& identifier) const;

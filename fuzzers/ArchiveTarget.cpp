@@ -1,5 +1,7 @@
 #include "device/FileTree.h"
 #include "device/ZipEntryReader.h"
+#include "formats/BundleIcons.h"
+#include "formats/PngChunks.h"
 #include "fuzzers/Mutation.h"
 #include "tests/device/DeviceFolder.h"
 
@@ -13,11 +15,17 @@ namespace {
 
 const std::string installedBefore = "com.example.before";
 
+std::string iconHead() {
+    std::string head(pngSignature);
+    appendPngChunk(head, "IHDR", PngHeader{57, 57}.chunkData());
+    return head;
+}
+
 /// A device that has an application, with something beside it that is none of an installer's
 /// business.
 struct Place {
     Place() {
-        putFile(device.folder() / "beside", "untouched");
+        putFile(device.folder() / "beside", iconHead());
         const auto archive = device.application(installedBefore, "1", {{"file", "old"}});
         require(bool(device.installer().install(archive)), "a sound archive is installed");
         fs::remove(archive);
@@ -67,6 +75,16 @@ std::map<std::string, std::string> treeOf(const fs::path& bundle) {
     return tree;
 }
 
+/// The list of a bundle names its icons, and what it names is read and written.
+void requireIconsInside(const fs::path& bundle) {
+    const auto info = PropertyList::parse(contentsOf(bundle / "Info.plist"));
+    require(info.has_value(), "an installed property list can be read");
+    constexpr unsigned pixels = 120;
+    for (const fs::path& icon : iconFilesOfBundle(bundle, *info, pixels))
+        require(fs::canonical(icon) == icon && icon.native().starts_with(bundle.native() + "/"),
+                "every icon is a file of the bundle");
+}
+
 /// What else must hold once an archive was accepted.
 void requireInstalled(Place& place, const std::string& identifier) {
     const DeviceFolder& device = place.device;
@@ -80,6 +98,7 @@ void requireInstalled(Place& place, const std::string& identifier) {
     require(device.leftovers() == 0, "an installation leaves nothing lying about");
     const auto tree = treeOf(device.installed(identifier));
     require(tree.contains("Info.plist"), "an installed bundle has its property list");
+    requireIconsInside(device.installed(identifier));
 
     const auto exported = device.folder() / "exported.ipa";
     require(bool(device.installer().exportTo(identifier, exported)),
@@ -207,6 +226,16 @@ void tryInput(std::string_view bytes) {
 }
 
 std::vector<std::string> seeds() {
+    const ZipItem icons{
+        "Payload/X.app/Info.plist",
+        "{CFBundleIdentifier=\"com.example.icons\";CFBundleIconFile=\"a/b\";"
+        "CFBundleIconFiles=(Icon,\"../X.app/Icon\",\"../../../../../../../beside\",link);"
+        "CFBundleIcons={CFBundlePrimaryIcon={CFBundleIconFiles=(\"./Icon\");};};}"};
+    const std::vector<ZipItem> iconic = {icons,
+                                         {"Payload/X.app/Icon@2x.png", iconHead()},
+                                         {"Payload/X.app/Icon.png", iconHead()},
+                                         {"Payload/X.app/a/b", iconHead()},
+                                         {"Payload/X.app/link", "a/b", S_IFLNK | 0777}};
     const ZipItem info{"Payload/X.app/Info.plist", infoPlist("com.example.new")};
     const std::vector<ZipItem> rich = {
         {"Payload/", "", S_IFDIR | 0755},
@@ -227,6 +256,7 @@ std::vector<std::string> seeds() {
     const ZipItem through{"Payload/X.app/a/beside", "changed"};
     return {zipOf({info}),
             zipOf(rich),
+            zipOf(iconic),
             zipOf({system}),
             zipOf({info, climbing}),
             zipOf({info, outside, onward}),
@@ -240,8 +270,9 @@ std::vector<std::string> seeds() {
 const std::vector<std::string>& vocabulary() {
     static const std::vector<std::string> words = [] {
         std::vector<std::string> all = names();
-        for (const char* signature : {"PK\1\2", "PK\3\4", "PK\5\6", "PK\6\6", "PK\6\7"})
-            all.emplace_back(signature);
+        for (const char* piece : {"PK\1\2", "PK\3\4", "PK\5\6", "PK\6\6", "PK\6\7", "@2x", ".png",
+                                  "~ipad", "CFBundleIconFile", "={", "=("})
+            all.emplace_back(piece);
         return all;
     }();
     return words;

@@ -6,11 +6,11 @@ std::optional<std::string>
 LinuxApplicationList::valueForKey(std::string_view key,
                                   const std::string& forDisplayIdentifier) const {
     if (key == "path")
-        return applications_.registry().pathOf(forDisplayIdentifier);
+        return applications_.pathOf(forDisplayIdentifier);
     const bool name = key == "displayName";
     if (!name && key != "bundleVersion")
         return std::nullopt;
-    const auto info = applications_.registry().infoOf(forDisplayIdentifier);
+    const auto info = applications_.infoOf(forDisplayIdentifier);
     if (!info)
         return std::nullopt;
     return name ? info->displayName : info->version;

@@ -1,5 +1,6 @@
 #include "looks/ApplicationIconProvider.h"
 #include "network/NetworkServices.h"
+#include "platform/linux/DesktopUrlOpener.h"
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationIcons.h"
 #include "platform/linux/LinuxApplicationList.h"
@@ -8,6 +9,7 @@
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "platform/linux/LinuxSystemLog.h"
+#include "screens/AboutTableViewController.h"
 #include "screens/AppListSampleViewController.h"
 #include "screens/InterfaceLayout.h"
 #include "screens/ModalStack.h"
@@ -128,7 +130,9 @@ int main(int argc, char** argv) {
     NotificationCenter notifications;
     ModalStack modals;
     QuickOverlayStage stage;
-    const auto tabs = makeInterfaceLayout(platform, notifications, modals);
+    DesktopUrlOpener urls(root);
+    const AboutServices about{log, urls, network, PropertyList::dictionary()};
+    const auto tabs = makeInterfaceLayout(platform, notifications, about, modals);
     tabs->loadViewIfNeeded();
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
