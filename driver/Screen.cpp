@@ -18,6 +18,10 @@ namespace dubrix {
 
 namespace {
 
+/// What stands still for so many frames has come to rest. Time does not tell: a busy machine may
+/// draw none for long.
+constexpr unsigned restingFrames = 2;
+
 bool isBeingDismissed(const QQuickItem* item) {
     const QVariant dismissing = item->property("dismissing");
     return dismissing.isValid() && dismissing.toBool();
@@ -72,6 +76,14 @@ void scrollIntoView(QQuickItem* item) {
 }
 
 } // namespace
+
+Screen::Screen(QQuickWindow& window)
+    : window_(window),
+      drawing_(QObject::connect(&window, &QQuickWindow::afterAnimating, [this] { ++frames_; })) {}
+
+Screen::~Screen() {
+    QObject::disconnect(drawing_);
+}
 
 QList<QQuickItem*> Screen::shownItems() const {
     QList<QQuickItem*> items;
@@ -152,11 +164,14 @@ std::optional<QPointF> Screen::aimAt(const QString& name) {
         return std::nullopt;
     scrollIntoView(item);
     const QRectF seen = seenPart(item);
-    const bool sameAim = item == std::exchange(aim_, item);
-    const bool resting = sameAim && seen == aimedAt_;
-    aimedAt_ = seen;
-    if (seen.isEmpty() || !resting)
+    const bool sameItem = item == std::exchange(aim_, item);
+    const bool samePlace = seen == std::exchange(aimedAt_, seen);
+    if (!sameItem || !samePlace)
+        aimedFrame_ = frames_;
+    if (seen.isEmpty() || frames_ - aimedFrame_ < restingFrames) {
+        window_.update();
         return std::nullopt;
+    }
     aim_ = nullptr;
     return seen.center();
 }

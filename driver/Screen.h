@@ -4,12 +4,12 @@
 #include <QElapsedTimer>
 #include <QHash>
 #include <QList>
+#include <QObject>
 #include <QPointF>
 #include <QRectF>
 #include <QString>
 #include <optional>
 
-class QObject;
 class QQuickItem;
 class QQuickWindow;
 
@@ -20,7 +20,10 @@ namespace dubrix {
 /// user input alone it is kept for later.
 class Screen {
 public:
-    explicit Screen(QQuickWindow& window) : window_(window) {}
+    explicit Screen(QQuickWindow& window);
+    ~Screen();
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
 
     struct Alert {
         QString title;
@@ -65,9 +68,13 @@ private:
     void press(int key, Qt::KeyboardModifiers modifiers, const QString& text);
 
     QQuickWindow& window_;
-    /// What the last tap aimed at, and where that was.
+    /// Frames drawn so far.
+    unsigned frames_ = 0;
+    QMetaObject::Connection drawing_;
+    /// What the last tap aimed at, where that was, and the frame since which it has been there.
     const QQuickItem* aim_ = nullptr;
     QRectF aimedAt_;
+    unsigned aimedFrame_ = 0;
     /// Where the pointer is held down, and since when.
     std::optional<QPointF> held_;
     QElapsedTimer holding_;
