@@ -1,7 +1,10 @@
+#include "device/desk/Desk.h"
 #include "driver/ScriptPlayer.h"
-#include "help/HelpSite.h"
+#include "looks/Appearance.h"
+#include "looks/ApplicationIconProvider.h"
+#include "looks/WindowPlace.h"
+#include "network/NetworkServices.h"
 #include "overlays/ProgressHUD.h"
-#include "platform/linux/CurlDownloader.h"
 #include "platform/linux/DesktopUrlOpener.h"
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationIcons.h"
@@ -13,7 +16,6 @@
 #include "platform/linux/LinuxSystemLog.h"
 #include "screens/AboutTableViewController.h"
 #include "screens/AppDelegate.h"
-#include "screens/ApplicationIconProvider.h"
 #include "screens/InterfaceLayout.h"
 #include "screens/ModalStack.h"
 #include "screens/NotificationCenter.h"
@@ -23,7 +25,6 @@
 
 #include <QCommandLineParser>
 #include <QFile>
-#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QLoggingCategory>
 #include <QPalette>
@@ -44,20 +45,31 @@ struct Arguments {
     std::filesystem::path root;
     /// The descriptors of a driver's script, of its pictures and of the answers to them.
     QList<int> drive;
+    /// The descriptors of the launcher's answers and of requests to it.
+    QList<int> desk;
+    /// Whether the window leaves room for the home screen on its left.
+    bool beside = false;
     /// "light", "dark", or empty for what the platform's theme says.
     QString appearance;
     /// The window's size; empty for the layout's own.
     QSize size;
 };
 
-/// Keeps the driver's descriptors from the commands that the engine runs, since what goes into the
-/// pipe of pictures is written on the desktop: closed in them, and not to be had through /proc or
+/// Keeps the driver's and the desk's descriptors from the commands that the engine runs, since what
+/// goes into them is acted upon on the desktop: closed in them, and not to be had through /proc or
 /// by tracing this process either.
 void keepFromCommands(const QList<int>& descriptors) {
     for (const int descriptor : descriptors)
         ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
     if (!descriptors.isEmpty())
         ::prctl(PR_SET_DUMPABLE, 0);
+}
+
+QList<int> numbersOf(const QString& text) {
+    QList<int> numbers;
+    for (const QString& number : text.split(QLatin1Char(':'), Qt::SkipEmptyParts))
+        numbers.append(number.toInt());
+    return numbers;
 }
 
 Arguments parseArguments(const QGuiApplication& application) {
@@ -78,38 +90,27 @@ Arguments parseArguments(const QGuiApplication& application) {
                                         QStringLiteral("appearance"));
     const QCommandLineOption size(QStringLiteral("size"), QStringLiteral("The window's size."),
                                   QStringLiteral("WIDTHxHEIGHT"));
-    parser.addOptions({root, drive, appearance, size});
+    const QCommandLineOption desk(
+        QStringLiteral("desk"),
+        QStringLiteral("Descriptors of the launcher's answers and of requests to it."),
+        QStringLiteral("answers:requests"));
+    const QCommandLineOption beside(QStringLiteral("beside"),
+                                    QStringLiteral("Stand on the right of the home screen."));
+    parser.addOptions({root, drive, appearance, size, desk, beside});
     parser.process(application);
 
     Arguments arguments{.root = parser.value(root).toStdString(),
-                        .drive = {},
+                        .drive = numbersOf(parser.value(drive)),
+                        .desk = numbersOf(parser.value(desk)),
+                        .beside = parser.isSet(beside),
                         .appearance = parser.value(appearance),
                         .size = {parser.value(size).section(QLatin1Char('x'), 0, 0).toInt(),
                                  parser.value(size).section(QLatin1Char('x'), 1).toInt()}};
-    for (const QString& number : parser.value(drive).split(QLatin1Char(':'), Qt::SkipEmptyParts))
-        arguments.drive.append(number.toInt());
-    keepFromCommands(arguments.drive);
-    if (parser.isSet(drive) && arguments.drive.size() != 3)
+    keepFromCommands(arguments.drive + arguments.desk);
+    if ((parser.isSet(drive) && arguments.drive.size() != 3) ||
+        (parser.isSet(desk) && arguments.desk.size() != 2))
         parser.showHelp(2);
     return arguments;
-}
-
-void chooseFont() {
-    const QString family = QStringLiteral("Inter");
-    if (!QFontDatabase::families().contains(family))
-        return;
-    QFont font = QGuiApplication::font();
-    font.setFamily(family);
-    QGuiApplication::setFont(font);
-}
-
-/// A palette whose ground tells the layout which appearance is meant.
-void chooseAppearance(const QString& appearance) {
-    if (appearance.isEmpty())
-        return;
-    const bool dark = appearance == QStringLiteral("dark");
-    QPalette palette(dark ? QColor(28, 28, 30) : QColor(242, 242, 247));
-    QGuiApplication::setPalette(palette);
 }
 
 /// What the application's own bundle says of it.
@@ -147,6 +148,7 @@ int main(int argc, char** argv) {
     QGuiApplication application(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("dubrix"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Dubrix"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.dubrix.Dubrix"));
     const Arguments arguments = parseArguments(application);
     chooseFont();
     chooseAppearance(arguments.appearance);
@@ -161,19 +163,19 @@ int main(int argc, char** argv) {
     LinuxMonochromeFilter monochrome;
     FileStyleByteCount byteCounts;
     LinuxSystemLog log;
-    CurlDownloader downloader;
+    NetworkServices network(programs / "dubrix-network.so", log);
     const Platform platform{commands,   files,      workspace, applications,
-                            monochrome, byteCounts, log,       downloader};
+                            monochrome, byteCounts, log,       network};
     DesktopUrlOpener urls(arguments.root);
-    HelpSite help;
-    const AboutServices about{log, urls, help, informationDictionary()};
+    const AboutServices about{log, urls, network, informationDictionary()};
 
     QuickOverlayStage stage;
     ProgressHUD::useStage(stage);
     NotificationCenter notifications;
     ModalStack modals;
     AppDelegate delegate;
-    delegate.window.rootViewController = makeInterfaceLayout(platform, notifications, about, modals);
+    delegate.window.rootViewController =
+        makeInterfaceLayout(platform, notifications, about, modals);
     if (!delegate.applicationDidFinishLaunchingWithOptions())
         return 1;
     delegate.window.rootViewController->loadViewIfNeeded();
@@ -183,8 +185,11 @@ int main(int argc, char** argv) {
         QQmlApplicationEngine engine;
         engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
         engine.addImageProvider(QStringLiteral("template"), new TemplateImageProvider);
-        engine.addImageProvider(QLatin1String(ApplicationIconProvider::name),
-                                new ApplicationIconProvider(icons));
+        engine.addImageProvider(
+            QLatin1String(ApplicationIconProvider::name),
+            new ApplicationIconProvider([&icons](const std::string& bundlePath, unsigned pixels) {
+                return icons.iconOfBundle(bundlePath, pixels);
+            }));
         engine.setInitialProperties(
             {{QStringLiteral("root"),
               QVariant::fromValue(delegate.window.rootViewController.get())},
@@ -195,6 +200,14 @@ int main(int argc, char** argv) {
         auto& window = *qobject_cast<QQuickWindow*>(engine.rootObjects().constFirst());
         if (!arguments.size.isEmpty())
             window.resize(arguments.size);
+        if (arguments.beside)
+            standBeside(window, Side::Right);
+        std::unique_ptr<Desk> desk;
+        if (!arguments.desk.isEmpty()) {
+            desk = std::make_unique<Desk>(arguments.desk[0], arguments.desk[1]);
+            QObject::connect(desk.get(), &Desk::raiseAsked, &window,
+                             [&window] { bringToFront(window); });
+        }
         std::unique_ptr<ScriptPlayer> player;
         if (!arguments.drive.isEmpty())
             player = playScript(window, arguments.drive);

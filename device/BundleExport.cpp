@@ -3,6 +3,7 @@
 #include "device/Descriptor.h"
 #include "device/FileTree.h"
 
+#include <algorithm>
 #include <archive.h>
 #include <archive_entry.h>
 #include <cstdlib>
@@ -31,7 +32,11 @@ Failure packingFailure(archive* packer) {
 /// Walks one bundle and puts everything into an archive.
 class BundlePacker {
 public:
-    explicit BundlePacker(archive* packer) : packer_(packer), buffer_(bufferSize, '\0') {}
+    BundlePacker(archive* packer, std::uint64_t total, const Progress& progress)
+        : packer_(packer),
+          buffer_(bufferSize, '\0'),
+          total_(total),
+          progress_(progress) {}
 
     /// Packs `name` below the open folder `parent` under the name `packedName`.
     Outcome pack(int parent, const std::string& name, const std::string& packedName) {
@@ -98,6 +103,9 @@ private:
             if (archive_write_data(packer_, buffer_.data(), static_cast<std::size_t>(got)) != got)
                 return packingFailure(packer_);
             left -= got;
+            packed_ += static_cast<std::uint64_t>(got);
+            if (progress_)
+                progress_(packed_, std::max(packed_, total_));
         }
         return Success{};
     }
@@ -116,17 +124,35 @@ private:
 
     archive* packer_;
     std::string buffer_;
+    std::uint64_t packed_ = 0;
+    /// Bytes in all files, as they were counted before.
+    std::uint64_t total_;
+    const Progress& progress_;
 };
 
-Outcome writeArchive(const fs::path& folder, int file) {
+std::uint64_t bytesIn(const fs::path& folder) {
+    std::uint64_t bytes = 0;
+    std::error_code error;
+    for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        std::error_code unreadable;
+        if (entry->is_symlink(unreadable) || !entry->is_regular_file(unreadable))
+            continue;
+        const std::uintmax_t size = entry->file_size(unreadable);
+        bytes += unreadable ? 0 : size;
+    }
+    return bytes;
+}
+
+Outcome writeArchive(const fs::path& folder, int file, const Progress& progress) {
     const Archive packer(archive_write_new(), archive_write_free);
     if (archive_write_set_format_zip(packer.get()) != ARCHIVE_OK ||
         archive_write_open_fd(packer.get(), file) != ARCHIVE_OK)
         return packingFailure(packer.get());
     const Descriptor parent = openFolderAt(AT_FDCWD, folder.parent_path().native());
     const std::string name = folder.filename().native();
-    if (Outcome done = BundlePacker(packer.get()).pack(parent.get(), name, "Payload/" + name);
-        !done)
+    BundlePacker bundle(packer.get(), progress ? bytesIn(folder) : 0, progress);
+    if (Outcome done = bundle.pack(parent.get(), name, "Payload/" + name); !done)
         return done;
     if (archive_write_close(packer.get()) != ARCHIVE_OK)
         return packingFailure(packer.get());
@@ -135,12 +161,12 @@ Outcome writeArchive(const fs::path& folder, int file) {
 
 } // namespace
 
-Outcome exportBundle(const fs::path& folder, const fs::path& file) {
+Outcome exportBundle(const fs::path& folder, const fs::path& file, const Progress& progress) {
     std::string temporary = (file.parent_path() / ".dubrix-XXXXXX").native();
     Descriptor output(::mkostemp(temporary.data(), O_CLOEXEC));
     if (!output.isOpen())
         return systemFailure("cannot be written");
-    Outcome done = writeArchive(folder, output.get());
+    Outcome done = writeArchive(folder, output.get(), progress);
     if (done && (::fchmod(output.get(), 0644) != 0 || !output.close() ||
                  ::rename(temporary.c_str(), file.c_str()) != 0))
         done = systemFailure("cannot be written");

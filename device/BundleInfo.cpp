@@ -6,11 +6,6 @@ namespace dubrix {
 
 namespace {
 
-std::optional<std::string> textFor(const PropertyList& dictionary, std::string_view key) {
-    const std::optional<PropertyList> value = dictionary.valueForKey(key);
-    return value ? value->stringValue() : std::nullopt;
-}
-
 /// The strings of an array; nothing of any other value.
 std::vector<std::string> textsOf(const std::optional<PropertyList>& array) {
     std::vector<std::string> texts;
@@ -36,22 +31,27 @@ std::vector<std::string> schemesOf(const std::optional<PropertyList>& types) {
 } // namespace
 
 std::optional<BundleInfo> BundleInfo::read(const std::filesystem::path& folder) {
-    const std::optional<std::string> bytes = readWholeFile(folder / "Info.plist", largestInfoPlist);
+    const std::filesystem::path named = folder.has_filename() ? folder : folder.parent_path();
+    return readFile(folder / "Info.plist", named.filename().native());
+}
+
+std::optional<BundleInfo> BundleInfo::readFile(const std::filesystem::path& file,
+                                               std::string_view folderName) {
+    const std::optional<std::string> bytes = readWholeFile(file, largestInfoPlist);
     const std::optional<PropertyList> info = bytes ? PropertyList::parse(*bytes) : std::nullopt;
     if (!info || !info->isDictionary())
         return std::nullopt;
-    const std::filesystem::path named = folder.has_filename() ? folder : folder.parent_path();
-    return from(*info, named.filename().native());
+    return from(*info, folderName);
 }
 
 BundleInfo BundleInfo::from(const PropertyList& info, std::string_view folderName) {
     BundleInfo result;
-    result.identifier = textFor(info, "CFBundleIdentifier");
-    std::optional<std::string> name = textFor(info, "CFBundleDisplayName");
+    result.identifier = info.stringForKey("CFBundleIdentifier");
+    std::optional<std::string> name = info.stringForKey("CFBundleDisplayName");
     if (!name)
-        name = textFor(info, "CFBundleName");
+        name = info.stringForKey("CFBundleName");
     result.displayName = name ? *name : std::filesystem::path(folderName).stem().native();
-    result.version = textFor(info, "CFBundleVersion");
+    result.version = info.stringForKey("CFBundleVersion");
     for (const std::string& tag : textsOf(info.valueForKey("SBAppTags")))
         result.hidden = result.hidden || tag == "hidden";
     result.urlSchemes = schemesOf(info.valueForKey("CFBundleURLTypes"));

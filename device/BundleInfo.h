@@ -25,6 +25,9 @@ struct BundleInfo {
 
     /// From the bundle at `folder`; nothing without an Info.plist that is a dictionary.
     static std::optional<BundleInfo> read(const std::filesystem::path& folder);
+    /// From the Info.plist `file` of a bundle folder with the name `folderName`.
+    static std::optional<BundleInfo> readFile(const std::filesystem::path& file,
+                                              std::string_view folderName);
     /// From an Info.plist already parsed, of a bundle folder with the name `folderName`.
     static BundleInfo from(const PropertyList& info, std::string_view folderName);
 

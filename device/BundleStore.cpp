@@ -30,12 +30,14 @@ std::optional<std::set<std::string>> registeredFolders(const Registry& registry)
     const auto identifiers = folder.isOpen() ? namesIn(folder.get()) : std::nullopt;
     if (!identifiers)
         return std::nullopt;
+    const std::string bundles = std::string(Registry::applicationPath) + "/";
     std::set<std::string> folders;
     for (const std::string& identifier : *identifiers)
         if (const auto target = registry.targetOf(identifier)) {
-            const fs::path below = fs::path(*target).lexically_relative(Registry::applicationPath);
-            if (!below.empty())
-                folders.insert(below.begin()->native());
+            const std::string_view path = *target;
+            if (path.starts_with(bundles))
+                folders.emplace(
+                    path.substr(bundles.size(), path.find('/', bundles.size()) - bundles.size()));
         }
     return folders;
 }

@@ -3,6 +3,7 @@
 #include "device/ArchivedBundle.h"
 #include "device/BundleExport.h"
 #include "device/ZipDirectory.h"
+#include "device/ZipEntryReader.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -55,9 +56,10 @@ Failure about(const std::string& subject, const Failure& failure) {
 
 } // namespace
 
-Installer::Installer(fs::path root, StepHook step)
+Installer::Installer(fs::path root, StepHook step, Progress progress)
     : registry_(std::move(root)),
-      step_(step ? std::move(step) : [](std::string_view) {}) {}
+      step_(step ? std::move(step) : [](std::string_view) {}),
+      progress_(std::move(progress)) {}
 
 Result<BundleInfo> Installer::install(const fs::path& file) {
     const std::string subject = file.filename().native();
@@ -85,13 +87,13 @@ Result<BundleInfo> Installer::installArchive(int archive) {
         return links.failure();
     if (belongsToSystem(*info->identifier))
         return Failure{*info->identifier + " is a system application and cannot be replaced"};
-    if (Outcome done = place(*bundle, *links, *info->identifier, reader); !done)
+    if (Outcome done = place(*bundle, *links, *info->identifier, archive); !done)
         return done.failure();
     return info;
 }
 
 Outcome Installer::place(const ArchivedBundle& bundle, const LinkTargets& links,
-                         const std::string& identifier, ZipEntryReader& reader) {
+                         const std::string& identifier, int archive) {
     Result<BundleStore> store = BundleStore::open(registry_);
     if (!store)
         return store.failure();
@@ -108,7 +110,7 @@ Outcome Installer::place(const ArchivedBundle& bundle, const LinkTargets& links,
     if (!staging)
         return staging.failure();
     step_("staging made");
-    Outcome done = unpackBundle(bundle, links, reader, staging->folder.get(), step_);
+    Outcome done = unpackBundle(bundle, links, archive, staging->folder.get(), step_, progress_);
     if (done)
         done = store->publish(*staging);
     if (!done) {
@@ -156,7 +158,7 @@ Outcome Installer::exportTo(const std::string& identifier, const fs::path& file)
     const std::optional<std::string> path = registry_.pathOf(identifier);
     if (!path)
         return Failure{identifier + ": is not installed"};
-    if (Outcome done = exportBundle(registry_.hostPath(*path), file); !done)
+    if (Outcome done = exportBundle(registry_.hostPath(*path), file, progress_); !done)
         return about(file.filename().native(), done.failure());
     return Success{};
 }

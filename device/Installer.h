@@ -19,8 +19,10 @@ namespace dubrix {
 /// path, or with the identifier, that it concerns.
 class Installer {
 public:
-    /// `root` is the folder that is the device; `step` is told of each step done.
-    explicit Installer(std::filesystem::path root = "/", StepHook step = {});
+    /// `root` is the folder that is the device; `step` is told of each step done, `progress` of the
+    /// bytes unpacked or packed by each operation.
+    explicit Installer(std::filesystem::path root = "/", StepHook step = {},
+                       Progress progress = {});
 
     /// Installs the application of an archive, in place of an installed one with the same
     /// identifier; gives what its bundle says of itself, identifier included. A refused archive
@@ -47,13 +49,14 @@ public:
 private:
     Result<BundleInfo> installArchive(int archive);
     Outcome place(const ArchivedBundle& bundle, const LinkTargets& links,
-                  const std::string& identifier, ZipEntryReader& reader);
+                  const std::string& identifier, int archive);
     Outcome uninstallApplication(const std::string& identifier);
     /// Whether the application is one of the system's, by its own word or by the registry's.
     bool belongsToSystem(const std::string& identifier) const;
 
     Registry registry_;
     StepHook step_;
+    Progress progress_;
 };
 
 } // namespace dubrix

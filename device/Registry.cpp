@@ -3,6 +3,8 @@
 #include "device/FileTree.h"
 
 #include <algorithm>
+#include <array>
+#include <climits>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,20 +16,53 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool isFolder(const fs::path& path) {
+bool isFolder(const std::string& path) {
     struct stat status {};
     return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-std::vector<std::string> namesBelow(const fs::path& path) {
-    const Descriptor folder = openFolderAt(AT_FDCWD, path.native());
+std::vector<std::string> namesBelow(const std::string& path) {
+    const Descriptor folder = openFolderAt(AT_FDCWD, path);
     return folder.isOpen() ? namesIn(folder.get()).value_or(std::vector<std::string>{})
                            : std::vector<std::string>{};
 }
 
+/// Whether nothing in a path is to be resolved: no empty, "." or ".." component, no slash at an
+/// end.
+bool isPlain(std::string_view path) {
+    while (true) {
+        const std::string_view component = path.substr(0, path.find('/'));
+        if (component.empty() || component == "." || component == "..")
+            return false;
+        if (component.size() == path.size())
+            return true;
+        path.remove_prefix(component.size() + 1);
+    }
+}
+
+/// Where a link in the registry's folder leads by its words and not by following it: an absolute
+/// text means the device's own path, and one that climbs too far stays below the device's root.
+std::string targetOfText(std::string_view text) {
+    constexpr std::string_view usual = "../";
+    if (text.starts_with(usual) && isPlain(text.substr(usual.size())))
+        return std::string(Registry::bundlePath) + std::string(text.substr(usual.size() - 1));
+    fs::path target = (fs::path(Registry::registryPath) / text).lexically_normal();
+    if (!target.has_filename())
+        target = target.parent_path();
+    return target.native();
+}
+
+/// The root without slashes at its end, so that a device's path can follow.
+std::string prefixOf(std::string root) {
+    if (root.empty())
+        root = ".";
+    root.erase(root.find_last_not_of('/') + 1);
+    return root;
+}
+
 } // namespace
 
-Registry::Registry(fs::path root) : root_(std::move(root)) {}
+Registry::Registry(const fs::path& root) : root_(prefixOf(root.native())) {}
 
 bool Registry::isUsableIdentifier(std::string_view identifier) {
     const auto isControl = [](unsigned char byte) { return byte < 0x20 || byte == 0x7f; };
@@ -42,7 +77,7 @@ bool Registry::isInstalled(const std::string& identifier) const {
 
 std::optional<std::string> Registry::pathOf(const std::string& identifier) const {
     std::optional<std::string> target = targetOf(identifier);
-    return target && isFolder(hostPath(*target)) ? target : std::nullopt;
+    return target && isFolder(hostPathText(*target)) ? target : std::nullopt;
 }
 
 std::optional<BundleInfo> Registry::infoOf(const std::string& identifier) const {
@@ -50,25 +85,21 @@ std::optional<BundleInfo> Registry::infoOf(const std::string& identifier) const 
     return path ? BundleInfo::read(hostPath(*path)) : std::nullopt;
 }
 
-std::map<std::string, std::string> Registry::paths() const {
-    std::map<std::string, std::string> paths;
-    for (std::string& name : namesBelow(hostPath(registryPath)))
-        if (std::optional<std::string> path = pathOf(name))
-            paths.emplace(std::move(name), std::move(*path));
-    return paths;
+std::vector<std::string> Registry::names() const {
+    return namesBelow(hostPathText(registryPath));
 }
 
 std::vector<std::string> Registry::identifiers() const {
-    std::vector<std::string> names = namesBelow(hostPath(registryPath));
+    std::vector<std::string> names = this->names();
     std::erase_if(names, [this](const std::string& name) { return !isInstalled(name); });
     return names;
 }
 
 std::vector<std::string> Registry::systemBundles() const {
     std::vector<std::string> bundles;
-    for (const std::string& name : namesBelow(hostPath(systemPath))) {
+    for (const std::string& name : namesBelow(hostPathText(systemPath))) {
         std::string path = std::string(systemPath) + "/" + name;
-        if (fs::path(name).extension() == ".app" && isFolder(hostPath(path)))
+        if (fs::path(name).extension() == ".app" && isFolder(hostPathText(path)))
             bundles.push_back(std::move(path));
     }
     return bundles;
@@ -85,16 +116,11 @@ bool Registry::isSystemApplication(const std::string& identifier) const {
 std::optional<std::string> Registry::targetOf(const std::string& identifier) const {
     if (!isUsableIdentifier(identifier))
         return std::nullopt;
-    std::error_code error;
-    const fs::path text = fs::read_symlink(linkOf(identifier), error);
-    if (error || text.empty())
+    std::array<char, PATH_MAX> text; // not cleared: this is asked for every number and application
+    const ssize_t length = ::readlink(linkOf(identifier).c_str(), text.data(), text.size());
+    if (length <= 0)
         return std::nullopt;
-    // By its words and not by following it: an absolute text means the device's own path, and one
-    // that climbs too far stays below the device's root.
-    fs::path target = (fs::path(registryPath) / text).lexically_normal();
-    if (!target.has_filename())
-        target = target.parent_path();
-    return target.native();
+    return targetOfText({text.data(), static_cast<std::size_t>(length)});
 }
 
 Outcome Registry::enter(const std::string& identifier, std::string_view devicePath) const {
@@ -102,8 +128,8 @@ Outcome Registry::enter(const std::string& identifier, std::string_view devicePa
         return Failure{"\"" + identifier + "\" cannot be an application's identifier"};
     // Relative, so that it leads to the bundle from inside the device and from outside.
     const fs::path text = fs::path(devicePath).lexically_relative(registryPath);
-    const fs::path temporary =
-        hostPath(bundlePath) / (std::string(temporaryLinkPrefix) + randomUuid());
+    const std::string temporary =
+        hostPathText(bundlePath) + "/" + std::string(temporaryLinkPrefix) + randomUuid();
     if (::symlink(text.c_str(), temporary.c_str()) != 0)
         return systemFailure("cannot register " + identifier);
     if (::rename(temporary.c_str(), linkOf(identifier).c_str()) != 0) {
@@ -120,12 +146,17 @@ Outcome Registry::strike(const std::string& identifier) const {
     return Success{};
 }
 
-fs::path Registry::hostPath(std::string_view devicePath) const {
-    return root_ / fs::path(devicePath).relative_path();
+std::string Registry::hostPathText(std::string_view devicePath) const {
+    std::string path;
+    path.reserve(root_.size() + 1 + devicePath.size());
+    path += root_;
+    if (!devicePath.starts_with('/'))
+        path += '/';
+    return path += devicePath;
 }
 
-fs::path Registry::linkOf(const std::string& identifier) const {
-    return hostPath(registryPath) / identifier;
+std::string Registry::linkOf(const std::string& identifier) const {
+    return hostPathText(registryPath).append("/").append(identifier);
 }
 
 } // namespace dubrix

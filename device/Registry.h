@@ -4,7 +4,6 @@
 #include "device/Result.h"
 
 #include <filesystem>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,7 +26,7 @@ public:
     static constexpr std::string_view registryPath = "/var/containers/Bundle/Registry";
     static constexpr std::string_view systemPath = "/Applications";
 
-    explicit Registry(std::filesystem::path root = "/");
+    explicit Registry(const std::filesystem::path& root = "/");
 
     /// Whether `identifier` can name an application: 1 to 255 bytes without '/' and control
     /// characters, and neither "." nor "..".
@@ -41,8 +40,8 @@ public:
     std::optional<std::string> pathOf(const std::string& identifier) const;
     /// What the bundle of an installed application says of itself.
     std::optional<BundleInfo> infoOf(const std::string& identifier) const;
-    /// The bundle folders of all installed applications by identifier, each looked at once.
-    std::map<std::string, std::string> paths() const;
+    /// The names of all links, whether or not a bundle is there, sorted by bytes.
+    std::vector<std::string> names() const;
     /// All installed applications, sorted by bytes.
     std::vector<std::string> identifiers() const;
 
@@ -62,15 +61,20 @@ public:
     Outcome strike(const std::string& identifier) const;
 
     /// Where something of the device lies on this machine.
-    std::filesystem::path hostPath(std::string_view devicePath) const;
+    std::filesystem::path hostPath(std::string_view devicePath) const {
+        return hostPathText(devicePath);
+    }
+    /// The same for system calls.
+    std::string hostPathText(std::string_view devicePath) const;
 
     /// Beginning of the names of links not yet in place, in the bundle folder.
     static constexpr std::string_view temporaryLinkPrefix = ".link-";
 
 private:
-    std::filesystem::path linkOf(const std::string& identifier) const;
+    std::string linkOf(const std::string& identifier) const;
 
-    std::filesystem::path root_;
+    /// Without slashes at its end.
+    std::string root_;
 };
 
 } // namespace dubrix

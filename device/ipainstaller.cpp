@@ -1,10 +1,13 @@
 #include "device/Installer.h"
+#include "device/ProgressBar.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <optional>
 #include <span>
 #include <string_view>
+#include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -21,12 +24,19 @@ constexpr const char* usage =
     "  -u IDENTIFIER             remove an application\n"
     "  -b IDENTIFIER FILE.ipa    save an application as an archive\n"
     "  --root DIR                work on the device in the folder DIR instead of \"/\"\n"
+    "  --progress bar|lines      how far -f and -b are: a bar on a terminal at the standard "
+    "error,\n"
+    "                            or a line \"progress PERCENT\" at each step on the standard "
+    "output;\n"
+    "                            several archives are summed up in a last line\n"
     "  --help                    show this text\n";
 
 struct Request {
     std::string root = "/";
     std::string command;
     std::vector<std::string> arguments;
+    /// "bar", "lines", or empty for none.
+    std::string progress;
 };
 
 /// What is asked for; nothing when the command line makes no sense.
@@ -37,8 +47,12 @@ std::optional<Request> parse(std::span<char* const> words) {
         const bool isCommand = word == "-f" || word == "-l" || word == "-u" || word == "-b";
         if (word == "--root" && index + 1 < words.size() && *words[index + 1] != '\0')
             request.root = words[++index];
+        else if (word == "--progress" && index + 1 < words.size() &&
+                 (words[index + 1] == std::string_view("bar") ||
+                  words[index + 1] == std::string_view("lines")))
+            request.progress = words[++index];
         else if (word == "--help")
-            return Request{"/", word, {}};
+            return Request{"/", word, {}, {}};
         else if (isCommand && request.command.empty())
             request.command = word;
         else if (!request.command.empty() && !word.empty() && word[0] != '-')
@@ -60,6 +74,43 @@ std::string onOneLine(std::string text) {
     return text;
 }
 
+/// Shows how far the work on one file after the other is, in the way that was asked for.
+class ProgressReport {
+public:
+    explicit ProgressReport(const std::string& way) : asLines_(way == "lines") {
+        if (way == "bar")
+            bar_.emplace(STDERR_FILENO);
+    }
+
+    void start(const std::string& title) {
+        percent_ = 0;
+        if (bar_)
+            bar_->start(title);
+    }
+    void show(std::uint64_t done, std::uint64_t total) {
+        if (bar_)
+            bar_->show(done, total);
+        if (!asLines_ || total == 0)
+            return;
+        const auto percent =
+            static_cast<unsigned>(100.0 * static_cast<double>(done) / static_cast<double>(total));
+        if (percent == std::exchange(percent_, percent))
+            return;
+        std::printf("progress %u\n", percent);
+        std::fflush(stdout);
+    }
+    /// Makes way for a message.
+    void clear() {
+        if (bar_)
+            bar_->clear();
+    }
+
+private:
+    bool asLines_;
+    unsigned percent_ = 0;
+    std::optional<dubrix::ProgressBar> bar_;
+};
+
 int report(const dubrix::Failure& failure) {
     std::fprintf(stderr, "ipainstaller: %s\n", onOneLine(failure.text).c_str());
     return failed;
@@ -69,16 +120,39 @@ void say(const std::string& line) {
     std::printf("%s\n", onOneLine(line).c_str());
 }
 
-int installAll(Installer& installer, const std::vector<std::string>& files) {
-    int status = 0;
-    for (const std::string& file : files) {
-        if (auto installed = installer.install(file))
+std::string fileName(const std::string& path) {
+    return onOneLine(std::filesystem::path(path).filename().native());
+}
+
+void sumUp(std::size_t installed, const std::vector<std::string>& refused) {
+    std::string line = "Installed " + std::to_string(installed) + " of " +
+                       std::to_string(installed + refused.size()) + " applications";
+    for (const std::string& name : refused)
+        line.append(&name == &refused.front() ? "; not installed: " : ", ").append(name);
+    say(line);
+}
+
+int installAll(Installer& installer, ProgressReport& progress, const Request& request) {
+    const std::vector<std::string>& files = request.arguments;
+    std::vector<std::string> refused;
+    for (std::size_t index = 0; index < files.size(); ++index) {
+        const std::string count = files.size() == 1 ? ""
+                                                    : std::to_string(index + 1) + " of " +
+                                                          std::to_string(files.size()) + ": ";
+        progress.start(count + fileName(files[index]));
+        auto installed = installer.install(files[index]);
+        progress.clear();
+        if (installed) {
             say("Installed " + *installed->identifier + " (" + installed->displayName + ")");
-        else
-            status = report(installed.failure());
+        } else {
+            refused.push_back(fileName(files[index]));
+            report(installed.failure());
+        }
         std::fflush(stdout); // line by line, also into a pipe
     }
-    return status;
+    if (!request.progress.empty() && files.size() > 1)
+        sumUp(files.size() - refused.size(), refused);
+    return refused.empty() ? 0 : failed;
 }
 
 int list(const Installer& installer) {
@@ -93,9 +167,12 @@ int carryOut(const Request& request) {
     std::error_code error;
     if (!std::filesystem::is_directory(request.root, error))
         return report({request.root + " is not a folder"});
-    Installer installer(request.root);
+    ProgressReport progress(request.progress);
+    Installer installer(request.root, {}, [&progress](std::uint64_t done, std::uint64_t total) {
+        progress.show(done, total);
+    });
     if (request.command == "-f")
-        return installAll(installer, request.arguments);
+        return installAll(installer, progress, request);
     if (request.command == "-l")
         return list(installer);
     const std::string& identifier = request.arguments[0];
@@ -106,9 +183,12 @@ int carryOut(const Request& request) {
         return 0;
     }
     const std::string& file = request.arguments[1];
-    if (auto done = installer.exportTo(identifier, file); !done)
+    progress.start(fileName(file));
+    auto done = installer.exportTo(identifier, file);
+    progress.clear();
+    if (!done)
         return report(done.failure());
-    say("Saved " + identifier + " (" + std::filesystem::path(file).filename().native() + ")");
+    say("Saved " + identifier + " (" + fileName(file) + ")");
     return 0;
 }
 

@@ -8,8 +8,9 @@ namespace dubrix {
 namespace {
 
 constexpr int lookEvery = 20; // milliseconds
+constexpr int restingLooks = 8;
 constexpr double tapPatience = 5;
-constexpr double shotPatience = 1;
+constexpr double shotPatience = 2;
 constexpr auto failureShot = "dubrix-failed.png";
 
 QString oneLine(QString text) {
@@ -20,8 +21,10 @@ double patience(const ScriptStep& step) {
     switch (step.verb) {
     case ScriptStep::Verb::Tap:
     case ScriptStep::Verb::Type:
+    case ScriptStep::Verb::Hold:
         return tapPatience;
     case ScriptStep::Verb::Wait:
+    case ScriptStep::Verb::Gone:
         return step.seconds;
     case ScriptStep::Verb::Shot:
         return shotPatience;
@@ -100,8 +103,13 @@ ScriptPlayer::Outcome ScriptPlayer::tryStep() {
     case ScriptStep::Verb::Wait:
     case ScriptStep::Verb::Expect:
         return when(screen_.shows(target));
+    case ScriptStep::Verb::Gone:
     case ScriptStep::Verb::Absent:
         return when(!screen_.shows(target));
+    case ScriptStep::Verb::Hold:
+        return when(screen_.hold(target));
+    case ScriptStep::Verb::Drop:
+        return when(screen_.drop(target));
     case ScriptStep::Verb::Shot:
         return takeShot();
     }
@@ -109,12 +117,15 @@ ScriptPlayer::Outcome ScriptPlayer::tryStep() {
 }
 
 ScriptPlayer::Outcome ScriptPlayer::takeShot() {
-    // Two looks alike: what moved has come to rest. Something that turns all the time never does.
+    // Alike for a while: what moved has come to rest. Two looks do not tell, since a busy machine
+    // may have drawn no frame between them. Something that turns all the time never rests.
     const QByteArray picture = screen_.picture();
-    const bool settled = picture == std::exchange(picture_, picture);
-    if (!settled && waiting_.elapsed() < static_cast<qint64>(shotPatience * 1000))
+    const bool alike = picture == std::exchange(picture_, picture) && !screen_.isLoading();
+    looksAlike_ = alike ? looksAlike_ + 1 : 0;
+    if (looksAlike_ < restingLooks && waiting_.elapsed() < static_cast<qint64>(shotPatience * 1000))
         return Outcome::NotYet;
     picture_.clear();
+    looksAlike_ = 0;
     return saveShot(step_->target, picture);
 }
 

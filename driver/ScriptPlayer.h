@@ -49,6 +49,7 @@ private:
     std::optional<ScriptStep> step_;
     std::string reason_;
     QByteArray picture_;
+    int looksAlike_ = 0;
     QList<Screen::Alert> alerts_;
 };
 

@@ -57,8 +57,10 @@ struct VerbName {
 
 constexpr std::array verbs = {
     VerbName{"tap", ScriptStep::Verb::Tap},       VerbName{"type", ScriptStep::Verb::Type},
-    VerbName{"wait", ScriptStep::Verb::Wait},     VerbName{"expect", ScriptStep::Verb::Expect},
-    VerbName{"absent", ScriptStep::Verb::Absent}, VerbName{"shot", ScriptStep::Verb::Shot},
+    VerbName{"wait", ScriptStep::Verb::Wait},     VerbName{"gone", ScriptStep::Verb::Gone},
+    VerbName{"expect", ScriptStep::Verb::Expect}, VerbName{"absent", ScriptStep::Verb::Absent},
+    VerbName{"shot", ScriptStep::Verb::Shot},     VerbName{"hold", ScriptStep::Verb::Hold},
+    VerbName{"drop", ScriptStep::Verb::Drop},
 };
 
 /// Cuts a number of seconds off the end of an unquoted text.
@@ -83,7 +85,7 @@ std::string parseArguments(std::string_view rest, ScriptStep& step) {
     } else if (step.verb == Verb::Type) {
         step.target = takeWord(rest);
     } else {
-        if (step.verb == Verb::Wait)
+        if (step.waits())
             cutSeconds(rest, step);
         step.target = std::exchange(rest, {});
     }
@@ -96,7 +98,7 @@ std::string parseArguments(std::string_view rest, ScriptStep& step) {
         step.text = *text;
     } else if (step.verb == Verb::Type) {
         step.text = std::exchange(rest, {});
-    } else if (step.verb == Verb::Wait && !rest.empty()) {
+    } else if (step.waits() && !rest.empty()) {
         const auto value = seconds(std::exchange(rest, {}));
         if (!value)
             return "the seconds are not a number from 0 to 3600";

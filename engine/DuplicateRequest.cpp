@@ -33,11 +33,9 @@ void CloneEngine::showDuplicateAlert() {
 std::string CloneEngine::sizeOfFolder(const std::string& path) const {
     platform_.log.log("Dubrix - Calculating Folder Size");
     std::int64_t total = 0;
-    for (const std::string& below : platform_.files.subpathsAtPath(path)) {
-        const auto size = platform_.files.sizeOfItemAtPath(path + "/" + below);
-        // Each size counts as a signed 32-bit number: a file of 2 GiB or more wraps.
-        total += static_cast<std::int32_t>(size.value_or(0));
-    }
+    // Each size counts as a signed 32-bit number: a file of 2 GiB or more wraps.
+    for (const std::int64_t size : platform_.files.sizesOfItemsBelowPath(path))
+        total += static_cast<std::int32_t>(size);
     return platform_.byteCounts.stringFromByteCount(total);
 }
 

@@ -56,12 +56,24 @@ struct Comparison {
 
 } // namespace
 
+std::size_t PropertyListDictionaryBuilder::indexOf(const std::string& key) {
+    if (entries_.size() <= fewKeys) {
+        const auto place = std::find_if(entries_.begin(), entries_.end(),
+                                        [&](const auto& entry) { return entry.key == key; });
+        return static_cast<std::size_t>(place - entries_.begin());
+    }
+    if (indexes_.empty())
+        for (std::size_t index = 0; index < entries_.size(); ++index)
+            indexes_.emplace(entries_[index].key, index);
+    return indexes_.try_emplace(key, entries_.size()).first->second;
+}
+
 void PropertyListDictionaryBuilder::put(std::string key, PropertyListNode value) {
-    auto [place, isNew] = indexes_.try_emplace(key, entries_.size());
-    if (isNew)
+    const std::size_t index = indexOf(key);
+    if (index == entries_.size())
         entries_.push_back({std::move(key), std::move(value)});
     else
-        entries_[place->second].value = std::move(value);
+        entries_[index].value = std::move(value);
 }
 
 PropertyListNode PropertyListDictionaryBuilder::take() {

@@ -59,6 +59,12 @@ public:
     PropertyListNode take();
 
 private:
+    /// The number of the entry with this key; that of a new one when there is none, which is then
+    /// to be put.
+    std::size_t indexOf(const std::string& key);
+
+    /// Up to so many keys are found faster by looking at each than through a table.
+    static constexpr std::size_t fewKeys = 32;
     PropertyListNode::Dictionary entries_;
     std::unordered_map<std::string, std::size_t> indexes_;
 };

@@ -1,6 +1,6 @@
 #include "formats/CrushedPng.h"
+#include "formats/ImageDecoding.h"
 #include "fuzzers/Target.h"
-#include "platform/linux/ImageDecoding.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "platform/linux/PngEncoding.h"
 

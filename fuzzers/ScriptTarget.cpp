@@ -21,6 +21,12 @@ const char* nameOf(ScriptStep::Verb verb) {
         return "type";
     case ScriptStep::Verb::Wait:
         return "wait";
+    case ScriptStep::Verb::Gone:
+        return "gone";
+    case ScriptStep::Verb::Hold:
+        return "hold";
+    case ScriptStep::Verb::Drop:
+        return "drop";
     case ScriptStep::Verb::Expect:
         return "expect";
     case ScriptStep::Verb::Absent:
@@ -28,7 +34,7 @@ const char* nameOf(ScriptStep::Verb verb) {
     case ScriptStep::Verb::Shot:
         return "shot";
     }
-    require(false, "a step has one of the six verbs");
+    require(false, "a step has one of the verbs");
     return "";
 }
 
@@ -46,7 +52,7 @@ std::string spelled(const ScriptStep& step) {
     std::string line = std::string(nameOf(step.verb)) + " " + quoted(step.target);
     if (step.verb == ScriptStep::Verb::Type)
         line += " " + quoted(step.text);
-    if (step.verb != ScriptStep::Verb::Wait)
+    if (!step.waits())
         return line;
     std::array<char, 32> digits{};
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), step.seconds);

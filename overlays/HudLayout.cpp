@@ -14,7 +14,7 @@ constexpr double kLabelTop = 66;
 constexpr double kMarkAboveText = 36; ///< centre of the spinner and of the image
 
 bool isLandscape(Orientation orientation) {
-    return orientation == Orientation::landscapeLeft || orientation == Orientation::landscapeRight;
+    return orientation == Orientation::LandscapeLeft || orientation == Orientation::LandscapeRight;
 }
 
 } // namespace
@@ -51,14 +51,14 @@ Point boxCenter(Size screen, Orientation orientation, double keyboard) {
     const double middle = screen.width / 2;
     const double free = screen.height - keyboard;
     switch (orientation) {
-    case Orientation::upsideDown:
+    case Orientation::UpsideDown:
         return {middle, screen.height - free / 2};
-    case Orientation::landscapeLeft:
+    case Orientation::LandscapeLeft:
         return {screen.height - free / 2, middle};
-    case Orientation::landscapeRight:
+    case Orientation::LandscapeRight:
         return {free / 2, middle};
-    case Orientation::portrait:
-    case Orientation::unknown:
+    case Orientation::Portrait:
+    case Orientation::Unknown:
         break;
     }
     return {middle, free / 2};

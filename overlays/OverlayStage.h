@@ -10,7 +10,7 @@
 namespace dubrix {
 
 /// How the status bar stands. The platform may report values outside these.
-enum class Orientation { unknown = 0, portrait, upsideDown, landscapeLeft, landscapeRight };
+enum class Orientation { Unknown = 0, Portrait, UpsideDown, LandscapeLeft, LandscapeRight };
 
 /// Names a window of the application for as long as the window lives.
 enum class WindowId : int {};

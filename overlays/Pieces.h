@@ -8,11 +8,11 @@ namespace dubrix {
 
 /// What the status overlay consists of on the screen. There is at most one of each.
 enum class Piece {
-    background, ///< the layer that dims the window and takes its touches
-    hud,        ///< the rounded box
-    spinner,    ///< the busy indicator inside the box
-    image,      ///< the success or error image inside the box
-    label,      ///< the message inside the box
+    Background, ///< the layer that dims the window and takes its touches
+    Hud,        ///< the rounded box
+    Spinner,    ///< the busy indicator inside the box
+    Image,      ///< the success or error image inside the box
+    Label,      ///< the message inside the box
 };
 
 struct Font {
@@ -39,10 +39,10 @@ struct HudAppearance {
     bool operator==(const HudAppearance&) const = default;
 };
 
-enum class SpinnerStyle { white, whiteLarge, gray };
+enum class SpinnerStyle { White, WhiteLarge, Gray };
 
 struct SpinnerAppearance {
-    SpinnerStyle style = SpinnerStyle::white;
+    SpinnerStyle style = SpinnerStyle::White;
     Color color;
     bool hidesWhenStopped = false;
 
@@ -55,16 +55,16 @@ struct ImageAppearance {
     bool operator==(const ImageAppearance&) const = default;
 };
 
-enum class TextAlignment { left, center, right };
-enum class BaselineAdjustment { alignBaselines, alignCenters, none };
+enum class TextAlignment { Left, Center, Right };
+enum class BaselineAdjustment { AlignBaselines, AlignCenters, None };
 
 struct LabelAppearance {
     Rect frame;
     Font font;
     Color textColor;
     Color backgroundColor;
-    TextAlignment textAlignment = TextAlignment::left;
-    BaselineAdjustment baselineAdjustment = BaselineAdjustment::alignBaselines;
+    TextAlignment textAlignment = TextAlignment::Left;
+    BaselineAdjustment baselineAdjustment = BaselineAdjustment::AlignBaselines;
     int numberOfLines = 1; ///< 0: as many as there is room for
 
     bool operator==(const LabelAppearance&) const = default;

@@ -14,7 +14,7 @@ constexpr HudAppearance kHudAppearance{.frame = {},
                                        .cornerRadius = 10,
                                        .clipsToBounds = true};
 constexpr Color kDimming{0, 0, 0, 0.2};
-constexpr SpinnerAppearance kSpinnerAppearance{.style = SpinnerStyle::whiteLarge,
+constexpr SpinnerAppearance kSpinnerAppearance{.style = SpinnerStyle::WhiteLarge,
                                                .color = {185.0 / 255, 220.0 / 255, 47.0 / 255, 1},
                                                .hidesWhenStopped = true};
 constexpr ImageAppearance kImageAppearance{.frame = {{0, 0}, {28, 28}}};
@@ -22,8 +22,8 @@ constexpr LabelAppearance kLabelAppearance{.frame = {},
                                            .font = kLabelFont,
                                            .textColor = {0, 0, 0, 1},
                                            .backgroundColor = kClear,
-                                           .textAlignment = TextAlignment::center,
-                                           .baselineAdjustment = BaselineAdjustment::alignCenters,
+                                           .textAlignment = TextAlignment::Center,
+                                           .baselineAdjustment = BaselineAdjustment::AlignCenters,
                                            .numberOfLines = 0};
 
 constexpr Size kLargestText{200, 300};
@@ -64,17 +64,17 @@ void ProgressHUD::hudMake(const Text& message, const Text& image, Spin spin, Hid
     hudCreate();
     stage_.setLabelText(message);
     rememberText(message);
-    stage_.change(Piece::label, {.hidden = !message});
+    stage_.change(Piece::Label, {.hidden = !message});
     stage_.setImage(image);
-    stage_.change(Piece::image, {.hidden = !image});
-    if (spin == Spin::yes)
+    stage_.change(Piece::Image, {.hidden = !image});
+    if (spin == Spin::Yes)
         stage_.startSpinner();
     else
         stage_.stopSpinner();
     hudSize();
     hudPosition(std::nullopt);
     hudShow();
-    if (hide == Hide::yes)
+    if (hide == Hide::Yes)
         stage_.runOnNewThread([&stage = stage_, labelLength = labelLength_,
                                self = weak_from_this()] { timedHide(stage, *labelLength, self); });
 }
@@ -88,13 +88,13 @@ void ProgressHUD::hudCreate() {
     }
     if (!hudPlaced_ && window_) {
         if (interaction_) {
-            stage_.addToWindow(Piece::hud, *window_);
+            stage_.addToWindow(Piece::Hud, *window_);
         } else {
             stage_.makeBackground(
                 {.frame = stage_.windowFrame(*window_), .backgroundColor = kDimming});
             backgroundMade_ = true;
-            stage_.addToWindow(Piece::background, *window_);
-            stage_.addToPiece(Piece::hud, Piece::background);
+            stage_.addToWindow(Piece::Background, *window_);
+            stage_.addToPiece(Piece::Hud, Piece::Background);
         }
         hudPlaced_ = true;
     }
@@ -106,11 +106,11 @@ void ProgressHUD::hudCreate() {
 
 void ProgressHUD::makeContents() {
     stage_.makeSpinner(kSpinnerAppearance);
-    stage_.addToPiece(Piece::spinner, Piece::hud);
+    stage_.addToPiece(Piece::Spinner, Piece::Hud);
     stage_.makeImage(kImageAppearance);
-    stage_.addToPiece(Piece::image, Piece::hud);
+    stage_.addToPiece(Piece::Image, Piece::Hud);
     stage_.makeLabel(kLabelAppearance);
-    stage_.addToPiece(Piece::label, Piece::hud);
+    stage_.addToPiece(Piece::Label, Piece::Hud);
 }
 
 void ProgressHUD::registerNotifications() {
@@ -127,14 +127,14 @@ void ProgressHUD::registerNotifications() {
 void ProgressHUD::hudDestroy() {
     stage_.stopObserving();
     if (contentsMade_) {
-        stage_.removeFromParent(Piece::label);
-        stage_.removeFromParent(Piece::image);
-        stage_.removeFromParent(Piece::spinner);
+        stage_.removeFromParent(Piece::Label);
+        stage_.removeFromParent(Piece::Image);
+        stage_.removeFromParent(Piece::Spinner);
     }
     if (hudMade_)
-        stage_.removeFromParent(Piece::hud);
+        stage_.removeFromParent(Piece::Hud);
     if (backgroundMade_)
-        stage_.removeFromParent(Piece::background);
+        stage_.removeFromParent(Piece::Background);
     contentsMade_ = hudMade_ = hudPlaced_ = backgroundMade_ = false;
     rememberText(std::nullopt);
 }
@@ -149,10 +149,10 @@ void ProgressHUD::hudSize() {
     if (labelText_)
         text = stage_.measureText(*labelText_, kLabelFont, kLargestText);
     const HudLayout layout = layoutAround(text);
-    stage_.change(Piece::label, {.frame = layout.label});
-    stage_.change(Piece::hud, {.bounds = layout.box});
-    stage_.change(Piece::spinner, {.center = layout.mark});
-    stage_.change(Piece::image, {.center = layout.mark});
+    stage_.change(Piece::Label, {.frame = layout.label});
+    stage_.change(Piece::Hud, {.bounds = layout.box});
+    stage_.change(Piece::Spinner, {.center = layout.mark});
+    stage_.change(Piece::Image, {.center = layout.mark});
 }
 
 void ProgressHUD::hudPosition(const std::optional<OverlayNotification>& notification) {
@@ -161,7 +161,7 @@ void ProgressHUD::hudPosition(const std::optional<OverlayNotification>& notifica
     const double keyboard =
         notification ? keyboardHeightAfter(*notification, orientation) : keyboardHeight();
     const Point center = boxCenter(stage_.mainScreenBounds().size, orientation, keyboard);
-    stage_.animate(Piece::hud, {.center = center},
+    stage_.animate(Piece::Hud, {.center = center},
                    {.duration = duration, .allowUserInteraction = true}, nullptr);
 }
 
@@ -182,10 +182,10 @@ void ProgressHUD::hudShow() {
         return;
     alpha_ = 1;
     hudScale_ *= kPopInScale;
-    stage_.change(Piece::hud, {.alpha = 0});
-    stage_.change(Piece::hud, {.scale = hudScale_});
+    stage_.change(Piece::Hud, {.alpha = 0});
+    stage_.change(Piece::Hud, {.scale = hudScale_});
     hudScale_ /= kPopInScale;
-    stage_.animate(Piece::hud, {.alpha = 1, .scale = hudScale_},
+    stage_.animate(Piece::Hud, {.alpha = 1, .scale = hudScale_},
                    {.duration = kPopDuration, .allowUserInteraction = true}, nullptr);
 }
 
@@ -193,7 +193,7 @@ void ProgressHUD::hudHide() {
     if (alpha_ != 1)
         return;
     hudScale_ *= kPopOutScale;
-    stage_.animate(Piece::hud, {.alpha = 0, .scale = hudScale_},
+    stage_.animate(Piece::Hud, {.alpha = 0, .scale = hudScale_},
                    {.duration = kPopDuration, .layoutSubviews = true, .allowUserInteraction = true},
                    [self = weak_from_this()] {
                        if (const auto hud = self.lock()) {

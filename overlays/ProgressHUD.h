@@ -60,8 +60,8 @@ public:
     const Rect& frame() const { return frame_; }
 
 private:
-    enum class Spin : bool { no, yes };
-    enum class Hide : bool { no, yes };
+    enum class Spin : bool { No, Yes };
+    enum class Hide : bool { No, Yes };
 
     using Text = std::optional<std::string>;
 

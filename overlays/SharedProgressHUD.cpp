@@ -59,7 +59,7 @@ void ProgressHUD::show(const Text& message) {
 }
 
 void ProgressHUD::show(const Text& message, bool interaction) {
-    show(message, interaction, std::nullopt, Spin::yes, Hide::no);
+    show(message, interaction, std::nullopt, Spin::Yes, Hide::No);
 }
 
 void ProgressHUD::showSuccess(const Text& message) {
@@ -67,7 +67,7 @@ void ProgressHUD::showSuccess(const Text& message) {
 }
 
 void ProgressHUD::showSuccess(const Text& message, bool interaction) {
-    show(message, interaction, kSuccessImage, Spin::no, Hide::yes);
+    show(message, interaction, kSuccessImage, Spin::No, Hide::Yes);
 }
 
 void ProgressHUD::showError(const Text& message) {
@@ -75,7 +75,7 @@ void ProgressHUD::showError(const Text& message) {
 }
 
 void ProgressHUD::showError(const Text& message, bool interaction) {
-    show(message, interaction, kErrorImage, Spin::no, Hide::yes);
+    show(message, interaction, kErrorImage, Spin::No, Hide::Yes);
 }
 
 void ProgressHUD::show(const Text& message, bool interaction, const Text& image, Spin spin,

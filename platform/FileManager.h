@@ -27,13 +27,10 @@ public:
     /// empty, "." or ".." components. False also when a part could not be removed.
     virtual bool removeItemAtPath(const std::string& path) = 0;
 
-    /// Every path below the folder, recursively, relative to it, folders included, links not
-    /// followed. Empty when the folder cannot be read.
-    virtual std::vector<std::string> subpathsAtPath(const std::string& path) const = 0;
-
-    /// The size in bytes that the file system gives for the entry itself (a link is measured, not
-    /// followed); nothing when its attributes cannot be read.
-    virtual std::optional<std::int64_t> sizeOfItemAtPath(const std::string& path) const = 0;
+    /// The size in bytes of everything below the folder, recursively, in no order: what the file
+    /// system gives for each entry itself, folders included (a link is measured, not followed).
+    /// What cannot be read is left out.
+    virtual std::vector<std::int64_t> sizesOfItemsBelowPath(const std::string& path) const = 0;
 
     /// The bytes of the regular file at `path`; nothing when it cannot be read whole.
     virtual std::optional<std::string> contentsAtPath(const std::string& path) const = 0;

@@ -1,6 +1,6 @@
 #include "screens/ALApplicationTableDataSource.h"
 
-#include "screens/ApplicationIconProvider.h"
+#include "looks/ApplicationIconProvider.h"
 #include "screens/Outlets.h"
 
 #include <algorithm>

@@ -44,11 +44,11 @@ AppListSampleViewController::~AppListSampleViewController() {
 void AppListSampleViewController::viewDidLoad() {
     ViewController::viewDidLoad();
     dataSource_.setTableView(&tableView);
-    sharedClass_ = std::make_unique<DXShared>(platform_.files, platform_.log);
-    prefsView_ = std::make_unique<PrefsViewController>(platform_, notifications_);
+    sharedClass = std::make_unique<DXShared>(platform_.files, platform_.log);
+    prefsView = std::make_unique<PrefsViewController>(platform_, notifications_);
     setLeftBarButtonItem(SystemItem::Cancel, [this] { cancelTapped(); });
     setTitle(QStringLiteral("Select Application"));
-    if (const auto chosen = sharedClass_->retrieveValueForKey("bundleID"))
+    if (const auto chosen = sharedClass->retrieveValueForKey("bundleID"))
         dataSource_.setCheckedIdentifier(chosen->stringValue());
 }
 
@@ -64,9 +64,9 @@ void AppListSampleViewController::tableViewDidSelectRowAtIndexPath(int section, 
         return;
     const auto applications = platform_.applications.applications();
     platform_.log.log(stringWithFormat("al.applications: %@", descriptionOf(applications)));
-    sharedClass_->addKey("bundleID", PropertyList::string(*identifier));
+    sharedClass->addKey("bundleID", PropertyList::string(*identifier));
     if (const auto name = applications.find(*identifier); name != applications.end())
-        sharedClass_->addKey("appName", PropertyList::string(name->second));
+        sharedClass->addKey("appName", PropertyList::string(name->second));
     dataSource_.setCheckedIdentifier(identifier);
     notifications_.postNotificationName("lblUpdate");
     dismissViewController(true);

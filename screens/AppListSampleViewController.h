@@ -50,6 +50,9 @@ public:
 
     TableView tableView;
     TextField searchField;
+    /// Made when the view loads, as is a main screen of its own, which is never shown.
+    std::unique_ptr<DXShared> sharedClass;
+    std::unique_ptr<PrefsViewController> prefsView;
 
 Q_SIGNALS:
     void emptinessChanged();
@@ -68,9 +71,6 @@ private:
     const Platform platform_;
     NotificationCenter& notifications_;
     ALApplicationTableDataSource dataSource_;
-    std::unique_ptr<DXShared> sharedClass_;
-    /// A main screen of its own that is never shown.
-    std::unique_ptr<PrefsViewController> prefsView_;
 };
 
 } // namespace dubrix

@@ -1,6 +1,7 @@
 #include "screens/ApplicationSections.h"
 
-#include <QCollator>
+#include "looks/NameOrder.h"
+
 #include <QRegularExpression>
 #include <algorithm>
 #include <optional>
@@ -40,15 +41,6 @@ ApplicationRow rowOf(const ApplicationList::Entry& entry) {
     row.foldedName = foldedForSearch(row.name);
     row.foldedIdentifier = foldedForSearch(identifier);
     return row;
-}
-
-QCollator peoplesOrder() {
-    const QLocale system = QLocale::system();
-    // Without a language there is no order but that of the character codes.
-    QCollator collator(system.language() == QLocale::C ? QLocale(QLocale::English) : system);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    collator.setNumericMode(true);
-    return collator;
 }
 
 void sortRows(std::vector<ApplicationRow>& rows) {

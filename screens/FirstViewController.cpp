@@ -12,7 +12,7 @@ namespace dubrix {
 
 void FirstViewController::viewDidLoad() {
     ViewController::viewDidLoad();
-    sharedClass_ = std::make_unique<DXShared>(platform_.files, platform_.log);
+    sharedClass = std::make_unique<DXShared>(platform_.files, platform_.log);
 
     // Wider than any screen, so that it spans all of them.
     constexpr double width = 3000;

@@ -36,12 +36,13 @@ public:
 
     void showAlert();
 
+    std::unique_ptr<DXShared> sharedClass;
+
 protected:
     void viewDidLoad() override;
 
 private:
     const Platform platform_;
-    std::unique_ptr<DXShared> sharedClass_;
     std::unique_ptr<Button> copyButton_;
 };
 

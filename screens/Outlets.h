@@ -31,7 +31,7 @@ private:
     QString text_;
 };
 
-class TableViewCell : public QObject {
+class View : public QObject {
     Q_OBJECT
     QML_ANONYMOUS
     Q_PROPERTY(bool hidden READ hidden WRITE setHidden NOTIFY hiddenChanged)
@@ -58,6 +58,14 @@ Q_SIGNALS:
 private:
     bool hidden_ = false;
     QColor backgroundColor_;
+};
+
+class TableViewCell : public View {
+    Q_OBJECT
+    QML_ANONYMOUS
+
+public:
+    using View::View;
 };
 
 class SwitchControl : public QObject {

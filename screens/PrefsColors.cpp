@@ -22,7 +22,7 @@ void PrefsViewController::colorPickerDidSelectColor(QZColorPickerViewController&
     platform().log.log("Color Selected");
     platform().log.log(stringWithFormat("\n red %f \n blue %f \n green %f", red, blue, green));
     const auto store = [this](std::string_view key, double component) {
-        sharedClass_->addKey(key, PropertyList::real(static_cast<float>(component)));
+        sharedClass->addKey(key, PropertyList::real(static_cast<float>(component)));
     };
     store("Red", red);
     store("Green", green);

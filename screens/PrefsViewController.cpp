@@ -33,27 +33,27 @@ void PrefsViewController::viewDidLoad() {
     ViewController::viewDidLoad();
     notifications_.addObserver(*this, "lblUpdate", [this] { setAppNameLabelText(); });
     prefTable.setContentInset({0, 0, 0, 30});
-    prefs_ = dictionaryWithContentsOfFile(platform().files, settingsFilePath);
+    prefs = dictionaryWithContentsOfFile(platform().files, settingsFilePath);
     al = &platform().applications;
 
-    const PropertyList prefs = prefs_.value_or(PropertyList::dictionary());
-    const auto component = [&prefs](std::string_view key) {
-        const auto value = prefs.valueForKey(key);
+    const PropertyList stored = prefs.value_or(PropertyList::dictionary());
+    const auto component = [&stored](std::string_view key) {
+        const auto value = stored.valueForKey(key);
         return value ? value->floatValue() : 0.0F;
     };
-    const bool customColor = toggle(prefs.valueForKey("customColorToggle"));
-    const bool customName = toggle(prefs.valueForKey("customNameToggle"));
+    const bool customColor = toggle(stored.valueForKey("customColorToggle"));
+    const bool customName = toggle(stored.valueForKey("customNameToggle"));
     colorView.setHidden(!customColor);
     colorCell.setHidden(!customColor);
     textfieldCell.setHidden(!customName);
-    sharedClass_ = std::make_unique<DXShared>(platform().files, platform().log);
-    appNameLabel.setText(prefs.hasKey("appName") ? displayed(prefs.stringForKey("appName"))
-                                                 : QStringLiteral(" "));
+    sharedClass = std::make_unique<DXShared>(platform().files, platform().log);
+    appNameLabel.setText(stored.hasKey("appName") ? displayed(stored.stringForKey("appName"))
+                                                  : QStringLiteral(" "));
     colorView.setBackgroundColor(
         QColor::fromRgbF(component("Red"), component("Green"), component("Blue")));
     customNameSwitch.setOn(customName);
     customColorSwitch.setOn(customColor);
-    textField.setText(displayed(prefs.stringForKey("customText")));
+    textField.setText(displayed(stored.stringForKey("customText")));
     textField.setReturnKey(TextField::ReturnKey::Done);
 }
 
@@ -65,7 +65,7 @@ int PrefsViewController::tableViewNumberOfRowsInSection(int section) const {
 }
 
 bool PrefsViewController::storedToggle(std::string_view key) const {
-    return sharedClass_ && toggle(sharedClass_->retrieveValueForKey(key));
+    return sharedClass && toggle(sharedClass->retrieveValueForKey(key));
 }
 
 double PrefsViewController::tableViewHeightForRowAtIndexPath(int section, int row) const {
@@ -100,7 +100,7 @@ void PrefsViewController::nameSwitchChanged(bool on) {
     customNameSwitch.setOn(on);
     textfieldCell.setHidden(!on);
     prefTable.reloadData();
-    sharedClass_->addKey("customNameToggle", PropertyList::boolean(on));
+    sharedClass->addKey("customNameToggle", PropertyList::boolean(on));
 }
 
 void PrefsViewController::colorSwitchChanged(bool on) {
@@ -109,12 +109,12 @@ void PrefsViewController::colorSwitchChanged(bool on) {
     colorCell.setHidden(!on);
     colorView.setHidden(!on);
     prefTable.reloadData();
-    sharedClass_->addKey("customColorToggle", PropertyList::boolean(on));
+    sharedClass->addKey("customColorToggle", PropertyList::boolean(on));
 }
 
 void PrefsViewController::textFieldChanged(const QString& text) {
     textField.setText(text);
-    sharedClass_->addKey("customText", PropertyList::string(text.toStdString()));
+    sharedClass->addKey("customText", PropertyList::string(text.toStdString()));
 }
 
 bool PrefsViewController::textFieldShouldReturn() {
@@ -128,7 +128,7 @@ void PrefsViewController::SelectAppTapped() {
 }
 
 void PrefsViewController::setAppNameLabelText() {
-    const auto name = sharedClass_->retrieveValueForKey("appName");
+    const auto name = sharedClass->retrieveValueForKey("appName");
     appNameLabel.setText(displayed(name ? name->stringValue() : std::nullopt));
 }
 

@@ -25,6 +25,7 @@ class PrefsViewController : public ViewController,
     QML_ELEMENT
     QML_UNCREATABLE("made by the application")
     Q_PROPERTY(dubrix::TableView* prefTable READ prefTableOutlet CONSTANT)
+    Q_PROPERTY(dubrix::View* headerView READ headerViewOutlet CONSTANT)
     Q_PROPERTY(dubrix::TableViewCell* colorCell READ colorCellOutlet CONSTANT)
     Q_PROPERTY(dubrix::TableViewCell* colorView READ colorViewOutlet CONSTANT)
     Q_PROPERTY(dubrix::Label* appNameLabel READ appNameLabelOutlet CONSTANT)
@@ -77,6 +78,7 @@ public:
                                    AlertBlock secondBlock) override;
 
     TableView prefTable;
+    View headerView;
     TableViewCell colorCell;
     TableViewCell colorView;
     Label appNameLabel;
@@ -84,6 +86,10 @@ public:
     SwitchControl customColorSwitch;
     TableViewCell textfieldCell;
     TextField textField;
+    /// Made when the view loads.
+    std::unique_ptr<DXShared> sharedClass;
+    /// The settings as they were when the view loaded; used only to set up the controls.
+    std::optional<PropertyList> prefs;
 
 protected:
     void viewDidLoad() override;
@@ -101,6 +107,7 @@ private:
     bool storedToggle(std::string_view key) const;
 
     TableView* prefTableOutlet() { return &prefTable; }
+    View* headerViewOutlet() { return &headerView; }
     TableViewCell* colorCellOutlet() { return &colorCell; }
     TableViewCell* colorViewOutlet() { return &colorView; }
     Label* appNameLabelOutlet() { return &appNameLabel; }
@@ -110,9 +117,6 @@ private:
     TextField* textFieldOutlet() { return &textField; }
 
     NotificationCenter& notifications_;
-    std::unique_ptr<DXShared> sharedClass_;
-    /// The settings as they were when the view loaded; used only to set up the controls.
-    std::optional<PropertyList> prefs_;
     QPointer<AlertController> progressAlert_;
 };
 

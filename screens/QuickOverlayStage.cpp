@@ -5,6 +5,7 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QInputMethod>
+#include <QTextLayout>
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
@@ -15,6 +16,25 @@ namespace {
 
 int milliseconds(double seconds) {
     return static_cast<int>(std::lround(seconds * 1000));
+}
+
+/// The widest line and the height of `text` wrapped at `width`, laid out as the layout's Text does.
+QSizeF laidOut(const QString& text, const QFont& font, double width) {
+    QTextOption option;
+    option.setWrapMode(QTextOption::WordWrap);
+    option.setUseDesignMetrics(true);
+    QTextLayout layout(text, font);
+    layout.setTextOption(option);
+    double widest = 0;
+    double tallest = QFontMetricsF(font).height();
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        widest = std::max(widest, line.naturalTextWidth());
+        tallest = std::max(tallest, line.height());
+    }
+    layout.endLayout();
+    return {widest, layout.lineCount() * std::ceil(tallest)};
 }
 
 } // namespace
@@ -75,11 +95,15 @@ Size QuickOverlayStage::measureText(const std::string& text, const Font& font, S
     QFont measured = QGuiApplication::font();
     measured.setPixelSize(static_cast<int>(std::lround(font.pointSize)));
     measured.setBold(font.bold);
-    const QRectF box = QFontMetricsF(measured).boundingRect({0, 0, limit.width, limit.height},
-                                                            Qt::AlignHCenter | Qt::TextWordWrap,
-                                                            QString::fromStdString(text));
-    return {std::min(std::ceil(box.width()), limit.width),
-            std::min(std::ceil(box.height()), limit.height)};
+    const QString wrapped =
+        QString::fromStdString(text).replace(QLatin1Char('\n'), QChar::LineSeparator);
+    const QSizeF needed = laidOut(wrapped, measured, limit.width);
+    // A line needs somewhat more than its letters' widths; with less the text would wrap once more
+    // and lose its end where it is drawn.
+    double width = std::ceil(needed.width());
+    while (width < limit.width && laidOut(wrapped, measured, width).height() > needed.height())
+        ++width;
+    return {std::min(width, limit.width), std::min(needed.height(), limit.height)};
 }
 
 void QuickOverlayStage::makeBackground(const BackgroundAppearance& appearance) {

@@ -86,7 +86,7 @@ public:
     Q_INVOKABLE void windowDidLayout(double width, double height);
 
     Rect mainScreenBounds() override { return {{0, 0}, screen_}; }
-    Orientation statusBarOrientation() override { return Orientation::portrait; }
+    Orientation statusBarOrientation() override { return Orientation::Portrait; }
     std::optional<WindowId> delegateWindow() override { return WindowId{0}; }
     std::optional<WindowId> keyWindow() override { return WindowId{0}; }
     Rect windowFrame(WindowId) override { return {{0, 0}, screen_}; }
@@ -117,11 +117,11 @@ public:
     bool sleep(double seconds) override { return workers_.sleep(seconds); }
     void cancelThreads() override { workers_.cancelAll(); }
 
-    OverlayPiece* background() { return &piece(Piece::background); }
-    OverlayPiece* hud() { return &piece(Piece::hud); }
-    OverlayPiece* spinner() { return &piece(Piece::spinner); }
-    OverlayPiece* image() { return &piece(Piece::image); }
-    OverlayPiece* label() { return &piece(Piece::label); }
+    OverlayPiece* background() { return &piece(Piece::Background); }
+    OverlayPiece* hud() { return &piece(Piece::Hud); }
+    OverlayPiece* spinner() { return &piece(Piece::Spinner); }
+    OverlayPiece* image() { return &piece(Piece::Image); }
+    OverlayPiece* label() { return &piece(Piece::Label); }
     QString message() const { return message_; }
     QString imageFile() const { return imageFile_; }
     bool spinning() const { return spinning_; }

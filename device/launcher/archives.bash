@@ -19,10 +19,15 @@ pack_folder() {
     make_scratch
     work=$(mktemp -d -- "$scratch/XXXXXX") && mkdir -- "$work/Payload" || return
     packed=$work/${folder##*/}
+    [[ ! -t 2 ]] || printf '\r\033[KPacking %s' "$(tr -d '[:cntrl:]' <<<"${folder##*/}")" >&2
     cp -a -- "$folder" "$work/Payload/" &&
         (cd -- "$work" && ZIPOPT=-0 zip -qry "./${folder##*/}" Payload)
+    local status=$?
+    [[ ! -t 2 ]] || printf '\r\033[K' >&2
+    return "$status"
 }
 
+# install_archives FILE...; `progress` may name another way than a bar on a terminal.
 install_archives() {
     local given number=0 packed name names=() own=("${shared[@]}")
     local -A taken=()
@@ -39,7 +44,7 @@ install_archives() {
         names+=("$name")
     done
     local start_folder=/archives shared=("${own[@]}")
-    run_on_device ipainstaller -f "${names[@]}"
+    run_on_device ipainstaller --progress "${progress:-bar}" -f "${names[@]}"
 }
 
 # export_archive IDENTIFIER FOLDER NAME
@@ -47,5 +52,5 @@ export_archive() {
     local name=$3 start_folder=/export shared=("${shared[@]}" --bind "$2" /export)
     [[ $name != -* ]] || name=./$name
     cd -- "$2" || exit 1
-    run_on_device ipainstaller -b "$1" "$name"
+    run_on_device ipainstaller --progress "${progress:-bar}" -b "$1" "$name"
 }

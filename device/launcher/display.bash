@@ -44,6 +44,10 @@ share_x11() {
         set_variable XAUTHORITY /run/mobile/Xauthority
     fi
     [[ -d /tmp/.X11-unix ]] || return 0
+    if [[ -n $read_only ]]; then
+        shared+=(--bind /tmp/.X11-unix /tmp/.X11-unix)
+        return
+    fi
     exec 5<"$device/tmp" && flock -s 5 || return 0
     mount_point=$device/tmp/.X11-unix
     # Nothing that an application left under this name may lead the mount elsewhere.
@@ -57,6 +61,14 @@ forget_display() {
         rmdir -- "$mount_point" 2>/dev/null
     fi
     mount_point=
+}
+
+# "reduced" where the desktop's settings ask for fewer movements.
+desktop_motion() {
+    if type -P gsettings >/dev/null &&
+        [[ $(timeout 1 gsettings get org.gnome.desktop.interface enable-animations 2>/dev/null) == false ]]; then
+        echo reduced
+    fi
 }
 
 # "dark" or "light": what the desktop's settings prefer. The application cannot ask itself, since

@@ -1,34 +1,47 @@
-# Driving the application by a script. The application has none of the desktop's paths: its script
+# Driving a window by a script. The window has none of the desktop's paths: its script
 # comes through descriptor 6, its screenshots go out through 7 and are answered through 8.
 # shellcheck shell=bash disable=SC2154 # scratch and the like are the launcher's
 
-# drive_application SCRIPT SHOW SIZE; SCRIPT is a file or - for standard input, SIZE may be empty.
-drive_application() {
+# drive_window WINDOW SCRIPT SHOW SIZE: WINDOW is app or home, SCRIPT a file or - for standard input;
+# SIZE may be empty.
+drive_window() {
+    local window=$1 arguments=(--desk 3:4 ${4:+--size "$4"})
+    shift
+    open_desk
     if [[ -n $2 ]]; then
         share_display
     else
         set_variable QT_QPA_PLATFORM offscreen
         set_variable QT_QUICK_BACKEND "${QT_QUICK_BACKEND:-software}"
     fi
-    share_network
+    if [[ $window == home ]]; then
+        prepare_home light
+        arguments+=("${home_arguments[@]}")
+    else
+        share_network
+        arguments+=(--appearance "${appearance:-light}")
+    fi
     if [[ $1 == - ]]; then
         exec 6<&0
     else
         exec 6<"$1" || exit 2
     fi
     exec 0</dev/null
-    drive_with_shots --appearance "${appearance:-light}" ${3:+--size "$3"}
+    drive_with_shots "dubrix-$window" "${arguments[@]}"
+    local status=$?
+    close_desk
+    return "$status"
 }
 
 drive_with_shots() {
     local shots_in shots_out receiver status
-    coproc RECEIVER { receive_shots 6<&-; }
+    coproc RECEIVER { receive_shots 3<&- 4<&- 6<&-; }
     receiver=$RECEIVER_PID
     shots_in=${RECEIVER[0]} shots_out=${RECEIVER[1]}
     # Opened anew, not duplicated: bash hands its own ends of a coprocess to nobody.
     exec 7>"/dev/fd/$shots_out" 8<"/dev/fd/$shots_in"
     exec {shots_out}>&- {shots_in}<&-
-    run_on_device dubrix-app --drive 6:7:8 "$@"
+    run_on_device "$1" --drive 6:7:8 "${@:2}"
     status=$?
     exec 6<&- 7>&- 8<&-
     wait "$receiver"

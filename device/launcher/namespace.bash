@@ -8,6 +8,7 @@ shared=()                 # what the command at hand is given beyond the device
 variables=()              # the same for a command without isolation, as NAME=VALUE
 network=(--unshare-net)   # empty where the network is shared
 memory=(--unshare-ipc)    # empty where shared memory is needed with the desktop
+read_only=                # not empty where a command may only look at the device
 start_folder=/var/mobile  # where a command starts
 
 check_tools() {
@@ -58,6 +59,8 @@ bind_system() {
 device_bindings() {
     bindings=(--bind "$device/tmp" /tmp --bind "$device/var" /var
         --bind "$device/Applications" /Applications --ro-bind "$libexec" /dubrix)
+    [[ -z $read_only ]] || bindings=(--tmpfs /tmp --ro-bind "$device/var" /var
+        --ro-bind "$device/Applications" /Applications --ro-bind "$libexec" /dubrix)
     local place=$device/Applications/Dubrix.app
     if [[ -d $place && ! -L $place && -d $share/Dubrix.app ]]; then
         bindings+=(--ro-bind "$share/Dubrix.app" /Applications/Dubrix.app)

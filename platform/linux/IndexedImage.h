@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/RgbaImage.h"
+#include "formats/RgbaImage.h"
 
 #include <array>
 #include <optional>

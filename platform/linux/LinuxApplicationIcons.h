@@ -1,5 +1,6 @@
 #pragma once
 
+#include "device/BundleIcon.h"
 #include "device/Registry.h"
 #include "platform/ApplicationIcons.h"
 
@@ -10,7 +11,9 @@ class LinuxApplicationIcons final : public ApplicationIcons {
 public:
     explicit LinuxApplicationIcons(const std::filesystem::path& root) : registry_(root) {}
 
-    std::optional<Picture> iconOfBundle(const std::string& path, unsigned pixels) const override;
+    std::optional<RgbaImage> iconOfBundle(const std::string& path, unsigned pixels) const override {
+        return dubrix::iconOfBundle(registry_.hostPath(path), pixels);
+    }
 
 private:
     Registry registry_;

@@ -6,11 +6,11 @@ std::optional<std::string>
 LinuxApplicationList::valueForKey(std::string_view key,
                                   const std::string& forDisplayIdentifier) const {
     if (key == "path")
-        return registry_.pathOf(forDisplayIdentifier);
+        return applications_.pathOf(forDisplayIdentifier);
     const bool name = key == "displayName";
     if (!name && key != "bundleVersion")
         return std::nullopt;
-    const auto info = registry_.infoOf(forDisplayIdentifier);
+    const auto info = applications_.infoOf(forDisplayIdentifier);
     if (!info)
         return std::nullopt;
     return name ? info->displayName : info->version;
@@ -24,19 +24,11 @@ std::map<std::string, std::string> LinuxApplicationList::applications() const {
 }
 
 std::vector<ApplicationList::Entry> LinuxApplicationList::entries() const {
-    const std::scoped_lock lock(bundlesMutex_);
-    BundleInfoCache::Round bundles(bundles_);
     std::vector<Entry> entries;
-    for (const auto& [identifier, path] : registry_.paths()) {
-        const BundleInfo* const info = bundles.read(registry_.hostPath(path));
-        if (info)
-            entries.push_back({identifier, info->displayName, path, false, info->hidden});
-    }
-    for (const std::string& path : registry_.systemBundles()) {
-        const BundleInfo* const info = bundles.read(registry_.hostPath(path));
-        if (info && info->identifier)
-            entries.push_back({*info->identifier, info->displayName, path, true, info->hidden});
-    }
+    for (InstalledApplication& application : applications_.all())
+        entries.push_back({std::move(application.identifier), std::move(application.name),
+                           std::move(application.path), application.isSystemApplication,
+                           application.isHidden});
     return entries;
 }
 

@@ -1,10 +1,7 @@
 #pragma once
 
-#include "device/Registry.h"
+#include "device/InstalledApplications.h"
 #include "platform/ApplicationList.h"
-#include "platform/linux/BundleInfoCache.h"
-
-#include <mutex>
 
 namespace dubrix {
 
@@ -13,7 +10,7 @@ namespace dubrix {
 /// thread.
 class LinuxApplicationList final : public ApplicationList {
 public:
-    explicit LinuxApplicationList(const std::filesystem::path& root) : registry_(root) {}
+    explicit LinuxApplicationList(const std::filesystem::path& root) : applications_(root) {}
 
     std::optional<std::string> valueForKey(std::string_view key,
                                            const std::string& forDisplayIdentifier) const override;
@@ -21,9 +18,7 @@ public:
     std::vector<Entry> entries() const override;
 
 private:
-    Registry registry_;
-    mutable std::mutex bundlesMutex_;
-    mutable BundleInfoCache bundles_;
+    InstalledApplications applications_;
 };
 
 } // namespace dubrix

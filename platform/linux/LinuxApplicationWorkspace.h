@@ -1,6 +1,6 @@
 #pragma once
 
-#include "device/Registry.h"
+#include "device/RegistryLinks.h"
 #include "platform/ApplicationWorkspace.h"
 
 namespace dubrix {
@@ -8,14 +8,15 @@ namespace dubrix {
 /// Answers from the links of the device's registry alone; no bundle is read.
 class LinuxApplicationWorkspace final : public ApplicationWorkspace {
 public:
-    explicit LinuxApplicationWorkspace(const std::filesystem::path& root) : registry_(root) {}
+    explicit LinuxApplicationWorkspace(const std::filesystem::path& root)
+        : links_(Registry(root)) {}
 
     bool applicationIsInstalled(const std::string& identifier) const override {
-        return registry_.isInstalled(identifier);
+        return links_.isInstalled(identifier);
     }
 
 private:
-    Registry registry_;
+    mutable RegistryLinks links_;
 };
 
 } // namespace dubrix

@@ -1,13 +1,12 @@
 #include "platform/linux/LinuxCommandRunner.h"
 
-#include <QCoreApplication>
-#include <QEventLoop>
+#include "platform/linux/PaintingWait.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <string_view>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace dubrix {
@@ -37,17 +36,6 @@ void waitForEnd(pid_t process) {
     }
 }
 
-void waitWhilePainting(pid_t process) {
-    QEventLoop loop;
-    std::thread waiter([process, &loop] {
-        waitForEnd(process);
-        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
-    });
-    loop.exec(QEventLoop::ExcludeUserInputEvents);
-    // The loop also ends when the application is told to quit; the command is still waited for.
-    waiter.join();
-}
-
 } // namespace
 
 LinuxCommandRunner::LinuxCommandRunner(const std::filesystem::path& root,
@@ -70,10 +58,7 @@ void LinuxCommandRunner::runCommand(const std::string& command) {
     }
     if (process < 0)
         return;
-    if (QCoreApplication::instance())
-        waitWhilePainting(process);
-    else
-        waitForEnd(process);
+    waitWhilePainting([process] { waitForEnd(process); });
 }
 
 } // namespace dubrix

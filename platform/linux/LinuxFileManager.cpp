@@ -1,9 +1,10 @@
 #include "platform/linux/LinuxFileManager.h"
 
 #include "formats/WholeFile.h"
+#include "platform/linux/FolderSizes.h"
+#include "platform/linux/PaintingWait.h"
 
 #include <algorithm>
-#include <sys/stat.h>
 
 namespace dubrix {
 
@@ -93,26 +94,14 @@ bool LinuxFileManager::removeItemAtPath(const std::string& path) {
     const fs::path parent = fs::canonical(item.parent_path(), error);
     if (error || !isBelow(tmp, parent)) // the way there led through a link to somewhere else
         return false;
-    fs::remove_all(item, error);
+    waitWhilePainting([&item, &error] { fs::remove_all(item, error); });
     return !error && fs::symlink_status(item, error).type() == fs::file_type::not_found;
 }
 
-std::vector<std::string> LinuxFileManager::subpathsAtPath(const std::string& path) const {
-    std::vector<std::string> found;
-    const std::string folder = withoutTrailingSlash(resolve(path)).string();
-    std::error_code error;
-    fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied,
-                                           error);
-    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error))
-        found.push_back(entry->path().native().substr(folder.size() + 1));
-    return found;
-}
-
-std::optional<std::int64_t> LinuxFileManager::sizeOfItemAtPath(const std::string& path) const {
-    struct stat status {};
-    if (::lstat(resolve(path).c_str(), &status) != 0)
-        return std::nullopt;
-    return status.st_size;
+std::vector<std::int64_t> LinuxFileManager::sizesOfItemsBelowPath(const std::string& path) const {
+    std::vector<std::int64_t> sizes;
+    waitWhilePainting([&, folder = resolve(path)] { sizes = sizesBelow(folder); });
+    return sizes;
 }
 
 std::optional<std::string> LinuxFileManager::contentsAtPath(const std::string& path) const {

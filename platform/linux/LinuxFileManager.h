@@ -7,6 +7,7 @@
 namespace dubrix {
 
 /// Files of the device whose root folder is `root` ("/" inside the device's own namespace).
+/// Removing a folder and listing one can take long: the window goes on painting meanwhile.
 class LinuxFileManager final : public FileManager {
 public:
     explicit LinuxFileManager(std::filesystem::path root) : root_(std::move(root)) {}
@@ -14,8 +15,7 @@ public:
     bool fileExistsAtPath(const std::string& path) const override;
     bool createDirectoryAtPath(const std::string& path) override;
     bool removeItemAtPath(const std::string& path) override;
-    std::vector<std::string> subpathsAtPath(const std::string& path) const override;
-    std::optional<std::int64_t> sizeOfItemAtPath(const std::string& path) const override;
+    std::vector<std::int64_t> sizesOfItemsBelowPath(const std::string& path) const override;
     std::optional<std::string> contentsAtPath(const std::string& path) const override;
     bool writeToFile(const std::string& path, std::string_view bytes) override;
 

@@ -5,7 +5,8 @@
 namespace dubrix {
 
 /// Remaps PNG (also the phone's crushed form) and JPEG files; see decodeImage for what is read and
-/// MonochromeRemap for the formula. Holds no state.
+/// MonochromeRemap for the formula. Holds no state; the window goes on
+/// painting meanwhile.
 class LinuxMonochromeFilter final : public MonochromeFilter {
 public:
     std::optional<std::string> monochromePng(std::string_view image, float red, float green,

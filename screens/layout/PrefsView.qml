@@ -35,6 +35,7 @@ Flickable {
 
         Text {
             leftPadding: Theme.points(4)
+            visible: !view.controller.headerView.hidden
             text: "Dubrix"
             color: Theme.text
             font.pixelSize: Theme.largeTitleSize

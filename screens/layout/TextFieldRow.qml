@@ -37,6 +37,9 @@ SettingsRow {
         Accessible.name: row.title
         Accessible.editable: true
         onTextEdited: row.edited(text)
+        // A long text that is not being edited shows its beginning.
+        onTextChanged: if (!activeFocus)
+            cursorPosition = 0
         onAccepted: row.returned()
         onActiveFocusChanged: if (!activeFocus)
             cursorPosition = 0

@@ -37,6 +37,11 @@ TEST(InstallerProgram, SaysOneLineForEachApplication) {
                              "Installed com.example.App (X)\n");
     EXPECT_EQ(result.errors, "ipainstaller: bad.ipa: is not an archive\n");
 
+    result = run(device, "--root device --progress lines -f 'my app.ipa' bad.ipa");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "progress 100\nInstalled com.example.app3 (例 Example 3)\n"
+                             "Installed 1 of 2 applications; not installed: bad.ipa\n");
+
     result = run(device, "--root device -l");
     EXPECT_EQ(result.status, 0);
     const auto path = [&](const char* name) { return *device.registry().pathOf(name); };
@@ -56,9 +61,9 @@ TEST(InstallerProgram, SaysOneLineForEachApplication) {
 
 TEST(InstallerProgram, TellsMistakesFromFailures) {
     const DeviceFolder device;
-    for (const char* mistake :
-         {"", "-f", "-u", "-u a b", "-b a", "-b a b c", "-l a", "-x", "-f a -l", "-l -l", "a.ipa",
-          "-l --root", "-l --root ''", "-f --force a.ipa", "-u ''"}) {
+    for (const char* mistake : {"", "-f", "-u", "-u a b", "-b a", "-b a b c", "-l a", "-x",
+                                "-f a -l", "-l -l", "a.ipa", "-l --progress", "--progress half -l",
+                                "-l --root", "-l --root ''", "-f --force a.ipa", "-u ''"}) {
         const Ended result = run(device, mistake);
         EXPECT_EQ(result.status, 2) << mistake;
         EXPECT_EQ(result.output, "") << mistake;

@@ -137,6 +137,20 @@ TEST(InstallerRefusal, ChangesNothingAndNamesTheFile) {
     EXPECT_TRUE(device.snapshot() == before);
 }
 
+TEST(InstallerRefusal, NamesTheFirstOfSeveralFaultsHoweverManyUnpack) {
+    const DeviceFolder device;
+    std::vector<ZipItem> items{info};
+    for (int number = 0; number < 200; ++number)
+        items.push_back({bundle + std::to_string(number), std::string(20'000, 'a')});
+    items.push_back({bundle + "large", std::string(3'000'000, 'a')}); // unpacked first
+    for (const std::size_t damaged : {58U, 59U, 120U, 201U})
+        items[damaged].crcError = 1;
+    const auto result = device.installer().install(device.archive("Bad.ipa", zipOf(items)));
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.failure().text, "Bad.ipa: is damaged at 57");
+    EXPECT_EQ(device.leftovers(), 0);
+}
+
 TEST(InstallerRefusal, AsksForRoomBeforeItUnpacks) {
     const DeviceFolder device;
     ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1")));

@@ -111,6 +111,27 @@ TEST(Installer, InstallsWhatTheZipCommandMakes) {
     EXPECT_EQ(device.leftovers(), 0);
 }
 
+TEST(Installer, FilesEnoughForSeveralThreadsArriveWhole) {
+    const DeviceFolder device;
+    std::vector<ZipItem> items;
+    std::map<std::string, std::string> expected;
+    for (std::size_t number = 0; number < 120; ++number) {
+        const std::string name = std::to_string(number % 7) + "/" + std::to_string(number);
+        std::string content;
+        while (content.size() < number * (number % 40 == 39 ? 20'000 : 300))
+            content += name;
+        items.push_back({name, content, S_IFREG | 0644, number % 3 == 0 ? 0U : 8U});
+        expected.emplace(name, std::move(content));
+    }
+    int unpacked = 0;
+    Installer installer = device.installer(
+        [&](std::string_view step) { unpacked += step == "file unpacked" ? 1 : 0; });
+    ASSERT_TRUE(installer.install(device.application("com.example.app", "1", items)));
+    EXPECT_EQ(unpacked, 121); // the Info.plist too
+    for (const auto& [name, content] : expected)
+        EXPECT_TRUE(contentsOf(device.installed("com.example.app", name)) == content) << name;
+}
+
 TEST(Installer, AnUpdateTakesTheOldBundlesPlaceWhole) {
     const DeviceFolder device;
     ASSERT_TRUE(device.installer().install(

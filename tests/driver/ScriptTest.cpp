@@ -18,10 +18,11 @@ std::string parsed(const std::string& line) {
     if (!result.step)
         return "nothing";
     const ScriptStep& step = *result.step;
-    static const char* const verbs[] = {"tap", "type", "wait", "expect", "absent", "shot"};
+    static const char* const verbs[] = {"tap",    "type", "wait", "gone", "expect",
+                                        "absent", "shot", "hold", "drop"};
     std::string text = verbs[static_cast<int>(step.verb)];
     text += "|" + step.target + "|" + step.text;
-    if (step.verb == ScriptStep::Verb::Wait)
+    if (step.waits())
         text += "|" + std::to_string(static_cast<int>(step.seconds * 100));
     return text;
 }
@@ -76,7 +77,10 @@ TEST(ScriptStep, ReadsEveryForm) {
         {R"(wait "Duplicates: 0")", "wait|Duplicates: 0||1000"},
         {R"(wait "Duplicates: 0" 3600)", "wait|Duplicates: 0||360000"},
         {"wait 5", "wait|5||1000"},
+        {"gone Please wait... 60", "gone|Please wait...||6000"},
         {"shot a folder/one.png", "shot|a folder/one.png|"},
+        {"hold Fernleaf Notes", "hold|Fernleaf Notes|"},
+        {"drop /a folder/one.ipa", "drop|/a folder/one.ipa|"},
         {"tap", "error: a name, text or file is missing"},
         {R"(expect "")", "error: a name, text or file is missing"},
         {R"(tap "open)", "error: a closing quote is missing"},

@@ -1,7 +1,7 @@
 #include "engine/Alerts.h"
 #include "engine/CloneEngine.h"
+#include "network/CurlDownloader.h"
 #include "platform/CommandRunner.h"
-#include "platform/linux/CurlDownloader.h"
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationList.h"
 #include "platform/linux/LinuxApplicationWorkspace.h"

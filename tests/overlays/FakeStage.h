@@ -17,7 +17,7 @@ public:
 
     // What the platform is like.
     Rect screen{{0, 0}, {320, 480}};
-    Orientation orientation = Orientation::portrait;
+    Orientation orientation = Orientation::Portrait;
     std::optional<WindowId> delegate = WindowId{7};
     std::vector<WindowContents> contents;
     Size measured{150, 20};
@@ -48,7 +48,7 @@ public:
             if (name == notification.name)
                 handler(notification);
     }
-    bool shows() const { return pieces.count(Piece::hud) != 0; }
+    bool shows() const { return pieces.count(Piece::Hud) != 0; }
 
     Rect mainScreenBounds() override { return screen; }
     Orientation statusBarOrientation() override { return orientation; }
@@ -57,11 +57,11 @@ public:
     Rect windowFrame(WindowId) override { return {{0, 20}, {320, 460}}; }
     std::vector<WindowContents> windows() override { return contents; }
     Size measureText(const std::string&, const Font&, Size) override { return measured; }
-    void makeBackground(const BackgroundAppearance&) override { make(Piece::background); }
-    void makeHud(const HudAppearance&) override { make(Piece::hud); }
-    void makeSpinner(const SpinnerAppearance&) override { make(Piece::spinner); }
-    void makeImage(const ImageAppearance&) override { make(Piece::image); }
-    void makeLabel(const LabelAppearance&) override { make(Piece::label); }
+    void makeBackground(const BackgroundAppearance&) override { make(Piece::Background); }
+    void makeHud(const HudAppearance&) override { make(Piece::Hud); }
+    void makeSpinner(const SpinnerAppearance&) override { make(Piece::Spinner); }
+    void makeImage(const ImageAppearance&) override { make(Piece::Image); }
+    void makeLabel(const LabelAppearance&) override { make(Piece::Label); }
     void addToWindow(Piece piece, WindowId window) override {
         note("add " + name(piece) + " to window " + std::to_string(static_cast<int>(window)));
     }

@@ -13,7 +13,7 @@ struct ProgressHUDTest : ::testing::Test {
     ProgressHUDTest() { ProgressHUD::useStage(stage); }
     ~ProgressHUDTest() override { ProgressHUD::withdrawStage(); }
 
-    Point center() const { return stage.pieces.at(Piece::hud).center.value(); }
+    Point center() const { return stage.pieces.at(Piece::Hud).center.value(); }
     long count(const std::string& call) const {
         return std::count(stage.log.begin(), stage.log.end(), call);
     }
@@ -67,7 +67,7 @@ TEST_F(ProgressHUDTest, EachShowSaysItsOwn) {
     const auto expect = [&](const std::optional<std::string>& image, std::size_t timedHides) {
         EXPECT_EQ(stage.text, "m");
         EXPECT_EQ(stage.image, image);
-        EXPECT_EQ(stage.pieces.at(Piece::image).hidden, !image);
+        EXPECT_EQ(stage.pieces.at(Piece::Image).hidden, !image);
         EXPECT_EQ(stage.spinning, !image);
         EXPECT_EQ(stage.sleeps.size(), timedHides);
         EXPECT_TRUE(ProgressHUD::shared()->interaction());
@@ -95,17 +95,17 @@ TEST_F(ProgressHUDTest, TheBoxFitsItsText) {
                           Case{150, 174, 12, 150}, Case{0, 100, 0, 100}}) {
         stage.measured = {c.textWidth, 20};
         ProgressHUD::show(c.textWidth == 0 ? "" : "text");
-        EXPECT_EQ(stage.pieces[Piece::hud].bounds, (Size{c.boxWidth, 100})) << c.textWidth;
-        EXPECT_EQ(stage.pieces[Piece::label].frame, (Rect{{c.labelX, 66}, {c.labelWidth, 20}}));
-        EXPECT_EQ(stage.pieces[Piece::label].hidden, false);
-        EXPECT_EQ(stage.pieces[Piece::spinner].center, (Point{c.boxWidth / 2, 36}));
+        EXPECT_EQ(stage.pieces[Piece::Hud].bounds, (Size{c.boxWidth, 100})) << c.textWidth;
+        EXPECT_EQ(stage.pieces[Piece::Label].frame, (Rect{{c.labelX, 66}, {c.labelWidth, 20}}));
+        EXPECT_EQ(stage.pieces[Piece::Label].hidden, false);
+        EXPECT_EQ(stage.pieces[Piece::Spinner].center, (Point{c.boxWidth / 2, 36}));
     }
     ProgressHUD::show(std::nullopt);
-    EXPECT_EQ(stage.pieces[Piece::hud].bounds, (Size{100, 100}));
-    EXPECT_EQ(stage.pieces[Piece::label].frame, Rect{});
-    EXPECT_EQ(stage.pieces[Piece::label].hidden, true);
-    EXPECT_EQ(stage.pieces[Piece::spinner].center, (Point{50, 50}));
-    EXPECT_EQ(stage.pieces[Piece::image].center, (Point{50, 50}));
+    EXPECT_EQ(stage.pieces[Piece::Hud].bounds, (Size{100, 100}));
+    EXPECT_EQ(stage.pieces[Piece::Label].frame, Rect{});
+    EXPECT_EQ(stage.pieces[Piece::Label].hidden, true);
+    EXPECT_EQ(stage.pieces[Piece::Spinner].center, (Point{50, 50}));
+    EXPECT_EQ(stage.pieces[Piece::Image].center, (Point{50, 50}));
 }
 
 TEST_F(ProgressHUDTest, TheBoxKeepsClearOfTheKeyboard) {
@@ -168,7 +168,7 @@ TEST_F(ProgressHUDTest, PopsInAndShrinksAway) {
 
     ProgressHUD::show("too late");
     EXPECT_EQ(count("make hud"), 1);
-    EXPECT_EQ(stage.pieces[Piece::hud].alpha, 0) << "goes on shrinking";
+    EXPECT_EQ(stage.pieces[Piece::Hud].alpha, 0) << "goes on shrinking";
     EXPECT_EQ(ProgressHUD::shared()->alpha(), 1);
     stage.advance(0.15);
     EXPECT_FALSE(stage.shows());
@@ -177,7 +177,7 @@ TEST_F(ProgressHUDTest, PopsInAndShrinksAway) {
     ProgressHUD::show("afresh");
     EXPECT_EQ(count("make hud"), 2);
     EXPECT_EQ(stage.handlers.size(), 5U);
-    EXPECT_EQ(stage.pieces[Piece::hud].scale, 1);
+    EXPECT_EQ(stage.pieces[Piece::Hud].scale, 1);
 }
 
 TEST_F(ProgressHUDTest, HidesItselfInTheTimeItTakesToRead) {
@@ -191,9 +191,9 @@ TEST_F(ProgressHUDTest, HidesItselfInTheTimeItTakesToRead) {
         ProgressHUD::showSuccess(c.message);
         EXPECT_DOUBLE_EQ(stage.sleeps.back(), c.seconds);
         stage.advance(c.seconds - 0.01);
-        EXPECT_EQ(stage.pieces.at(Piece::hud).alpha, 1);
+        EXPECT_EQ(stage.pieces.at(Piece::Hud).alpha, 1);
         stage.advance(0.01);
-        EXPECT_EQ(stage.pieces.at(Piece::hud).alpha, 0);
+        EXPECT_EQ(stage.pieces.at(Piece::Hud).alpha, 0);
         stage.advance(0.15);
         EXPECT_FALSE(stage.shows());
     }

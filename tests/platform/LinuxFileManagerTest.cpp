@@ -2,6 +2,7 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <algorithm>
+#include <sys/stat.h>
 
 namespace dubrix {
 
@@ -86,22 +87,28 @@ TEST_F(LinuxFileManagerTest, PathsIntoAStagedBundleEndInside) {
     EXPECT_TRUE(files.fileExistsAtPath("/tmp/My App/Payload/Y.app/file"));
 }
 
-TEST_F(LinuxFileManagerTest, MakesFoldersAndListsWhatIsBelow) {
+TEST_F(LinuxFileManagerTest, MakesFoldersAndMeasuresWhatIsBelow) {
     for (const char* const path : {"/tmp/a/b c/", "/tmp/a/b c/", "/tmp/My App/Payload"})
         EXPECT_TRUE(files.createDirectoryAtPath(path)) << path;
     EXPECT_TRUE(fs::is_directory(root / "tmp/a/b c"));
     for (const char* const path : {"/tmp/file", "/tmp/file/below"})
         EXPECT_FALSE(files.createDirectoryAtPath(path)) << path;
 
-    auto below = files.subpathsAtPath("/tmp/My App//");
-    std::ranges::sort(below);
-    EXPECT_EQ(below,
-              (std::vector<std::string>{"Payload", "Payload/X.app", "Payload/X.app/Info.plist",
-                                        "Payload/X.app/astray", "Payload/X.app/here"}));
-    EXPECT_EQ(files.sizeOfItemAtPath("/tmp/My App/Payload/X.app/here"), 1);
-    EXPECT_EQ(files.sizeOfItemAtPath("/tmp/My App/Payload/X.app/Info.plist"), 4);
-    EXPECT_EQ(files.sizeOfItemAtPath("/tmp/none"), std::nullopt);
-    EXPECT_EQ(files.subpathsAtPath("/tmp/file").size() + files.subpathsAtPath("/none").size(), 0U);
+    // A file of 4 bytes, a link "." and one to somewhere else, two folders.
+    auto sizes = files.sizesOfItemsBelowPath("/tmp/My App//");
+    std::vector<std::int64_t> expected;
+    for (const char* const name : {"Payload", "Payload/X.app", "Payload/X.app/Info.plist",
+                                   "Payload/X.app/astray", "Payload/X.app/here"}) {
+        struct stat status {};
+        ASSERT_EQ(::lstat((root / "tmp/My App" / name).c_str(), &status), 0);
+        expected.push_back(status.st_size);
+    }
+    std::ranges::sort(sizes);
+    std::ranges::sort(expected);
+    EXPECT_EQ(sizes, expected);
+    EXPECT_EQ(std::ranges::count(sizes, 4) + std::ranges::count(sizes, 1), 2);
+    for (const char* const path : {"/tmp/file", "/none"})
+        EXPECT_TRUE(files.sizesOfItemsBelowPath(path).empty()) << path;
 }
 
 } // namespace dubrix

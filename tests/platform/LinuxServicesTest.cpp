@@ -2,6 +2,7 @@
 #include "platform/linux/LinuxApplicationList.h"
 #include "platform/linux/LinuxApplicationWorkspace.h"
 #include "platform/linux/LinuxCommandRunner.h"
+#include "platform/linux/LinuxFileManager.h"
 #include "tests/device/DeviceFolder.h"
 
 #include <QCoreApplication>
@@ -52,6 +53,14 @@ TEST(LinuxCommandRunner, TheEventLoopGoesOnMeanwhile) {
     LinuxCommandRunner("/", "/none")
         .runCommand("cd '" + folder.path().native() + "' && read -r line < pipe; echo $line > out");
     EXPECT_EQ(contentsOf(folder / "out"), "end\n");
+
+    // A folder's removal, which can take as long as a command's run, lets it go on too.
+    LinuxFileManager files(folder.path());
+    putFile(folder / "tmp/staging/file", "");
+    bool wentOn = false;
+    QTimer::singleShot(0, [&wentOn] { wentOn = true; });
+    EXPECT_TRUE(files.removeItemAtPath("/tmp/staging"));
+    EXPECT_TRUE(wentOn);
 }
 
 TEST(FileStyleByteCount, RoundsAndCarries) {

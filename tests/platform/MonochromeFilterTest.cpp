@@ -1,4 +1,4 @@
-#include "platform/linux/ImageDecoding.h"
+#include "formats/ImageDecoding.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "platform/linux/MonochromeRemap.h"
 #include "platform/linux/PngEncoding.h"

@@ -3,13 +3,13 @@
 #include "engine/Alerts.h"
 #include "engine/CloneEngine.h"
 #include "platform/SystemLog.h"
-#include "platform/linux/CurlDownloader.h"
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationList.h"
 #include "platform/linux/LinuxApplicationWorkspace.h"
 #include "platform/linux/LinuxCommandRunner.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
+#include "tests/support/NoDownloads.h"
 
 namespace dubrix {
 
@@ -60,7 +60,7 @@ public:
     LinuxMonochromeFilter filter;
     FileStyleByteCount byteCounts;
     SilentLog log;
-    CurlDownloader downloader;
+    NoDownloads downloader;
     const Platform platform{commands, files,      workspace, applications,
                             filter,   byteCounts, log,       downloader};
     AgreeingAlerts alerts;

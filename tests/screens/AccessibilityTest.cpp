@@ -1,9 +1,8 @@
+#include "looks/ApplicationIconProvider.h"
 #include "overlays/ProgressHUD.h"
-#include "platform/ApplicationIcons.h"
 #include "platform/HelpPages.h"
 #include "platform/UrlOpener.h"
 #include "screens/AboutTableViewController.h"
-#include "screens/ApplicationIconProvider.h"
 #include "screens/InterfaceLayout.h"
 #include "screens/PrefsViewController.h"
 #include "screens/QuickOverlayStage.h"
@@ -40,12 +39,6 @@ struct NoPages final : HelpPages, UrlOpener {
     void openURL(const std::string&) override {}
 };
 
-struct NoIcons final : ApplicationIcons {
-    std::optional<Picture> iconOfBundle(const std::string&, unsigned) const override {
-        return std::nullopt;
-    }
-};
-
 /// Everything below `item` that the Tab key is meant to reach now.
 void collectTabStops(QQuickItem* item, QSet<QQuickItem*>& stops) {
     if (!item->isVisible() || !item->isEnabled())
@@ -72,7 +65,9 @@ protected:
         engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
         engine.addImageProvider(QStringLiteral("template"), new TemplateImageProvider);
         engine.addImageProvider(QLatin1String(ApplicationIconProvider::name),
-                                new ApplicationIconProvider(icons));
+                                new ApplicationIconProvider([](const std::string&, unsigned) {
+                                    return std::optional<RgbaImage>();
+                                }));
         engine.setInitialProperties({{QStringLiteral("root"), QVariant::fromValue(root.get())},
                                      {QStringLiteral("stage"), QVariant::fromValue(&stage)}});
         engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Dubrix/Main.qml")));
@@ -104,7 +99,6 @@ protected:
     }
 
     NoPages pages;
-    NoIcons icons;
     const AboutServices about{log, pages, pages, PropertyList::dictionary()};
     QuickOverlayStage stage;
     std::unique_ptr<TabBarController> root;

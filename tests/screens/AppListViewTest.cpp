@@ -1,5 +1,4 @@
-#include "platform/ApplicationIcons.h"
-#include "screens/ApplicationIconProvider.h"
+#include "looks/ApplicationIconProvider.h"
 #include "tests/screens/PickerDevice.h"
 
 #include <QAccessible>
@@ -27,14 +26,15 @@ namespace dubrix {
 namespace {
 
 /// Red squares for bundles whose path ends in "red"; counts what it is asked.
-struct CountedIcons final : ApplicationIcons {
-    std::optional<Picture> iconOfBundle(const std::string& path, unsigned) const override {
+struct CountedIcons {
+    std::optional<RgbaImage> operator()(const std::string& path, unsigned) const {
         ++asked;
         if (!path.ends_with("red"))
             return std::nullopt;
-        Picture picture{40, 20, std::make_unique<std::uint8_t[]>(40 * 20 * 4)};
+        RgbaImage picture(40, 20);
+        std::fill_n(picture.bytes.get(), 40 * 20 * 4, std::uint8_t{0});
         for (std::size_t pixel = 0; pixel < 40 * 20; ++pixel)
-            picture.rgba[pixel * 4] = picture.rgba[pixel * 4 + 3] = 255;
+            picture.bytes[pixel * 4] = picture.bytes[pixel * 4 + 3] = 255;
         return picture;
     }
     mutable std::atomic<int> asked = 0;
@@ -44,7 +44,7 @@ struct CountedIcons final : ApplicationIcons {
 
 TEST(ApplicationIconProviderTest, DrawsRoundSquaresAndKeepsThem) {
     const CountedIcons icons;
-    ApplicationIconProvider provider(icons);
+    ApplicationIconProvider provider(std::cref(icons));
     const QImage red = provider.icon("/some/red", 58);
     EXPECT_EQ(red.size(), QSize(58, 58));
     EXPECT_EQ(red.pixelColor(0, 0).alpha(), 0);
@@ -68,7 +68,7 @@ TEST(ApplicationIconProviderTest, DrawsRoundSquaresAndKeepsThem) {
 
 TEST(ApplicationIconProviderTest, AnswersFromAnotherThread) {
     const CountedIcons icons;
-    ApplicationIconProvider provider(icons);
+    ApplicationIconProvider provider(std::cref(icons));
     const std::string odd = "/Ein Pfad/100 % \xff?#/red"; // any bytes of a path survive
     const QString address = ApplicationIconProvider::addressFor(odd);
     const QString id = QUrl(address).path().mid(1);
@@ -92,7 +92,7 @@ protected:
         picker.loadViewIfNeeded();
         view.engine()->addImportPath("qrc:/qt/qml");
         view.engine()->addImageProvider(QLatin1String(ApplicationIconProvider::name),
-                                        new ApplicationIconProvider(icons));
+                                        new ApplicationIconProvider(std::cref(icons)));
         view.setInitialProperties({{"controller", QVariant::fromValue(&picker)}});
         view.setResizeMode(QQuickView::SizeRootObjectToView);
         view.resize(320, 480);

@@ -1,0 +1,91 @@
+"""Timing of whole processes that take turns."""
+import dataclasses
+import os
+import statistics
+import subprocess
+import time
+from typing import Callable
+
+# The machine's own settings must not change what is compared.
+PLAIN = {key: value for key, value in os.environ.items() if key not in ("ZIPOPT", "UNZIP", "BASH_ENV")}
+
+
+class Failed(Exception):
+    """Something did not do what it was to be timed for."""
+
+
+@dataclasses.dataclass
+class Contestant:
+    """A command that is timed, and what is done before and after each run without being timed.
+    Its output goes to nobody. It runs on `cores`, or on all when these are empty."""
+    command: list
+    environment: dict = dataclasses.field(default_factory=dict)
+    cores: frozenset = frozenset()
+    before: Callable = lambda: None
+    after: Callable = lambda: None
+    seconds: list = dataclasses.field(default_factory=list)
+    processor: list = dataclasses.field(default_factory=list)
+    peak: list = dataclasses.field(default_factory=list)
+
+    def choose_cores(self):
+        os.sched_setaffinity(0, self.cores)
+
+    def run(self):
+        self.before()
+        start = time.perf_counter()
+        process = subprocess.Popen(self.command, env=PLAIN | self.environment,
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                   preexec_fn=self.choose_cores if self.cores else None)
+        _, status, usage = os.wait4(process.pid, 0)
+        self.seconds.append(time.perf_counter() - start)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        if process.returncode != 0:
+            raise Failed(f"{self.command[0]} ended with {process.returncode}")
+        self.processor.append(usage.ru_utime + usage.ru_stime)
+        self.peak.append(usage.ru_maxrss / 1024)
+        self.after()
+
+
+def take_turns(runs, *contestants):
+    """Runs A B A B …, so that a machine that slows down slows down both."""
+    for _ in range(runs):
+        for contestant in contestants:
+            contestant.run()
+
+
+@dataclasses.dataclass
+class Row:
+    """One line of the table: medians in `unit`, and the largest value that the ratio may have, or
+    that ours may have where there is nothing to compare with."""
+    group: str
+    work: str
+    unit: str
+    ours: float = None
+    against: str = ""
+    plain: float = None
+    target: float = None
+    ratios: list = dataclasses.field(default_factory=list)
+    processor: list = None
+    note: str = ""
+
+    @property
+    def ratio(self):
+        return statistics.median(self.ratios) if self.ratios else None
+
+    @property
+    def met(self):
+        if self.ours is None and self.target is not None:
+            return False
+        measured = self.ours if self.plain is None else self.ratio
+        return None if None in (self.target, measured) else measured <= self.target
+
+    def as_data(self):
+        return dataclasses.asdict(self) | {"ratio": self.ratio, "met": self.met}
+
+
+def compared(group, work, ours, against, plain, target):
+    """The row of two contestants that have taken turns: the ratio is the median of the pairs'."""
+    return Row(group, work, "s", statistics.median(ours.seconds), against,
+               statistics.median(plain.seconds), target,
+               [a / b for a, b in zip(ours.seconds, plain.seconds)],
+               [statistics.median(ours.processor), statistics.median(plain.processor)])

@@ -1,0 +1,36 @@
+#include "device/InstalledApplications.h"
+
+namespace dubrix {
+
+std::vector<InstalledApplication> InstalledApplications::all() const {
+    const std::scoped_lock lock(mutex_);
+    std::vector<InstalledApplication> applications;
+    const std::vector<RegisteredBundles::Bundle>& registered = registered_.current();
+    applications.reserve(registered.size());
+    for (const RegisteredBundles::Bundle& bundle : registered)
+        if (bundle.info)
+            applications.push_back({bundle.identifier, bundle.info->displayName, bundle.path, false,
+                                    bundle.info->hidden});
+    for (const std::string& path : registry_.systemBundles()) {
+        const BundleInfo* const info = asked_.read(registry_.hostPathText(path));
+        if (info && info->identifier)
+            applications.push_back(
+                {*info->identifier, info->displayName, path, true, info->hidden});
+    }
+    return applications;
+}
+
+std::optional<std::string> InstalledApplications::pathOf(const std::string& identifier) const {
+    return links_.pathOf(identifier);
+}
+
+std::optional<BundleInfo> InstalledApplications::infoOf(const std::string& identifier) const {
+    const std::optional<std::string> path = links_.pathOf(identifier);
+    if (!path)
+        return std::nullopt;
+    const std::scoped_lock lock(mutex_);
+    const BundleInfo* const info = asked_.read(registry_.hostPathText(*path));
+    return info ? std::optional(*info) : std::nullopt;
+}
+
+} // namespace dubrix

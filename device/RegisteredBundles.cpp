@@ -1,0 +1,97 @@
+#include "device/RegisteredBundles.h"
+
+#include "device/FileTree.h"
+
+#include <algorithm>
+#include <system_error>
+#include <thread>
+
+namespace dubrix {
+
+namespace {
+
+/// As many bundles must be looked at by a thread to be worth its start.
+constexpr std::size_t enoughForThread = 256;
+constexpr std::size_t mostThreads = 4;
+
+/// Calls `work` for each of `bundles`, by several threads when they are many.
+template<class Bundle, class Work>
+void forEach(std::vector<Bundle>& bundles, Work work) {
+    const std::size_t most =
+        std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, mostThreads);
+    const std::size_t threads = std::clamp<std::size_t>(bundles.size() / enoughForThread, 1, most);
+    const auto workOn = [&](std::size_t part) {
+        const std::size_t end = bundles.size() * (part + 1) / threads;
+        for (std::size_t index = bundles.size() * part / threads; index < end; ++index)
+            work(bundles[index]);
+    };
+    std::vector<std::jthread> others;
+    for (std::size_t part = 1; part < threads; ++part) {
+        try {
+            others.emplace_back(workOn, part);
+        } catch (const std::system_error&) {
+            workOn(part); // the system gives no more threads
+        }
+    }
+    workOn(0);
+}
+
+} // namespace
+
+const std::vector<RegisteredBundles::Bundle>& RegisteredBundles::current() {
+    const FileStamp::Time now = FileStamp::now();
+    const FileStamp links = FileStamp::of(registry_.hostPathText(Registry::registryPath).c_str());
+    const Descriptor applications =
+        openFolderAt(AT_FDCWD, registry_.hostPathText(Registry::applicationPath));
+    // A link that comes, goes or leads elsewhere changes the folder that it is in.
+    const Look look{applications.get(), now, links != links_};
+    if (look.linksChanged)
+        takeNames();
+    links_ = links.keptAt(now, settling_);
+    forEach(bundles_, [&](Bundle& bundle) { update(bundle, look); });
+    return bundles_;
+}
+
+void RegisteredBundles::takeNames() {
+    std::vector<Bundle> earlier = std::exchange(bundles_, {});
+    auto known = earlier.begin();
+    for (std::string& name : registry_.names()) {
+        while (known != earlier.end() && known->identifier < name)
+            ++known;
+        if (known != earlier.end() && known->identifier == name)
+            bundles_.push_back(std::move(*known));
+        else
+            bundles_.push_back(
+                {.identifier = std::move(name), .path = {}, .info = {}, .file = {}, .stamp = {}});
+    }
+}
+
+void RegisteredBundles::update(Bundle& bundle, const Look& look) const {
+    if (look.linksChanged || bundle.path.empty())
+        follow(bundle);
+    if (bundle.path.empty())
+        return;
+    // Looked at before it is read: a change between the two shows at the next look.
+    const FileStamp stamp = FileStamp::of(bundle.file.c_str(), look.applications);
+    if (stamp == bundle.stamp)
+        return;
+    bundle.stamp = stamp.keptAt(look.time, settling_);
+    const std::string_view path = bundle.path;
+    bundle.info = BundleInfo::readFile(registry_.hostPathText(path) + "/Info.plist",
+                                       path.substr(path.rfind('/') + 1));
+}
+
+void RegisteredBundles::follow(Bundle& bundle) const {
+    const std::string path = registry_.pathOf(bundle.identifier).value_or("");
+    if (path == bundle.path)
+        return;
+    const std::string installed = std::string(Registry::applicationPath) + "/";
+    bundle.file = (path.starts_with(installed) ? path.substr(installed.size())
+                                               : registry_.hostPathText(path)) +
+                  "/Info.plist";
+    bundle.path = path;
+    bundle.info.reset();
+    bundle.stamp = {};
+}
+
+} // namespace dubrix

@@ -1,0 +1,116 @@
+#include "device/home/HomeApplications.h"
+
+#include "looks/NameOrder.h"
+
+#include <algorithm>
+
+namespace dubrix {
+
+namespace {
+
+/// Milliseconds; far below the second within which a change is to be seen.
+constexpr int pauseAfterChange = 60;
+
+QString pathText(const std::filesystem::path& path) {
+    return QString::fromStdString(path.native());
+}
+
+} // namespace
+
+HomeApplications::HomeApplications(const std::filesystem::path& root, QObject* parent)
+    : QObject(parent),
+      installed_(root) {
+    pause_.setSingleShot(true);
+    pause_.setInterval(pauseAfterChange);
+    connect(&pause_, &QTimer::timeout, this, &HomeApplications::read);
+    connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, [this] {
+        if (!pause_.isActive())
+            pause_.start();
+    });
+    read();
+}
+
+HomeApplications::~HomeApplications() {
+    if (reader_.joinable())
+        reader_.join();
+}
+
+/// The folder above is watched, too: the registry itself may be missing, or be made anew.
+void HomeApplications::watch() {
+    for (const std::string_view path : {Registry::bundlePath, Registry::registryPath}) {
+        const QString folder = pathText(installed_.registry().hostPath(path));
+        if (!watcher_.directories().contains(folder))
+            watcher_.addPath(folder);
+    }
+}
+
+void HomeApplications::read() {
+    if (reading_) {
+        changedMeanwhile_ = true;
+        return;
+    }
+    watch(); // before reading: what changes in between is noticed
+    reading_ = true;
+    changedMeanwhile_ = false;
+    if (reader_.joinable())
+        reader_.join();
+    reader_ = std::thread([this] {
+        auto applications = homeApplications(installed_.all(), installed_.registry());
+        QMetaObject::invokeMethod(
+            this, [this, read = std::move(applications)]() mutable { show(std::move(read)); },
+            Qt::QueuedConnection);
+    });
+}
+
+void HomeApplications::show(std::vector<HomeApplication> applications) {
+    reading_ = false;
+    if (!loaded_ || applications != applications_) {
+        applications_ = std::move(applications);
+        QStringList arrived;
+        QHash<QString, int> positions;
+        for (const HomeApplication& application : applications_) {
+            positions.insert(application.identifier, static_cast<int>(positions.size()));
+            if (loaded_ && !positions_.contains(application.identifier))
+                arrived.append(application.identifier);
+        }
+        positions_ = std::move(positions);
+        arrivals_ = QSet<QString>(arrived.cbegin(), arrived.cend());
+        loaded_ = true;
+        Q_EMIT changed();
+        if (!arrived.isEmpty())
+            Q_EMIT this->arrived(arrived);
+    }
+    if (changedMeanwhile_)
+        read();
+}
+
+std::vector<HomeApplication> homeApplications(const std::vector<InstalledApplication>& all,
+                                              const Registry& registry) {
+    struct Keyed {
+        QCollatorSortKey key;
+        HomeApplication application;
+    };
+    const QCollator order = peoplesOrder();
+    std::vector<Keyed> keyed;
+    for (const InstalledApplication& each : all) {
+        if (each.isSystemApplication || each.isHidden)
+            continue;
+        const QString identifier = QString::fromStdString(each.identifier);
+        const QString name = QString::fromStdString(each.name).simplified();
+        const QString shown = name.isEmpty() ? identifier : name;
+        keyed.push_back(
+            {order.sortKey(shown), {identifier, shown, registry.hostPath(each.path).native()}});
+    }
+    std::ranges::sort(keyed, [](const Keyed& one, const Keyed& other) {
+        const int difference = one.key.compare(other.key);
+        return difference != 0 ? difference < 0
+                               : one.application.identifier < other.application.identifier;
+    });
+    std::vector<HomeApplication> applications;
+    applications.reserve(keyed.size());
+    for (Keyed& each : keyed)
+        applications.push_back(std::move(each.application));
+    return applications;
+}
+
+} // namespace dubrix

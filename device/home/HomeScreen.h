@@ -1,0 +1,116 @@
+#pragma once
+
+#include "device/home/HomeApplications.h"
+
+#include <QList>
+#include <QObject>
+#include <QUrl>
+#include <qqmlregistration.h>
+
+namespace dubrix {
+
+class Desk;
+
+/// What a home screen does when it is used: starting the application, removing, saving and
+/// installing others by way of the launcher, and what it says about all that. The layout binds to
+/// its state and sends back what the person does.
+class HomeScreen : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made by the program")
+    Q_PROPERTY(dubrix::HomeApplications* applications READ applications CONSTANT)
+    /// The application that this program belongs to, which stands in the dock.
+    Q_PROPERTY(QString ownName READ ownName CONSTANT)
+    Q_PROPERTY(QString ownIcon READ ownIcon CONSTANT)
+    /// Whether movements are to be left out.
+    Q_PROPERTY(bool reducedMotion MEMBER reducedMotion CONSTANT)
+
+    /// What is being done, e.g. "Installing Fernleaf.ipa"; empty when nothing is.
+    Q_PROPERTY(QString errand READ errand NOTIFY errandChanged)
+    /// How far that is; -1 when nothing tells.
+    Q_PROPERTY(int percent READ percent NOTIFY errandChanged)
+    /// A passing remark; empty when there is none.
+    Q_PROPERTY(QString remark READ remark NOTIFY remarkChanged)
+    /// A question or a failure that is to be answered before anything else; none without a title.
+    Q_PROPERTY(QString alertTitle READ alertTitle NOTIFY alertChanged)
+    Q_PROPERTY(QString alertText READ alertText NOTIFY alertChanged)
+    /// What the alert offers to do; empty when it can only be put away.
+    Q_PROPERTY(QString alertAction READ alertAction NOTIFY alertChanged)
+
+public:
+    /// `own` is the bundle folder of the application itself on this machine. The desk may be null:
+    /// then nothing can be changed.
+    HomeScreen(HomeApplications& applications, Desk* desk, const std::filesystem::path& own,
+               QObject* parent = nullptr);
+
+    HomeApplications* applications() const { return &applications_; }
+    QString ownName() const { return ownName_; }
+    QString ownIcon() const { return ownIcon_; }
+    QString errand() const;
+    int percent() const { return percent_; }
+    QString remark() const { return remark_; }
+    QString alertTitle() const { return alert_.title; }
+    QString alertText() const { return alert_.text; }
+    QString alertAction() const { return alert_.action; }
+
+    Q_INVOKABLE void tapOwn();
+    Q_INVOKABLE void tap(const QString& identifier);
+    /// Asks first.
+    Q_INVOKABLE void remove(const QString& identifier);
+    /// Saves the application as an archive among the person's downloads and says where.
+    Q_INVOKABLE void save(const QString& identifier);
+    /// Whether one of these can be installed by dropping it.
+    Q_INVOKABLE bool takes(const QList<QUrl>& files) const;
+    /// Installs those that can be.
+    Q_INVOKABLE void drop(const QList<QUrl>& files);
+
+    Q_INVOKABLE void alertAccepted();
+    Q_INVOKABLE void alertDismissed();
+    Q_INVOKABLE void remarkPassed();
+
+    /// The position that the arrow, page or end key `key` leads to from `position`, among `count`
+    /// icons on pages of `columns` by `rows`. Left and right go on in reading order, up and down
+    /// stay in the column and on the page; -1 for another key.
+    Q_INVOKABLE static int walk(int key, int position, int count, int columns, int rows);
+
+    bool reducedMotion = false;
+
+Q_SIGNALS:
+    void errandChanged();
+    void remarkChanged();
+    void alertChanged();
+
+private:
+    enum class Kind { Start, Remove, Save, Install };
+    struct Errand {
+        Kind kind;
+        /// The application's name, or the file's.
+        QString subject;
+    };
+    struct Alert {
+        QString title{};
+        QString text{};
+        QString action{};
+        /// The application that the action removes.
+        QString identifier{};
+    };
+
+    void run(Kind kind, const QString& subject, const QByteArray& argument = {});
+    void finish(bool well, const QString& text);
+    void say(const QString& remark);
+    void alert(const Alert& alert);
+    QString nameOf(const QString& identifier) const;
+
+    HomeApplications& applications_;
+    Desk* desk_;
+    QString ownName_;
+    QString ownIcon_;
+    QList<Errand> errands_;
+    int percent_ = -1;
+    QString remark_;
+    Alert alert_;
+    /// Failures that wait until the alert on the screen has been answered.
+    QList<Alert> alerts_;
+};
+
+} // namespace dubrix

@@ -1,0 +1,29 @@
+# The home screen: a window that looks at the device and changes nothing itself.
+# shellcheck shell=bash disable=SC2034,SC2154 # variables shared with the launcher and namespace.bash
+
+# prepare_home APPEARANCE: leaves the arguments of the home screen in `home_arguments`; another
+# appearance may have been asked for. The home screen may read the device, has no network,
+# and what it keeps for itself ends with it.
+prepare_home() {
+    home_arguments=(--appearance "${appearance:-$1}")
+    read_only=yes
+    if [[ -n $isolated ]]; then
+        shared+=(--ro-bind "$share/Dubrix.app" /run/mobile/Dubrix.app --setenv XDG_CACHE_HOME /tmp)
+        home_arguments+=(--own /run/mobile/Dubrix.app)
+    else
+        home_arguments+=(--own "$share/Dubrix.app")
+    fi
+    [[ $(desktop_motion) != reduced ]] || home_arguments+=(--reduced-motion)
+}
+
+# show_home SIZE BESIDE; both may be empty.
+show_home() {
+    claim_instance home || return 0
+    open_desk
+    prepare_home "$(desktop_appearance)"
+    share_display
+    run_on_device dubrix-home "${home_arguments[@]}" --desk 3:4 ${1:+--size "$1"} ${2:+--beside}
+    local status=$?
+    close_desk
+    return "$status"
+}

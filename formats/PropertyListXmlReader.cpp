@@ -1,0 +1,154 @@
+#include "formats/PropertyListReaders.h"
+#include "formats/Unicode.h"
+#include "formats/XmlScalars.h"
+#include "formats/XmlScanner.h"
+
+#include <limits>
+
+namespace dubrix {
+
+namespace {
+
+using Node = PropertyListNode;
+
+std::optional<std::string> documentText(std::string_view bytes) {
+    using namespace std::string_view_literals;
+    if (bytes.starts_with("<\0"sv))
+        return utf8FromUtf16(bytes, ByteOrder::little);
+    if (bytes.starts_with("\0<"sv))
+        return utf8FromUtf16(bytes, ByteOrder::big);
+    if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF"))
+        return utf8FromMarkedText(bytes);
+    std::string encoding = declaredXmlEncoding(bytes);
+    if (encoding == "iso-8859-1" || encoding == "latin1")
+        return utf8FromLatin1(bytes);
+    if (encoding.empty() || encoding == "utf-8" || encoding == "utf8" || encoding == "us-ascii")
+        return utf8FromMarkedText(bytes);
+    return std::nullopt;
+}
+
+/// A UID is written as a dictionary in this form.
+Node withUid(Node dictionary) {
+    const auto& entries = *dictionary.as<Node::Dictionary>();
+    if (entries.size() != 1 || entries[0].key != "CF$UID")
+        return dictionary;
+    const auto* number = entries[0].value.as<std::int64_t>();
+    if (!number || *number < 0 || *number > std::numeric_limits<std::uint32_t>::max())
+        return dictionary;
+    return {Node::Uid{static_cast<std::uint64_t>(*number)}};
+}
+
+class Document {
+public:
+    explicit Document(std::string_view text) : scanner_(text) {}
+
+    std::optional<Node> read() {
+        Node value;
+        const auto tag = scanner_.skipProlog() ? scanner_.tag() : std::nullopt;
+        const bool sound =
+            tag && tag->kind != XmlTag::Kind::end &&
+            (tag->name == "plist" ? readPlist(*tag, value) : readValue(*tag, 0, value));
+        return sound && scanner_.skipBetween() && scanner_.atEnd() ? std::optional(std::move(value))
+                                                                   : std::nullopt;
+    }
+
+private:
+    bool readPlist(const XmlTag& plist, Node& out) {
+        auto tag = nextTag();
+        if (plist.kind != XmlTag::Kind::start || !tag || !readValue(*tag, 0, out))
+            return false;
+        auto end = nextTag();
+        return end && end->kind == XmlTag::Kind::end && end->name == "plist";
+    }
+
+    std::optional<XmlTag> nextTag() {
+        return scanner_.skipBetween() ? scanner_.tag() : std::nullopt;
+    }
+
+    bool readValue(const XmlTag& tag, int depth, Node& out) {
+        if (tag.kind == XmlTag::Kind::end || ++values_ > maximumPropertyListValues)
+            return false;
+        if (tag.name == "array")
+            return depth < maximumPropertyListDepth && readArray(tag, depth + 1, out);
+        if (tag.name == "dict")
+            return depth < maximumPropertyListDepth && readDictionary(tag, depth + 1, out);
+        auto text = elementText(tag);
+        return text && readScalar(tag.name, std::move(*text), out);
+    }
+
+    static bool readScalar(std::string_view name, std::string text, Node& out) {
+        if (name == "string") {
+            out.value = std::move(text);
+            return true;
+        }
+        const std::string_view trimmed = trimmedXmlBlanks(text);
+        if (name == "true" || name == "false") {
+            out.value = name == "true";
+            return trimmed.empty();
+        }
+        if (name == "integer")
+            return put(xmlInteger(trimmed), out,
+                       [](Node&& number) { return std::move(number.value); });
+        if (name == "real")
+            return put(xmlReal(trimmed), out, [](double number) { return number; });
+        if (name == "date")
+            return put(xmlDate(trimmed), out, [](double seconds) { return Node::Date{seconds}; });
+        return name == "data" && put(xmlData(text), out, [](std::string&& bytes) {
+                   return Node::Data{std::move(bytes)};
+               });
+    }
+
+    template<class Value, class Wrap>
+    static bool put(std::optional<Value> value, Node& out, Wrap wrap) {
+        if (value)
+            out.value = wrap(std::move(*value));
+        return value.has_value();
+    }
+
+    bool readArray(const XmlTag& array, int depth, Node& out) {
+        auto& values = out.value.emplace<Node::Array>();
+        while (array.kind == XmlTag::Kind::start) {
+            const auto tag = nextTag();
+            if (!tag || tag->kind == XmlTag::Kind::end)
+                return tag && tag->name == array.name;
+            if (!readValue(*tag, depth, values.emplace_back()))
+                return false;
+        }
+        return true;
+    }
+
+    bool readDictionary(const XmlTag& dictionary, int depth, Node& out) {
+        PropertyListDictionaryBuilder entries;
+        while (dictionary.kind == XmlTag::Kind::start) {
+            auto tag = nextTag();
+            if (tag && tag->kind == XmlTag::Kind::end && tag->name == dictionary.name)
+                break;
+            if (!tag || tag->kind == XmlTag::Kind::end || tag->name != "key")
+                return false;
+            auto key = elementText(*tag);
+            tag = key ? nextTag() : std::nullopt;
+            Node value;
+            if (!tag || !readValue(*tag, depth, value))
+                return false;
+            entries.put(std::move(*key), std::move(value));
+        }
+        out = withUid(entries.take());
+        return true;
+    }
+
+    std::optional<std::string> elementText(const XmlTag& tag) {
+        return tag.kind == XmlTag::Kind::empty ? std::string() : scanner_.textUntilEnd(tag.name);
+    }
+
+    XmlScanner scanner_;
+    std::size_t values_ = 0;
+};
+
+} // namespace
+
+std::optional<PropertyListNode> readXmlPropertyList(std::string_view bytes) {
+    const auto text = documentText(bytes);
+    return text ? Document(*text).read() : std::nullopt;
+}
+
+} // namespace dubrix
