@@ -166,6 +166,7 @@ std::vector<std::string> seeds() {
     all.push_back(colorful.bytes(samplePixels(320)));
     colorful.ignoresAlpha = true;
     all.push_back(colorful.bytes(samplePixels(320)));
+    all.push_back(CrushedPngFile{.width = 2}.bytes({{9, 99, 199, 200}, {1, 2, 3, 255}}));
     for (const PngColorType type : {PngColorType::grey, PngColorType::rgb, PngColorType::greyAlpha})
         all.push_back(CrushedPngFile{}.assembled(
             {'\x50', 0, '\x20', '\2'}, {2, 2, 8, type},
