@@ -1,5 +1,5 @@
 #include "formats/WholeFile.h"
-#include "platform/linux/LinuxMonochromeFilter.h"
+#include "platform/linux/MonochromePng.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -16,7 +16,7 @@ int main(int argumentCount, char** arguments) {
         std::fprintf(stderr, "tint-file: cannot read %s\n", arguments[1]);
         return 1;
     }
-    const auto tinted = dubrix::LinuxMonochromeFilter().monochromePng(
+    const auto tinted = dubrix::monochromePng(
         *image, std::strtof(arguments[3], nullptr), std::strtof(arguments[4], nullptr),
         std::strtof(arguments[5], nullptr));
     if (!tinted || !dubrix::replaceWholeFile(arguments[2], *tinted)) {

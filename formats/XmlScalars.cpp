@@ -100,8 +100,10 @@ std::optional<double> xmlDate(std::string_view text) {
         return std::nullopt;
     using namespace std::chrono;
     const sys_days first = year(number(0) * 100 + number(2)) / month / 1;
-    const seconds since = first + days(day - 1) - sys_days(2001y / January / 1);
-    return static_cast<double>(since.count() + number(11) * 3600 + number(14) * 60 + number(17));
+    const sys_seconds moment =
+        first + days(day - 1) + hours(number(11)) + minutes(number(14)) + seconds(number(17));
+    const seconds since = moment - sys_days(2001y / January / 1);
+    return static_cast<double>(since.count());
 }
 
 std::optional<std::string> xmlData(std::string_view text) {

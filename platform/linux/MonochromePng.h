@@ -1,0 +1,14 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace dubrix {
+
+/// An image file (see decodeImage for what is read) remapped onto shades of a colour (see
+/// MonochromeRemap), as a PNG; nothing when it does not decode.
+std::optional<std::string> monochromePng(std::string_view image, float red, float green,
+                                         float blue);
+
+} // namespace dubrix
