@@ -132,8 +132,8 @@ void prepareWebPages() {
 }
 
 /// Has the list of applications read when the first frame is there, so that the first picker opens
-/// as fast as later ones; only what has changed is read again. The list outlives `reading`, whose end
-/// waits.
+/// as fast as later ones; only what has changed is read again. The list outlives `reading`, whose
+/// end waits.
 void readAhead(QQuickWindow& window, const ApplicationList& applications,
                std::future<void>& reading) {
     const auto read = [&applications, &reading] {
