@@ -6,16 +6,18 @@ Rectangle {
     id: banner
 
     required property ArchiveDrop drops
-    readonly property bool shown: drops.words !== ""
+    readonly property string words: drops?.words ?? ""
+    readonly property bool busy: drops?.busy ?? false
+    readonly property bool shown: words !== ""
 
-    height: label.height + Theme.points(drops.busy ? 38 : 28)
+    height: label.height + Theme.points(busy ? 38 : 28)
     radius: Theme.points(14)
     color: Theme.alert
     border.width: 1
     border.color: Theme.separator
     visible: shown
     Accessible.role: Accessible.AlertMessage
-    Accessible.name: drops.words
+    Accessible.name: words
 
     Text {
         id: label
@@ -23,7 +25,7 @@ Rectangle {
         x: Theme.margin
         y: Theme.points(14)
         width: parent.width - 2 * x
-        text: banner.drops.words
+        text: banner.words
         color: Theme.text
         font.pixelSize: Theme.noteSize
         horizontalAlignment: Text.AlignHCenter
@@ -38,20 +40,20 @@ Rectangle {
             top: label.bottom
             topMargin: Theme.points(10)
         }
-        width: Math.max(height, label.width * banner.drops.percent / 100)
+        width: Math.max(height, label.width * (banner.drops?.percent ?? 0) / 100)
         height: Theme.points(4)
         radius: height / 2
         color: Theme.accent
-        visible: banner.drops.busy
+        visible: banner.busy
     }
 
     TapHandler {
-        enabled: !banner.drops.busy
+        enabled: !banner.busy
         onTapped: banner.drops.passed()
     }
     Timer {
         interval: 5000
-        running: banner.shown && !banner.drops.busy && !banner.drops.failed
+        running: banner.shown && !banner.busy && !(banner.drops?.failed ?? false)
         onTriggered: banner.drops.passed()
     }
 }

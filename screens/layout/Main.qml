@@ -44,7 +44,7 @@ Window {
         }
     }
 
-    Loader {
+    DropBanner {
         z: 900
         anchors {
             bottom: parent.bottom
@@ -52,10 +52,7 @@ Window {
             horizontalCenter: parent.horizontalCenter
         }
         width: Math.min(parent.width - 2 * Theme.margin, Theme.points(420))
-        active: window.drops !== null
-        sourceComponent: DropBanner {
-            drops: window.drops
-        }
+        drops: window.drops
     }
 
     DropArea {
