@@ -16,6 +16,7 @@
 #include "platform/linux/LinuxSystemLog.h"
 #include "screens/AboutTableViewController.h"
 #include "screens/AppDelegate.h"
+#include "screens/ArchiveDrop.h"
 #include "screens/InterfaceLayout.h"
 #include "screens/ModalStack.h"
 #include "screens/NotificationCenter.h"
@@ -154,6 +155,16 @@ std::unique_ptr<ScriptPlayer> playScript(QQuickWindow& window, const QList<int>&
     return player;
 }
 
+/// The launcher, which installs what is dropped on the window.
+std::unique_ptr<Desk> openDesk(const QList<int>& descriptors, ArchiveDrop& drops) {
+    auto desk = std::make_unique<Desk>(descriptors[0], descriptors[1]);
+    QObject::connect(&drops, &ArchiveDrop::installationAsked, desk.get(),
+                     [desk = desk.get()](const QByteArray& path) { desk->ask("install", path); });
+    QObject::connect(desk.get(), &Desk::progressed, &drops, &ArchiveDrop::progressed);
+    QObject::connect(desk.get(), &Desk::answered, &drops, &ArchiveDrop::answered);
+    return desk;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -196,6 +207,10 @@ int main(int argc, char** argv) {
 
     int status = 1;
     {
+        ArchiveDrop drops;
+        std::unique_ptr<Desk> desk;
+        if (!arguments.desk.isEmpty())
+            desk = openDesk(arguments.desk, drops);
         QQmlApplicationEngine engine;
         engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
         engine.addImageProvider(QStringLiteral("template"), new TemplateImageProvider);
@@ -207,7 +222,8 @@ int main(int argc, char** argv) {
         engine.setInitialProperties(
             {{QStringLiteral("root"),
               QVariant::fromValue(delegate.window.rootViewController.get())},
-             {QStringLiteral("stage"), QVariant::fromValue(&stage)}});
+             {QStringLiteral("stage"), QVariant::fromValue(&stage)},
+             {QStringLiteral("drops"), QVariant::fromValue(desk ? &drops : nullptr)}});
         engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Dubrix/Main.qml")));
         if (engine.rootObjects().isEmpty())
             return 1;
@@ -216,12 +232,9 @@ int main(int argc, char** argv) {
             window.resize(arguments.size);
         if (arguments.beside)
             standBeside(window, Side::Right);
-        std::unique_ptr<Desk> desk;
-        if (!arguments.desk.isEmpty()) {
-            desk = std::make_unique<Desk>(arguments.desk[0], arguments.desk[1]);
+        if (desk)
             QObject::connect(desk.get(), &Desk::raiseAsked, &window,
                              [&window] { bringToFront(window); });
-        }
         std::future<void> reading;
         readAhead(window, applications, reading);
         std::unique_ptr<ScriptPlayer> player;

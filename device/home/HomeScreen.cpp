@@ -3,31 +3,11 @@
 #include "device/BundleInfo.h"
 #include "device/desk/Desk.h"
 #include "looks/ApplicationIconProvider.h"
+#include "looks/DroppedFiles.h"
 
-#include <QFileInfo>
 #include <algorithm>
 
 namespace dubrix {
-
-namespace {
-
-bool isInstallable(const QUrl& file) {
-    const QString path = file.toLocalFile();
-    return path.endsWith(QStringLiteral(".ipa"), Qt::CaseInsensitive) ||
-           path.endsWith(QStringLiteral(".app")) || path.endsWith(QStringLiteral(".app/"));
-}
-
-QString fileName(const QUrl& file) {
-    return QFileInfo(QFileInfo(file.toLocalFile() + QStringLiteral("/.")).path()).fileName();
-}
-
-/// "Installed com.example.it (It)" says the installer: the name.
-QString installedName(const QString& text, const QString& otherwise) {
-    const qsizetype open = text.indexOf(QStringLiteral(" ("));
-    return open > 0 && text.endsWith(u')') ? text.mid(open + 2).chopped(1) : otherwise;
-}
-
-} // namespace
 
 HomeScreen::HomeScreen(HomeApplications& applications, Desk* desk, const std::filesystem::path& own,
                        QObject* parent)
@@ -75,7 +55,7 @@ bool HomeScreen::takes(const QList<QUrl>& files) const {
 void HomeScreen::drop(const QList<QUrl>& files) {
     for (const QUrl& file : files)
         if (isInstallable(file))
-            run(Kind::Install, fileName(file), file.toLocalFile().toUtf8());
+            run(Kind::Install, fileNameOf(file), file.toLocalFile().toUtf8());
 }
 
 void HomeScreen::run(Kind kind, const QString& subject, const QByteArray& argument) {
@@ -156,6 +136,8 @@ void HomeScreen::alertDismissed() {
 
 int HomeScreen::walk(int key, int position, int count, int columns, int rows) {
     const int page = columns * rows;
+    if (page <= 0)
+        return -1;
     const int first = position / page * page;
     const int last = std::min(first + page, count) - 1;
     const auto among = [count](int wanted) {

@@ -25,6 +25,7 @@ claim_instance() {
     desk_folder=$folder
 }
 
+# open_desk VERB...: serves requests of these kinds.
 # Before anything of the desktop is shared with the window: its requests must not be served with that.
 # A process group of its own lets an interrupted launcher end all that is being served.
 open_desk() {
@@ -35,7 +36,7 @@ open_desk() {
     rm -f -- "$desk_folder"/{requests,answers}
     mkfifo -- "$desk_folder"/{requests,answers} || fail "cannot make pipes in $desk_folder"
     set -m
-    serve_desk <"$desk_folder/requests" >"$desk_folder/answers" 9>&- &
+    serve_desk "$@" <"$desk_folder/requests" >"$desk_folder/answers" 9>&- &
     set +m
     server=$!
     exec 4>"$desk_folder/requests" 3<"$desk_folder/answers"
@@ -58,6 +59,7 @@ serve_desk() {
     local verb argument
     trap - EXIT HUP INT TERM
     while IFS= read -r -d '' verb && IFS= read -r -d '' argument; do
+        [[ " $* " == *" $verb "* ]] || verb=
         case $verb in
         install | remove | export) answer "desk_$verb" "$argument" </dev/null ;;
         start) desk_start ;;

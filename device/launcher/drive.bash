@@ -7,7 +7,11 @@
 drive_window() {
     local window=$1 arguments=(--desk 3:4 ${4:+--size "$4"})
     shift
-    open_desk
+    if [[ $window == home ]]; then
+        open_desk "${home_requests[@]}"
+    else
+        open_desk install
+    fi
     if [[ -n $2 ]]; then
         share_display
     else

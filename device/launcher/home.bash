@@ -1,6 +1,8 @@
 # The home screen: a window that looks at the device and changes nothing itself.
 # shellcheck shell=bash disable=SC2034,SC2154 # variables shared with the launcher and namespace.bash
 
+home_requests=(install remove export start)
+
 # prepare_home APPEARANCE: leaves the arguments of the home screen in `home_arguments`; another
 # appearance may have been asked for. The home screen may read the device, has no network,
 # and what it keeps for itself ends with it.
@@ -19,7 +21,7 @@ prepare_home() {
 # show_home SIZE BESIDE; both may be empty.
 show_home() {
     claim_instance home || return 0
-    open_desk
+    open_desk "${home_requests[@]}"
     prepare_home "$(desktop_appearance)"
     share_display
     run_on_device dubrix-home "${home_arguments[@]}" --desk 3:4 ${1:+--size "$1"} ${2:+--beside}

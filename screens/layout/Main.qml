@@ -10,6 +10,8 @@ Window {
 
     required property TabBarController root
     required property QuickOverlayStage stage
+    /// Takes the archives that are dropped here; null where nobody can install them.
+    property ArchiveDrop drops: null
 
     width: Math.min(Theme.points(390), Screen.desktopAvailableWidth)
     height: Math.min(Theme.points(760), Screen.desktopAvailableHeight)
@@ -39,6 +41,27 @@ Window {
             animated: model.animated
             transitionTime: window.root.modals.transitionTime
             topmost: index === layers.count - 1
+        }
+    }
+
+    DropBanner {
+        z: 900
+        anchors {
+            bottom: parent.bottom
+            bottomMargin: Theme.points(70)
+            horizontalCenter: parent.horizontalCenter
+        }
+        width: Math.min(parent.width - 2 * Theme.margin, Theme.points(420))
+        drops: window.drops
+    }
+
+    DropArea {
+        anchors.fill: parent
+        enabled: window.drops !== null
+        onEntered: drag => drag.accepted = window.drops.takes(drag.urls)
+        onDropped: drop => {
+            drop.accept(Qt.CopyAction);
+            window.drops.drop(drop.urls);
         }
     }
 

@@ -1,16 +1,18 @@
 import QtQuick
 import DubrixHome
 
-/// What is being done and how far it is, or a passing remark; comes from above and goes again.
+/// What is being done and how far it is, or a passing remark; comes and goes again.
 Rectangle {
     id: banner
 
     required property HomeScreen home
+    /// Where it ends at the bottom.
+    required property real line
     readonly property bool busy: home.errand !== ""
     readonly property bool shown: busy || home.remark !== ""
     property string words: ""
 
-    y: shown ? HomeTheme.points(12) : -height - HomeTheme.points(12)
+    y: line - height - (shown ? 0 : -HomeTheme.points(20))
     height: label.height + HomeTheme.points(busy ? 38 : 26)
     radius: HomeTheme.points(16)
     color: HomeTheme.card

@@ -79,6 +79,7 @@ Window {
     Banner {
         anchors.horizontalCenter: parent.horizontalCenter
         width: Math.min(parent.width - HomeTheme.points(24), HomeTheme.points(420))
+        line: dock.y - HomeTheme.points(10)
         home: window.home
     }
 

@@ -43,7 +43,8 @@ Item {
         width: parent.width
         height: width
         source: art.source
-        sourceSize: Qt.size(pixels, pixels)
+        sourceSize.width: pixels
+        sourceSize.height: pixels
         asynchronous: true
         opacity: art.pressed ? 0.65 : 1
         Accessible.ignored: true

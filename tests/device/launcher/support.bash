@@ -48,8 +48,11 @@ prepare() {
     cp "$1/bin/dubrix" "$work/prefix/bin/" &&
         cp -r "$1/libexec/dubrix" "$work/prefix/libexec/" &&
         ln -s "$1/share" "$work/prefix/share" || exit 1
-    rm -f "$work/prefix/libexec/dubrix/dubrix-app"
-    cp "$(dirname "${BASH_SOURCE[0]}")/stand-in-app" "$work/prefix/libexec/dubrix/dubrix-app"
+    local window
+    for window in app home; do
+        rm -f "$work/prefix/libexec/dubrix/dubrix-$window"
+        cp "$(dirname "${BASH_SOURCE[0]}")/stand-in-app" "$work/prefix/libexec/dubrix/dubrix-$window"
+    done
     export HOME=$work/home
     unset XDG_DATA_HOME DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM QT_QUICK_BACKEND
 }
