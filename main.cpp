@@ -32,6 +32,7 @@
 #include <QQmlExtensionPlugin>
 #include <QQuickWindow>
 #include <fcntl.h>
+#include <future>
 #include <memory>
 #include <sys/prctl.h>
 
@@ -130,6 +131,19 @@ void prepareWebPages() {
                 qgetenv("QTWEBENGINE_CHROMIUM_FLAGS") + " --blink-settings=preferredColorScheme=0");
 }
 
+/// Has the list of applications read when the first frame is there, so that the first picker opens
+/// as fast as later ones; only what has changed is read again. The list outlives `reading`, whose
+/// end waits.
+void readAhead(QQuickWindow& window, const ApplicationList& applications,
+               std::future<void>& reading) {
+    const auto read = [&applications, &reading] {
+        reading = std::async(std::launch::async, [&applications] { applications.entries(); });
+    };
+    QObject::connect(
+        &window, &QQuickWindow::frameSwapped, &window, read,
+        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+}
+
 /// Plays the driver's script on the window; the application ends with it.
 std::unique_ptr<ScriptPlayer> playScript(QQuickWindow& window, const QList<int>& descriptors) {
     auto player = std::make_unique<ScriptPlayer>(window, descriptors[0],
@@ -208,6 +222,8 @@ int main(int argc, char** argv) {
             QObject::connect(desk.get(), &Desk::raiseAsked, &window,
                              [&window] { bringToFront(window); });
         }
+        std::future<void> reading;
+        readAhead(window, applications, reading);
         std::unique_ptr<ScriptPlayer> player;
         if (!arguments.drive.isEmpty())
             player = playScript(window, arguments.drive);

@@ -98,14 +98,16 @@ mode_t permissionsFor(const ZipEntry& entry) {
     return (entry.permissions & 0775) | (isFolder ? 0500 : 0400);
 }
 
-/// Adds the folders that the archive does not list, and sorts parents before children.
-void completeFolders(ArchivedBundle& bundle) {
+/// Adds the folders that the archive does not list, and sorts parents before children. False when
+/// they become too many: a short name can ask for a hundred.
+bool completeFolders(ArchivedBundle& bundle) {
     std::set<std::string, std::less<>> known;
     for (const ZipEntry& folder : bundle.folders)
         known.insert(folder.name);
+    const std::size_t most = mostZipEntries - bundle.files.size() - bundle.links.size();
     const auto addParents = [&](std::string_view name) {
         for (auto parent = parentOf(name); !parent.empty(); parent = parentOf(parent)) {
-            if (!known.emplace(parent).second)
+            if (known.size() > most || !known.emplace(parent).second)
                 continue;
             ZipEntry folder;
             folder.name = parent;
@@ -121,6 +123,7 @@ void completeFolders(ArchivedBundle& bundle) {
         addParents(std::string(bundle.folders[index].name));
     std::sort(bundle.folders.begin(), bundle.folders.end(),
               [](const ZipEntry& a, const ZipEntry& b) { return a.name < b.name; });
+    return known.size() <= most;
 }
 
 } // namespace
@@ -175,7 +178,8 @@ Result<ArchivedBundle> findBundle(std::vector<ZipEntry> entries) {
         return entry.name.empty() || entry.kind != ZipEntry::Kind::File;
     });
     bundle.files = std::move(entries);
-    completeFolders(bundle);
+    if (!completeFolders(bundle))
+        return Failure{"has too many entries"};
     return bundle;
 }
 

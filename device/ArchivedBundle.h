@@ -31,7 +31,7 @@ struct ArchivedBundle {
 /// left out, but the whole archive is refused for an encrypted entry, for a name that is absolute,
 /// climbs with "..", is absurdly long or deep, for a name that two entries share (folders may be
 /// listed again) and for an entry below a link or a file; the bundle for a device, a pipe or the
-/// like in it.
+/// like in it and for more than `mostZipEntries` with the folders that names only imply.
 ///
 /// Set-id and sticky bits and the right of everybody to write are dropped, and the owner can
 /// always read; entries without permissions get 0644, folders 0755.

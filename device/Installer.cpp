@@ -5,6 +5,7 @@
 #include "device/ZipDirectory.h"
 #include "device/ZipEntryReader.h"
 
+#include <algorithm>
 #include <fcntl.h>
 
 namespace dubrix {
@@ -15,6 +16,8 @@ namespace {
 
 /// The system allows no longer text in a link.
 constexpr std::size_t longestLink = 4095;
+/// All links of a bundle together: following each to its end takes time for every byte.
+constexpr std::size_t mostLinkBytes = std::size_t{1} << 20;
 
 Result<BundleInfo> readInfo(const ArchivedBundle& bundle, ZipEntryReader& reader) {
     const ZipEntry* entry = bundle.file("Info.plist");
@@ -34,10 +37,12 @@ Result<BundleInfo> readInfo(const ArchivedBundle& bundle, ZipEntryReader& reader
 
 Result<LinkTargets> readLinks(const ArchivedBundle& bundle, ZipEntryReader& reader) {
     LinkTargets targets;
+    std::size_t left = mostLinkBytes;
     for (const ZipEntry& link : bundle.links) {
-        Result<std::string> text = reader.readWhole(link, longestLink);
+        Result<std::string> text = reader.readWhole(link, std::min(longestLink, left));
         if (!text)
             return text.failure();
+        left -= text->size();
         targets.emplace(link.name, std::move(*text));
     }
     if (Outcome done = checkLinkTargets(targets); !done)

@@ -26,7 +26,6 @@ constexpr std::uint16_t extra64 = 0x0001;
 constexpr std::uint64_t narrow = 0xffffffff;
 /// Deflate never makes more than 1032 bytes of one.
 constexpr std::uint64_t largestRatio = 1032;
-constexpr std::uint64_t mostEntries = 100'000;
 constexpr std::uint64_t largestDirectory = std::uint64_t{16} << 20;
 
 /// What the record at the archive's end says of the directory.
@@ -236,7 +235,7 @@ Result<std::vector<ZipEntry>> readZipDirectory(int archive) {
     Result<Extent> extent = findDirectory(archive, static_cast<std::uint64_t>(status.st_size));
     if (!extent)
         return extent.failure();
-    if (extent->count > mostEntries || extent->size > largestDirectory)
+    if (extent->count > mostZipEntries || extent->size > largestDirectory)
         return Failure{"has too many entries"};
     std::string bytes(extent->size, '\0');
     if (!readExactly(archive, extent->start, bytes.data(), bytes.size()))

@@ -30,10 +30,13 @@ struct ZipEntry {
     std::uint64_t headerOffset = 0;
 };
 
+/// No archive holds more files, folders and links than this.
+inline constexpr std::uint64_t mostZipEntries = 100'000;
+
 /// Reads the central directory of the zip archive open for reading as `archive`, 64-bit form
 /// included. The local headers are not asked: most archives leave the sizes there at zero. Fails
 /// for anything that is not an archive, is damaged, is spread over several volumes, has more than
-/// 100,000 entries or claims sizes that its bytes cannot hold.
+/// `mostZipEntries` or claims sizes that its bytes cannot hold.
 Result<std::vector<ZipEntry>> readZipDirectory(int archive);
 
 /// Reads `size` bytes at `offset` of an open file; false when there are not as many.

@@ -2,16 +2,25 @@
 
 #include <QAccessible>
 #include <QBuffer>
+#include <QGuiApplication>
 #include <QImage>
+#include <QMimeData>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QStyleHints>
+#include <QUrl>
 #include <algorithm>
+#include <qpa/qplatformdrag.h>
 #include <qpa/qwindowsysteminterface.h>
 #include <utility>
 
 namespace dubrix {
 
 namespace {
+
+/// What stands still for so many frames has come to rest. Time does not tell: a busy machine may
+/// draw none for long.
+constexpr unsigned restingFrames = 2;
 
 bool isBeingDismissed(const QQuickItem* item) {
     const QVariant dismissing = item->property("dismissing");
@@ -67,6 +76,14 @@ void scrollIntoView(QQuickItem* item) {
 }
 
 } // namespace
+
+Screen::Screen(QQuickWindow& window)
+    : window_(window),
+      drawing_(QObject::connect(&window, &QQuickWindow::afterAnimating, [this] { ++frames_; })) {}
+
+Screen::~Screen() {
+    QObject::disconnect(drawing_);
+}
 
 QList<QQuickItem*> Screen::shownItems() const {
     QList<QQuickItem*> items;
@@ -125,12 +142,10 @@ QQuickItem* Screen::find(const QString& name) const {
     return nullptr;
 }
 
-void Screen::tapAt(const QPointF& point) {
-    const QPointF global = window_.mapToGlobal(point);
-    QWindowSystemInterface::handleMouseEvent(&window_, point, global, Qt::LeftButton,
-                                             Qt::LeftButton, QEvent::MouseButtonPress);
-    QWindowSystemInterface::handleMouseEvent(&window_, point, global, Qt::NoButton, Qt::LeftButton,
-                                             QEvent::MouseButtonRelease);
+void Screen::sendMouse(const QPointF& point, bool down) {
+    QWindowSystemInterface::handleMouseEvent(
+        &window_, point, window_.mapToGlobal(point), down ? Qt::LeftButton : Qt::NoButton,
+        Qt::LeftButton, down ? QEvent::MouseButtonPress : QEvent::MouseButtonRelease);
 }
 
 void Screen::press(int key, Qt::KeyboardModifiers modifiers, const QString& text) {
@@ -143,20 +158,62 @@ bool Screen::isSettling() const {
     return std::ranges::any_of(layers, isBeingDismissed);
 }
 
-bool Screen::tap(const QString& name) {
+std::optional<QPointF> Screen::aimAt(const QString& name) {
     QQuickItem* item = find(name);
     if (!item || isSettling())
-        return false;
+        return std::nullopt;
     scrollIntoView(item);
     const QRectF seen = seenPart(item);
-    const bool sameAim = item == std::exchange(aim_, item);
-    const bool resting = sameAim && seen == aimedAt_;
-    aimedAt_ = seen;
-    if (seen.isEmpty() || !resting)
-        return false;
+    const bool sameItem = item == std::exchange(aim_, item);
+    const bool samePlace = seen == std::exchange(aimedAt_, seen);
+    if (!sameItem || !samePlace)
+        aimedFrame_ = frames_;
+    if (seen.isEmpty() || frames_ - aimedFrame_ < restingFrames) {
+        window_.update();
+        return std::nullopt;
+    }
     aim_ = nullptr;
-    tapAt(seen.center());
+    return seen.center();
+}
+
+bool Screen::tap(const QString& name) {
+    const auto point = aimAt(name);
+    if (!point)
+        return false;
+    sendMouse(*point, true);
+    sendMouse(*point, false);
     return true;
+}
+
+bool Screen::hold(const QString& name) {
+    if (!held_) {
+        held_ = aimAt(name);
+        if (held_) {
+            sendMouse(*held_, true);
+            holding_.start();
+        }
+        return false;
+    }
+    if (holding_.elapsed() < 3 * QGuiApplication::styleHints()->mousePressAndHoldInterval() / 2)
+        return false;
+    sendMouse(*std::exchange(held_, std::nullopt), false);
+    return true;
+}
+
+bool Screen::drop(const QString& file) {
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(file)});
+    const QPoint middle(window_.width() / 2, window_.height() / 2);
+    const auto drag = QWindowSystemInterface::handleDrag(&window_, &data, middle, Qt::CopyAction,
+                                                         Qt::LeftButton, Qt::NoModifier);
+    if (!drag.isAccepted()) {
+        QWindowSystemInterface::handleDrag(&window_, nullptr, {}, Qt::IgnoreAction, Qt::NoButton,
+                                           Qt::NoModifier);
+        return false;
+    }
+    return QWindowSystemInterface::handleDrop(&window_, &data, middle, Qt::CopyAction, Qt::NoButton,
+                                              Qt::NoModifier)
+        .isAccepted();
 }
 
 bool Screen::type(const QString& name, const QString& text) {
@@ -168,6 +225,13 @@ bool Screen::type(const QString& name, const QString& text) {
         press(character == QLatin1Char('\n') ? Qt::Key_Return : 0, Qt::NoModifier,
               QString(character));
     return true;
+}
+
+bool Screen::isLoading() const {
+    constexpr int loading = 2;
+    return std::ranges::any_of(shownItems(), [](const QQuickItem* item) {
+        return item->inherits("QQuickImageBase") && item->property("status").toInt() == loading;
+    });
 }
 
 QByteArray Screen::picture() const {

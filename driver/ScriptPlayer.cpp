@@ -21,6 +21,7 @@ double patience(const ScriptStep& step) {
     switch (step.verb) {
     case ScriptStep::Verb::Tap:
     case ScriptStep::Verb::Type:
+    case ScriptStep::Verb::Hold:
         return tapPatience;
     case ScriptStep::Verb::Wait:
     case ScriptStep::Verb::Gone:
@@ -105,6 +106,10 @@ ScriptPlayer::Outcome ScriptPlayer::tryStep() {
     case ScriptStep::Verb::Gone:
     case ScriptStep::Verb::Absent:
         return when(!screen_.shows(target));
+    case ScriptStep::Verb::Hold:
+        return when(screen_.hold(target));
+    case ScriptStep::Verb::Drop:
+        return when(screen_.drop(target));
     case ScriptStep::Verb::Shot:
         return takeShot();
     }
@@ -115,7 +120,8 @@ ScriptPlayer::Outcome ScriptPlayer::takeShot() {
     // Alike for a while: what moved has come to rest. Two looks do not tell, since a busy machine
     // may have drawn no frame between them. Something that turns all the time never rests.
     const QByteArray picture = screen_.picture();
-    looksAlike_ = picture == std::exchange(picture_, picture) ? looksAlike_ + 1 : 0;
+    const bool alike = picture == std::exchange(picture_, picture) && !screen_.isLoading();
+    looksAlike_ = alike ? looksAlike_ + 1 : 0;
     if (looksAlike_ < restingLooks && waiting_.elapsed() < static_cast<qint64>(shotPatience * 1000))
         return Outcome::NotYet;
     picture_.clear();

@@ -59,7 +59,8 @@ constexpr std::array verbs = {
     VerbName{"tap", ScriptStep::Verb::Tap},       VerbName{"type", ScriptStep::Verb::Type},
     VerbName{"wait", ScriptStep::Verb::Wait},     VerbName{"gone", ScriptStep::Verb::Gone},
     VerbName{"expect", ScriptStep::Verb::Expect}, VerbName{"absent", ScriptStep::Verb::Absent},
-    VerbName{"shot", ScriptStep::Verb::Shot},
+    VerbName{"shot", ScriptStep::Verb::Shot},     VerbName{"hold", ScriptStep::Verb::Hold},
+    VerbName{"drop", ScriptStep::Verb::Drop},
 };
 
 /// Cuts a number of seconds off the end of an unquoted text.

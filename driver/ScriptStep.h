@@ -9,6 +9,8 @@ namespace dubrix {
 /// One step of a driver script:
 ///
 ///     tap NAME                press what has this accessible name
+///     hold NAME               press it long, then let go
+///     drop FILE               let go of this file of the desktop over the window's middle
 ///     type NAME TEXT          replace the text of the field with this accessible name
 ///     wait TEXT [SECONDS]     until TEXT is visible; 10 seconds unless given
 ///     gone TEXT [SECONDS]     until TEXT is not visible; 10 seconds unless given
@@ -21,13 +23,13 @@ namespace dubrix {
 /// number gives the SECONDS of `wait` and `gone`). Blank lines and lines that begin with # are no
 /// steps.
 struct ScriptStep {
-    enum class Verb { Tap, Type, Wait, Gone, Expect, Absent, Shot };
+    enum class Verb { Tap, Type, Wait, Gone, Expect, Absent, Shot, Hold, Drop };
 
     /// Whether it may be given SECONDS.
     bool waits() const { return verb == Verb::Wait || verb == Verb::Gone; }
 
     Verb verb = Verb::Tap;
-    std::string target{}; ///< NAME, TEXT or FILE.png
+    std::string target{}; ///< NAME, TEXT, FILE or FILE.png
     std::string text{};   ///< what `type` types
     double seconds = 10;
 };

@@ -1,6 +1,6 @@
 #include "fuzzers/Mutation.h"
 
-#include <cstring>
+#include <algorithm>
 
 using namespace dubrix::fuzz;
 
@@ -22,6 +22,6 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
         once(4, random) ? withChangedBytes(bytes, random) : restructured(bytes, random);
     if (changed.size() > capacity)
         return LLVMFuzzerMutate(data, size, capacity);
-    std::memcpy(data, changed.data(), changed.size());
+    std::copy(changed.begin(), changed.end(), data);
     return changed.size();
 }

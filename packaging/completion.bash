@@ -46,6 +46,14 @@ _dubrix_words() {
     mapfile -t COMPREPLY < <(compgen -W "$1" -- "$word")
 }
 
+_dubrix_drive() {
+    if [[ $word == -* ]]; then
+        _dubrix_words '--show --size'
+    else
+        _dubrix_files '*.drive'
+    fi
+}
+
 _dubrix() {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command device
     COMPREPLY=()
@@ -57,22 +65,25 @@ _dubrix() {
     /--appearance) _dubrix_words 'light dark' ;;
     /*)
         if [[ $word == -* ]]; then
-            _dubrix_words '--device --samples --appearance --help --version'
+            _dubrix_words '--device --samples --appearance --with-home --help --version'
         else
-            _dubrix_words 'install list uninstall export shell drive'
+            _dubrix_words 'install list uninstall export home shell drive'
         fi
         ;;
     install/*) _dubrix_files '*.ipa' ;;
     uninstall/uninstall | export/export) _dubrix_words "$(_dubrix_identifiers)" ;;
     export/*) _dubrix_files '*.ipa' ;;
-    drive/--size) ;;
-    drive/*)
-        if [[ $word == -* ]]; then
-            _dubrix_words '--show --size'
+    drive/--size | home/--size) ;;
+    home/--shot) _dubrix_files '*.png' ;;
+    home/home) _dubrix_words 'drive --size --shot' ;;
+    home/*)
+        if [[ ${COMP_WORDS[*]} == *' home drive '* ]]; then
+            _dubrix_drive
         else
-            _dubrix_files '*.drive'
+            _dubrix_words '--size --shot'
         fi
         ;;
+    drive/*) _dubrix_drive ;;
     esac
 }
 

@@ -16,6 +16,7 @@ _dubrix_commands() {
         'list:identifier, name, version and path of every application'
         'uninstall:remove an application'
         'export:pack an installed application into an archive'
+        'home:the home screen of the device'
         'shell:a shell on the device'
         'drive:act out a script'
     )
@@ -29,24 +30,40 @@ _dubrix() {
         '--device[the device'\''s folder]:folder:_files -/' \
         '--samples[install the sample applications on a device made now]' \
         '--appearance[how the application looks]:appearance:(light dark)' \
+        '--with-home[open the home screen beside the application]' \
         '(-)'{-h,--help}'[a short help]' \
         '(-)--version[the version]' \
         '1:command:_dubrix_commands' \
         '*::argument:->arguments'
     [[ $state == arguments ]] || return
-    case $line[1] in
+    # What follows the options: the command first.
+    case $words[1] in
     install) _files -g '*.ipa(-.) *.app(-/)' ;;
-    uninstall) ((CURRENT != 1)) || _dubrix_identifiers ;;
+    uninstall) ((CURRENT != 2)) || _dubrix_identifiers ;;
     export)
-        if ((CURRENT == 1)); then
+        if ((CURRENT == 2)); then
             _dubrix_identifiers
-        elif ((CURRENT == 2)); then
+        elif ((CURRENT == 3)); then
             _files -g '*.ipa(-.)'
         fi
         ;;
-    drive) _arguments '--show[on the display]' '--size[the window'\''s size]:WIDTHxHEIGHT:' \
-        '1:script:_files -g "*.drive(-.)"' ;;
+    home)
+        if [[ $words[2] == drive && CURRENT -gt 2 ]]; then
+            shift words
+            ((CURRENT--))
+            _dubrix_drive
+        else
+            _arguments '--size[the window'\''s size]:WIDTHxHEIGHT:' \
+                '--shot[only a picture of it]:file:_files -g "*.png(-.)"' '1:script:(drive)'
+        fi
+        ;;
+    drive) _dubrix_drive ;;
     esac
+}
+
+_dubrix_drive() {
+    _arguments '--show[on the display]' '--size[the window'\''s size]:WIDTHxHEIGHT:' \
+        '1:script:_files -g "*.drive(-.)"'
 }
 
 _dubrix "$@"

@@ -96,6 +96,9 @@ applicationSections(const std::vector<ApplicationList::Entry>& entries,
 }
 
 QString foldedForSearch(const QString& text) {
+    // Most names: nothing to take apart, and many of them are folded while the picker opens.
+    if (std::ranges::all_of(text, [](QChar letter) { return letter.unicode() < 0x80; }))
+        return text.toLower();
     // By way of capitals, which also part letters that are two as a capital.
     QString folded = text.normalized(QString::NormalizationForm_KD).toUpper().toCaseFolded();
     folded.removeIf([](QChar letter) { return letter.category() == QChar::Mark_NonSpacing; });

@@ -42,7 +42,9 @@ public:
     int count() const { return static_cast<int>(applications_.size()); }
     bool isLoaded() const { return loaded_; }
     /// The application's place in the order, -1 when it is not there.
-    Q_INVOKABLE int positionOf(const QString& identifier) const { return positions_.value(identifier, -1); }
+    Q_INVOKABLE int positionOf(const QString& identifier) const {
+        return positions_.value(identifier, -1);
+    }
     /// Whether the application has come since the list was first read and nobody has asked so yet.
     bool takeArrival(const QString& identifier) { return arrivals_.remove(identifier); }
 

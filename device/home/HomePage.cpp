@@ -60,9 +60,11 @@ void HomePage::place(const HomeApplication& application, int row, int slot) {
 }
 
 void HomePage::update() {
-    const int count = applications_ && capacity_ > 0 ? applications_->count() : 0;
-    const int begin = std::min(page_ * capacity_, count);
-    const int end = std::min(begin + capacity_, count);
+    // A page on its way out has a number below 0.
+    const bool known = applications_ && capacity_ > 0 && page_ >= 0;
+    const int count = known ? applications_->count() : 0;
+    const int begin = known ? std::min(page_ * capacity_, count) : 0;
+    const int end = known ? std::min(begin + capacity_, count) : 0;
     int next = begin;
     int row = 0;
     while (row < static_cast<int>(rows_.size()) || next < end) {
@@ -71,17 +73,16 @@ void HomePage::update() {
             ++next, ++row;
             continue;
         }
-        Row& known = rows_[static_cast<std::size_t>(row)];
-        const int position =
-            applications_ ? applications_->positionOf(known.application.identifier) : -1;
-        if (known.leaving) {
+        Row& here = rows_[static_cast<std::size_t>(row)];
+        const int position = known ? applications_->positionOf(here.application.identifier) : -1;
+        if (here.leaving) {
             ++row;
         } else if (position >= next && position < end) {
             // Those that come before it are new here.
             for (; next <= position; ++next, ++row)
                 place(applications_->all()[static_cast<std::size_t>(next)], row, next - begin);
-        } else if (position < 0 && applications_ && capacity_ > 0) {
-            known.leaving = true;
+        } else if (position < 0 && known) {
+            here.leaving = true;
             Q_EMIT dataChanged(index(row), index(row), {LeavingRole});
             ++row;
         } else {

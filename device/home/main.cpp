@@ -100,6 +100,7 @@ int main(int argc, char** argv) {
     QGuiApplication application(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("dubrix-home"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Dubrix"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.dubrix.Dubrix"));
     const Arguments arguments = parseArguments(application);
     HomeApplications applications(arguments.root); // reads while the window is made
     chooseFont();

@@ -15,10 +15,11 @@ share_addresses() {
         --ro-bind "$libexec/launcher/xdg-open" /run/mobile/bin/xdg-open)
 }
 
-# The pipe is opened for reading and writing, so that it does not end with its first writer.
+# The pipe is opened for reading and writing, so that it does not end with its first writer. The
+# desk's pipes are closed here: they must end with the window.
 open_addresses() {
     local address
-    exec 9<>"$1" </dev/null >/dev/null 5>&-
+    exec 9<>"$1" </dev/null >/dev/null 3<&- 4>&- 5>&-
     while IFS= read -r -u 9 address && [[ -n $address ]]; do
         case $address in
         http://* | https://* | mailto:*) xdg-open "$address" 9>&- & ;;

@@ -113,7 +113,7 @@ desk_export() {
 downloads() {
     local folder=
     ! type -P xdg-user-dir >/dev/null || folder=$(xdg-user-dir DOWNLOAD)
-    [[ -n $folder && -d $folder ]] || folder=$HOME/Downloads
+    [[ -d $folder && ! $folder -ef $HOME ]] || folder=$HOME/Downloads
     [[ -d $folder ]] || folder=$HOME
     printf '%s\n' "$folder"
 }

@@ -80,10 +80,10 @@ Node& child(Node& node, std::size_t index) {
 
 /// Adds to a container; a key that is there already stays as it is.
 void add(Node& node, Node value, Random& random) {
-    if (auto* values = node.as<Node::Array>())
+    if (auto* values = node.as<Node::Array>()) {
         values->insert(values->begin() + static_cast<long>(below(values->size() + 1, random)),
                        std::move(value));
-    if (auto* entries = node.as<Node::Dictionary>()) {
+    } else if (auto* entries = node.as<Node::Dictionary>()) {
         std::string key = anyOf(texts(), random);
         for (const Node::Entry& entry : *entries)
             if (entry.key == key)

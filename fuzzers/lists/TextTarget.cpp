@@ -13,10 +13,12 @@ void tryInput(std::string_view bytes) {
 
 std::vector<std::string> seeds() {
     using namespace std::string_literals;
+    const char* const escapes =
+        "{ a = \"\\a\\b\\f\\n\\r\\t\\v\\\\\\\"\\'\\001\\377\\U00e9\\uD83C\\udF3F\\q\"; "
+        "b = {}; c = (); }";
     std::vector<std::string> all = {
         "// a table\n\"Duplicate\" = 'Dupliquer';\nshort;\n/* c */ $a_b = (1, 2.5, <00 fF>,);",
-        "{ a = \"\\a\\b\\f\\n\\r\\t\\v\\\\\\\"\\'\\001\\377\\U00e9\\uD83C\\udF3F\\q\"; b = {}; c = "
-        "(); }",
+        escapes,
         "<0102 03>",
         "word",
         "\xfe\xff\0{\0a\0;\0}"s,

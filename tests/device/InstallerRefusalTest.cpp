@@ -32,6 +32,14 @@ std::string withoutStringIdentifier(bool present) {
     return withInfo(list.xml());
 }
 
+/// More than a megabyte of links, each of them sound.
+std::vector<ZipItem> manyLinks() {
+    std::vector<ZipItem> items{info};
+    for (int number = 0; number < 300; ++number)
+        items.push_back(link(std::to_string(number), std::string(4000, '/').replace(0, 1, "a")));
+    return items;
+}
+
 std::string infoTwice() {
     ZipItem other = info;
     other.data = infoPlist("com.example.other");
@@ -91,6 +99,7 @@ std::vector<Refusal> refusals() {
         {zipOf({{"Payload", "..", S_IFLNK | 0777}, info}), "below what is not a folder"},
         {zipOf({info, {bundle + "a", "1"}, {bundle + "a/b", "2"}}), "below what is not a folder"},
         {zipOf({info, link("l", "../../outside")}), "leads outside"},
+        {zipOf(manyLinks()), "an absurdly large"},
         {with({bundle + "pipe", "", S_IFIFO | 0644}), "neither a file, a folder nor a link"},
         {with({bundle + "disk", "", S_IFBLK | 0644}), "neither a file, a folder nor a link"},
         {infoTwice(), "holds Payload/X.app/Info.plist twice"},

@@ -18,7 +18,8 @@ std::string parsed(const std::string& line) {
     if (!result.step)
         return "nothing";
     const ScriptStep& step = *result.step;
-    static const char* const verbs[] = {"tap", "type", "wait", "gone", "expect", "absent", "shot"};
+    static const char* const verbs[] = {"tap",    "type", "wait", "gone", "expect",
+                                        "absent", "shot", "hold", "drop"};
     std::string text = verbs[static_cast<int>(step.verb)];
     text += "|" + step.target + "|" + step.text;
     if (step.waits())
@@ -78,6 +79,8 @@ TEST(ScriptStep, ReadsEveryForm) {
         {"wait 5", "wait|5||1000"},
         {"gone Please wait... 60", "gone|Please wait...||6000"},
         {"shot a folder/one.png", "shot|a folder/one.png|"},
+        {"hold Fernleaf Notes", "hold|Fernleaf Notes|"},
+        {"drop /a folder/one.ipa", "drop|/a folder/one.ipa|"},
         {"tap", "error: a name, text or file is missing"},
         {R"(expect "")", "error: a name, text or file is missing"},
         {R"(tap "open)", "error: a closing quote is missing"},

@@ -200,6 +200,14 @@ TEST(HostileBundle, ManyEntriesAreReadOnceAndRefusedWhenTheyRepeat) {
     const auto more = install(100'000, [](int number) { return std::to_string(number); });
     ASSERT_FALSE(more);
     EXPECT_NE(more.failure().text.find("too many"), std::string::npos) << more.failure().text;
+    std::string folders;
+    for (int level = 0; level < 90; ++level)
+        folders += "/a";
+    const auto implied = install(1'200, [&](int number) {
+        return "Payload/X.app/" + std::to_string(number) + folders + "/file";
+    });
+    ASSERT_FALSE(implied);
+    EXPECT_NE(implied.failure().text.find("too many"), std::string::npos) << implied.failure().text;
     EXPECT_TRUE(device.snapshot() == before);
 }
 

@@ -118,13 +118,10 @@ TEST_F(WebPageTest, SpinsOnOverNothingWhenTheConnectionIsRefused) {
 } // namespace
 } // namespace dubrix
 
-/// The web engine's own faults are not ours to find: it deletes a part of itself by a size that is
-/// not the part's, and keeps some memory to the end. Whole call stacks tell whose memory it is.
+/// The web engine deletes a part of itself by a size that is not the part's. Whole call stacks tell
+/// whose memory it is that it keeps.
 extern "C" const char* __asan_default_options() {
     return "new_delete_type_mismatch=0:fast_unwind_on_malloc=0";
-}
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libQt6WebEngineCore\nleak:libqtwebview_webengine\nleak:libfontconfig\n";
 }
 
 int main(int count, char** arguments) {

@@ -52,7 +52,7 @@ FocusScope {
     Rectangle {
         id: card
 
-        readonly property real below: menu.beside.y + menu.beside.height + HomeTheme.points(10)
+        readonly property real below: menu.beside.y + menu.beside.height + HomeTheme.points(30)
 
         x: Math.max(HomeTheme.margin, Math.min(menu.beside.x + menu.beside.width / 2 - width / 2, menu.width - width - HomeTheme.margin))
         y: below + height < menu.height - HomeTheme.margin ? below : menu.beside.y - height - HomeTheme.points(10)

@@ -28,7 +28,7 @@ Item {
         anchors.margins: HomeTheme.points(3)
         radius: HomeTheme.points(12)
         color: tap.pressed ? HomeTheme.cardPressed : "transparent"
-        border.width: button.activeFocus ? HomeTheme.points(2) : 0
+        border.width: button.activeFocus && KeyboardUse.active ? HomeTheme.points(2) : 0
         border.color: HomeTheme.accent
     }
     Rectangle {

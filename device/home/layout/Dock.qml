@@ -35,7 +35,7 @@ Rectangle {
             source: dock.home.ownIcon
             name: dock.home.ownName
             pressed: tap.pressed
-            marked: own.activeFocus
+            marked: own.activeFocus && KeyboardUse.active
             cell: own.width
         }
 

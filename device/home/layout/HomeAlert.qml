@@ -7,7 +7,12 @@ FocusScope {
 
     required property HomeScreen home
     readonly property bool shown: home.alertTitle !== ""
-    readonly property bool asks: home.alertAction !== ""
+    readonly property bool asks: action !== ""
+
+    // Kept while the alert fades.
+    property string title: ""
+    property string text: ""
+    property string action: ""
 
     signal closed
 
@@ -15,13 +20,19 @@ FocusScope {
     opacity: shown ? 1 : 0
     visible: opacity > 0
     onShownChanged: shown ? dismiss.forceActiveFocus() : closed()
+
+    Binding {
+        alert.title: alert.home.alertTitle
+        alert.text: alert.home.alertText
+        alert.action: alert.home.alertAction
+        when: alert.shown
+        restoreMode: Binding.RestoreNone
+    }
     Keys.onEscapePressed: alert.home.alertDismissed()
     Keys.onLeftPressed: dismiss.forceActiveFocus()
     Keys.onRightPressed: if (alert.asks) accept.forceActiveFocus()
 
     Behavior on opacity {
-        enabled: alert.shown
-
         NumberAnimation {
             duration: HomeTheme.duration(140)
         }
@@ -46,8 +57,8 @@ FocusScope {
         border.width: 1
         border.color: HomeTheme.separator
         Accessible.role: Accessible.AlertMessage
-        Accessible.name: alert.home.alertTitle
-        Accessible.description: alert.home.alertText
+        Accessible.name: alert.title
+        Accessible.description: alert.text
 
         Column {
             id: words
@@ -58,7 +69,7 @@ FocusScope {
 
             Text {
                 width: parent.width - 2 * parent.padding
-                text: alert.home.alertTitle
+                text: alert.title
                 color: HomeTheme.ink
                 font.pixelSize: HomeTheme.titleSize
                 font.weight: Font.DemiBold
@@ -70,7 +81,7 @@ FocusScope {
             }
             Text {
                 width: parent.width - 2 * parent.padding
-                text: alert.home.alertText
+                text: alert.text
                 color: HomeTheme.ink
                 font.pixelSize: HomeTheme.bodySize
                 horizontalAlignment: Text.AlignHCenter
@@ -100,7 +111,7 @@ FocusScope {
             }
             width: parent.width / 2
             visible: alert.asks
-            text: alert.home.alertAction
+            text: alert.action
             dangerous: true
             strong: true
             lineAbove: true

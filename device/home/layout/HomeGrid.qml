@@ -10,14 +10,13 @@ QtObject {
     readonly property real side: HomeTheme.points(narrow ? 8 : 28)
     readonly property int columns: narrow ? 4 : Math.floor((area.width - 2 * side) / HomeTheme.points(106))
     readonly property int rows: Math.max(1, Math.floor(area.height / HomeTheme.points(98)))
-    readonly property int capacity: columns * rows
+    /// Icons on a page; 0 as long as the area is not known.
+    readonly property int capacity: area.width > 0 && area.height > 0 ? columns * rows : 0
     readonly property real cellWidth: (area.width - 2 * side) / columns
     readonly property real cellHeight: area.height / rows
 
     /// The position of the icon at which the keyboard is.
     property int current: 0
-    /// Whether the person is finding their way by keyboard.
-    property bool keyboard: false
 
     signal menuAsked(Item icon, string identifier, string name)
 }

@@ -23,7 +23,7 @@ Item {
     signal gone
 
     function takeFocus() {
-        if (isCurrent && grid.keyboard)
+        if (isCurrent && KeyboardUse.active)
             forceActiveFocus();
     }
     function tapped() {
@@ -80,7 +80,7 @@ Item {
         source: icon.icon
         name: icon.name
         pressed: tap.pressed
-        marked: icon.activeFocus && icon.grid.keyboard
+        marked: icon.activeFocus && KeyboardUse.active
         cell: icon.width
     }
 
@@ -89,7 +89,6 @@ Item {
 
         onTapped: icon.tapped()
         onLongPressed: icon.askMenu()
-        onPressedChanged: if (pressed) icon.grid.keyboard = false
     }
     TapHandler {
         acceptedButtons: Qt.RightButton

@@ -95,7 +95,10 @@ Window {
         anchors.fill: parent
         enabled: !window.occupied
         onEntered: drag => drag.accepted = window.home.takes(drag.urls)
-        onDropped: drop => window.home.drop(drop.urls)
+        onDropped: drop => {
+            drop.accept(Qt.CopyAction);
+            window.home.drop(drop.urls);
+        }
     }
 
     ActionMenu {

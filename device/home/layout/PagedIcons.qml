@@ -10,7 +10,7 @@ FocusScope {
     required property HomeScreen home
     readonly property int count: home.applications.count
 
-    readonly property int pageCount: Math.max(1, Math.ceil(count / grid.capacity))
+    readonly property int pageCount: grid.capacity > 0 ? Math.max(1, Math.ceil(count / grid.capacity)) : 1
     readonly property int page: list.currentIndex
     signal menuAsked(Item icon, string identifier, string name)
 
@@ -19,12 +19,11 @@ FocusScope {
     }
     function showIcon(position: int) {
         grid.current = position;
-        turnTo(Math.floor(position / grid.capacity));
+        turnTo(Math.floor(position / Math.max(1, grid.capacity)));
     }
     function keyPressed(event: KeyEvent) {
         const position = home.walk(event.key, grid.current, count, grid.columns, grid.rows);
         event.accepted = position >= 0;
-        grid.keyboard = grid.keyboard || event.accepted;
         if (position >= 0)
             showIcon(position);
     }
@@ -33,7 +32,7 @@ FocusScope {
     onPageCountChanged: pageList.fit()
     onCountChanged: grid.current = Math.max(0, Math.min(grid.current, count - 1))
     onPageChanged: {
-        if (Math.floor(grid.current / grid.capacity) !== page)
+        if (grid.capacity > 0 && Math.floor(grid.current / grid.capacity) !== page)
             grid.current = Math.min(page * grid.capacity, Math.max(0, count - 1));
     }
     onWidthChanged: list.positionViewAtIndex(list.currentIndex, ListView.Beginning)

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <qqmlregistration.h>
 
 namespace dubrix {
 
@@ -9,8 +8,6 @@ namespace dubrix {
 /// of a pointer. The layout marks the focused control only meanwhile.
 class KeyboardUse : public QObject {
     Q_OBJECT
-    QML_ELEMENT
-    QML_SINGLETON
     Q_PROPERTY(bool active READ active NOTIFY activeChanged)
 
 public:

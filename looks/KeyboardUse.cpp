@@ -1,4 +1,4 @@
-#include "screens/KeyboardUse.h"
+#include "looks/KeyboardUse.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>

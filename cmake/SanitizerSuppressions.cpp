@@ -1,0 +1,21 @@
+// Part of every program that is built with a sanitizer: what the sanitizers report and only the
+// libraries can mend. In the program rather than in a file beside it, since the application runs
+// where no such file is to be seen.
+
+extern "C" const char* __lsan_default_suppressions() {
+    return
+        // The software renderer of Qt Quick frees no texture of an Image: a window with one Image
+        // and nothing of ours shows it.
+        "leak:QSGTexture::QSGTexture\n"
+        // The web engine keeps some memory to the end, and so does the font configuration.
+        "leak:libQt6WebEngineCore\n"
+        "leak:libqtwebview_webengine\n"
+        "leak:libfontconfig\n";
+}
+
+extern "C" const char* __tsan_default_suppressions() {
+    return
+        // A queued call's last owner deletes it: Qt counts the owners by atomics in code of its own
+        // that the sanitizer does not see.
+        "race:QMetaObject::invokeMethodImpl\n";
+}

@@ -1,0 +1,179 @@
+#include "device/FileTree.h"
+#include "device/ZipEntryReader.h"
+#include "fuzzers/ArchiveSamples.h"
+#include "fuzzers/Mutation.h"
+#include "tests/device/DeviceFolder.h"
+
+#include <sys/mman.h>
+
+namespace dubrix::fuzz {
+
+namespace {
+
+const std::vector<std::string>& names() {
+    static const std::vector<std::string> all = {"..",
+                                                 "/",
+                                                 "Payload/",
+                                                 "Payload/X.app/",
+                                                 "Payload/Y.app/",
+                                                 "._X.app",
+                                                 "./",
+                                                 "//",
+                                                 "\\",
+                                                 "a",
+                                                 "a/b",
+                                                 "Info.plist",
+                                                 "caf\xc3\xa9",
+                                                 "e\xcc\x81",
+                                                 "\xff\xfe",
+                                                 "\n",
+                                                 "~",
+                                                 "CON",
+                                                 "C:",
+                                                 std::string(1, '\0'),
+                                                 std::string(255, 'n'),
+                                                 std::string(256, 'n')};
+    return all;
+}
+
+std::string anyInfo(Random& random) {
+    static const std::vector<std::string> identifiers = {
+        installedBefore, "com.example.new", "com.example.settings", "..", "a/b", "", " ",
+        "\x7f",          "caf\xc3\xa9",     std::string(255, 'i')};
+    return infoPlist(anyOf(identifiers, random));
+}
+
+std::vector<ZipItem> itemsOf(const std::string& bytes) {
+    std::vector<ZipItem> items;
+    const Descriptor file(::memfd_create("archive", MFD_CLOEXEC));
+    if (!writeAll(file.get(), bytes))
+        return items;
+    auto entries = readZipDirectory(file.get());
+    if (!entries)
+        return items;
+    constexpr mode_t kinds[] = {S_IFREG, S_IFDIR, S_IFLNK, S_IFIFO};
+    constexpr std::size_t most = 4096;
+    ZipEntryReader reader(file.get());
+    for (const ZipEntry& entry : *entries) {
+        auto data = reader.readWhole(entry, most);
+        items.push_back({.name = entry.name,
+                         .data = data ? *data : "",
+                         .mode = kinds[static_cast<std::size_t>(entry.kind)] | entry.permissions,
+                         .method = entry.method});
+    }
+    return items;
+}
+
+void changeItem(ZipItem& item, Random& random) {
+    static const std::vector<mode_t> modes = {
+        S_IFREG | 0644, S_IFREG | 06777, S_IFREG, S_IFLNK | 0777, S_IFDIR | 0755, S_IFDIR,
+        S_IFIFO,        S_IFBLK,         0,       07777,          S_IFDIR | 01777};
+    static const std::vector<std::string> targets = {"..", "../..", "/etc", "a", ".", "a/b/..", ""};
+    switch (below(9, random)) {
+    case 0:
+        item.name = withChangedBytes(item.name, random);
+        return;
+    case 1:
+        item.name += anyOf(names(), random);
+        return;
+    case 2:
+        item.mode = anyOf(modes, random);
+        return;
+    case 3:
+        item.mode = S_IFLNK | 0777;
+        item.data = anyOf(targets, random);
+        return;
+    case 4:
+        item.data = item.name.ends_with("Info.plist") && !once(4, random)
+                        ? anyInfo(random)
+                        : withChangedBytes(item.data, random);
+        return;
+    case 5:
+        item.method = once(4, random) ? static_cast<unsigned>(random() & 0xff) : 8 - item.method;
+        return;
+    case 6:
+        item.host = static_cast<unsigned>(below(20, random));
+        return;
+    case 7:
+        item.flags = 1U << below(16, random);
+        return;
+    default:
+        if (once(2, random))
+            item.claimedSize = troublesome(random);
+        else
+            item.crcError = 1;
+    }
+}
+
+} // namespace
+
+std::vector<std::string> seeds() {
+    const ZipItem icons{
+        "Payload/X.app/Info.plist",
+        "{CFBundleIdentifier=\"com.example.icons\";CFBundleIconFile=\"a/b\";"
+        "CFBundleIconFiles=(Icon,\"../X.app/Icon\",\"../../../../../../../beside\",link);"
+        "CFBundleIcons={CFBundlePrimaryIcon={CFBundleIconFiles=(\"./Icon\");};};}"};
+    const std::vector<ZipItem> iconic = {icons,
+                                         {"Payload/X.app/Icon@2x.png", iconHead()},
+                                         {"Payload/X.app/Icon.png", iconHead()},
+                                         {"Payload/X.app/a/b", iconHead()},
+                                         {"Payload/X.app/link", "a/b", S_IFLNK | 0777}};
+    const ZipItem info{"Payload/X.app/Info.plist", infoPlist("com.example.new")};
+    const std::vector<ZipItem> rich = {
+        {"Payload/", "", S_IFDIR | 0755},
+        {"Payload/X.app/", "", S_IFDIR | 0750},
+        info,
+        {"Payload/X.app/X", std::string(2000, 'x'), S_IFREG | 0755, 8},
+        {"Payload/X.app/a/b/c", "deep", 0, 0, 0, 0},
+        {"Payload/X.app/a/link", "../X", S_IFLNK | 0777},
+        {"Payload/X.app/caf\xc3\xa9", "", S_IFREG | 06777, 8, 0x800},
+        {"__MACOSX/Payload/._X.app", "beside"},
+        {"iTunesMetadata.plist", "beside", S_IFREG | 0644, 8}};
+    const ZipBytes wide = zipWithHole({info, {"Payload/X.app/large", "ab"}}, 30);
+    // To be refused: what they would do, should they be installed, is seen.
+    const ZipItem system{"Payload/X.app/Info.plist", infoPlist("com.example.settings")};
+    const ZipItem climbing{"Payload/X.app/../../../../new", "changed"};
+    const ZipItem outside{"Payload/X.app/a", "b/../../../../../../../beside", S_IFLNK | 0777};
+    const ZipItem onward{"Payload/X.app/b", ".", S_IFLNK | 0777};
+    const ZipItem through{"Payload/X.app/a/beside", "changed"};
+    return {zipOf({info}),
+            zipOf(rich),
+            zipOf(iconic),
+            zipOf({system}),
+            zipOf({info, climbing}),
+            zipOf({info, outside, onward}),
+            zipOf({info, outside, onward, through}),
+            wide.head + std::string(30, '\0') + wide.tail,
+            "a program in front" + zipOf({info}),
+            zipOf({{"Payload/X.app/Info.plist", infoPlist(installedBefore, "2"), 0100644, 8}}),
+            zipOf({})};
+}
+
+const std::vector<std::string>& vocabulary() {
+    static const std::vector<std::string> words = [] {
+        std::vector<std::string> all = names();
+        for (const char* piece : {"PK\1\2", "PK\3\4", "PK\5\6", "PK\6\6", "PK\6\7", "@2x", ".png",
+                                  "~ipad", "CFBundleIconFile", "={", "=("})
+            all.emplace_back(piece);
+        return all;
+    }();
+    return words;
+}
+
+std::string restructured(const std::string& bytes, Random& random) {
+    std::vector<ZipItem> items = itemsOf(bytes);
+    if (items.empty())
+        return withChangedBytes(bytes, random);
+    for (std::size_t changes = 1 + below(3, random); changes > 0; --changes) {
+        const auto index = static_cast<long>(below(items.size(), random));
+        if (once(6, random))
+            items.insert(items.begin() + index, ZipItem(anyOf(items, random)));
+        else if (items.size() > 1 && once(6, random))
+            items.erase(items.begin() + index);
+        else
+            changeItem(anyOf(items, random), random);
+    }
+    return once(8, random) ? withChangedBytes(zipOf(items), random) : zipOf(items);
+}
+
+} // namespace dubrix::fuzz

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "looks/KeyboardUse.h"
+
+#include <QQmlEngine>
+
+namespace dubrix {
+
+/// Makes KeyboardUse known to this layout.
+struct KeyboardInLayout {
+    Q_GADGET
+    QML_FOREIGN(dubrix::KeyboardUse)
+    QML_NAMED_ELEMENT(KeyboardUse)
+    QML_SINGLETON
+};
+
+} // namespace dubrix
