@@ -5,6 +5,7 @@ import json
 import os
 import platform
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -115,6 +116,7 @@ def line(row):
 def main():
     arguments = parse()
     os.environ["LC_ALL"] = "C.UTF-8"
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))  # the temporary folder goes too
     arguments.build = os.path.abspath(arguments.build)
     with tempfile.TemporaryDirectory(prefix="dubrix-bench-", dir=arguments.work) as work:
         options = Options(arguments, work)
