@@ -24,10 +24,21 @@ bool survives(const DeviceFolder& device, int fatalStep,
     return status == 0;
 }
 
+const std::vector<std::string> names{"a", "sub/b", "large", "sub/larger", "link"};
+
+/// Together the large files are enough to be unpacked by several threads.
+std::string contentsIn(const std::string& version, const std::string& name) {
+    std::string contents = version;
+    if (name.find("large") != std::string::npos)
+        contents.resize(1'200'000, version.front());
+    return contents;
+}
+
 std::vector<ZipItem> filesOf(const std::string& version) {
     std::vector<ZipItem> files;
-    for (const char* name : {"a", "sub/b", "sub/c", "d"})
-        files.push_back({name, version});
+    for (const std::string& name : names)
+        if (name != "link")
+            files.push_back({name, contentsIn(version, name)});
     files.push_back({"sub/", "", S_IFDIR | 0555});
     files.push_back({"link", "sub/b", S_IFLNK | 0777});
     return files;
@@ -64,10 +75,9 @@ TEST(InstallerKill, LeavesTheOldStateOrTheNewOneAtEveryStep) {
             EXPECT_TRUE(version == before || version == after) << version;
             EXPECT_TRUE(!finished || version == after) << version;
             seen.insert(version);
-            const std::vector<std::string> files{"a", "sub/b", "sub/c", "d", "link"};
-            for (const std::string& name : files)
-                EXPECT_EQ(contentsOf(device.installed(identifier, name)),
-                          version == "not installed" ? "" : version)
+            for (const std::string& name : names)
+                EXPECT_TRUE(contentsOf(device.installed(identifier, name)) ==
+                            (version == "not installed" ? "" : contentsIn(version, name)))
                     << name;
 
             ASSERT_TRUE(device.installer().install(device.application("com.example.next", "1")));
