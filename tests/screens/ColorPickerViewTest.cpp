@@ -11,14 +11,6 @@
 
 Q_IMPORT_QML_PLUGIN(DubrixPlugin)
 
-int main(int argumentCount, char** arguments) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_QUICK_BACKEND", "software");
-    const QGuiApplication application(argumentCount, arguments);
-    testing::InitGoogleTest(&argumentCount, arguments);
-    return RUN_ALL_TESTS();
-}
-
 namespace dubrix {
 
 namespace {
