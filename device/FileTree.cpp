@@ -68,6 +68,17 @@ bool removeTreeAt(int parent, const std::string& name) {
     return ::unlinkat(parent, name.c_str(), AT_REMOVEDIR) == 0;
 }
 
+bool isPlainPath(std::string_view path) {
+    while (true) {
+        const std::string_view component = path.substr(0, path.find('/'));
+        if (component.empty() || component == "." || component == "..")
+            return false;
+        if (component.size() == path.size())
+            return true;
+        path.remove_prefix(component.size() + 1);
+    }
+}
+
 bool writeAll(int descriptor, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());

@@ -22,6 +22,10 @@ std::optional<std::vector<std::string>> namesIn(int folder);
 /// is left.
 bool removeTreeAt(int parent, const std::string& name);
 
+/// Whether nothing in a relative path is to be resolved: no empty, "." or ".." component, no slash
+/// at an end.
+bool isPlainPath(std::string_view path);
+
 /// Writes all of `bytes`; false (with errno) when that is not possible.
 bool writeAll(int descriptor, std::string_view bytes);
 

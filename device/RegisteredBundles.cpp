@@ -85,10 +85,7 @@ void RegisteredBundles::follow(Bundle& bundle) const {
     const std::string path = registry_.pathOf(bundle.identifier).value_or("");
     if (path == bundle.path)
         return;
-    const std::string installed = std::string(Registry::applicationPath) + "/";
-    bundle.file = (path.starts_with(installed) ? path.substr(installed.size())
-                                               : registry_.hostPathText(path)) +
-                  "/Info.plist";
+    bundle.file = registry_.pathBelowApplications(path) + "/Info.plist";
     bundle.path = path;
     bundle.info.reset();
     bundle.stamp = {};

@@ -27,24 +27,11 @@ std::vector<std::string> namesBelow(const std::string& path) {
                            : std::vector<std::string>{};
 }
 
-/// Whether nothing in a path is to be resolved: no empty, "." or ".." component, no slash at an
-/// end.
-bool isPlain(std::string_view path) {
-    while (true) {
-        const std::string_view component = path.substr(0, path.find('/'));
-        if (component.empty() || component == "." || component == "..")
-            return false;
-        if (component.size() == path.size())
-            return true;
-        path.remove_prefix(component.size() + 1);
-    }
-}
-
 /// Where a link in the registry's folder leads by its words and not by following it: an absolute
 /// text means the device's own path, and one that climbs too far stays below the device's root.
 std::string targetOfText(std::string_view text) {
     constexpr std::string_view usual = "../";
-    if (text.starts_with(usual) && isPlain(text.substr(usual.size())))
+    if (text.starts_with(usual) && isPlainPath(text.substr(usual.size())))
         return std::string(Registry::bundlePath) + std::string(text.substr(usual.size() - 1));
     fs::path target = (fs::path(Registry::registryPath) / text).lexically_normal();
     if (!target.has_filename())
@@ -153,6 +140,13 @@ std::string Registry::hostPathText(std::string_view devicePath) const {
     if (!devicePath.starts_with('/'))
         path += '/';
     return path += devicePath;
+}
+
+std::string Registry::pathBelowApplications(std::string_view devicePath) const {
+    const std::string applications = std::string(applicationPath) + "/";
+    return devicePath.starts_with(applications)
+               ? std::string(devicePath.substr(applications.size()))
+               : hostPathText(devicePath);
 }
 
 std::string Registry::linkOf(const std::string& identifier) const {

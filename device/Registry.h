@@ -67,6 +67,10 @@ public:
     /// The same for system calls.
     std::string hostPathText(std::string_view devicePath) const;
 
+    /// For system calls on many bundles: the path below the open folder `applicationPath`, or an
+    /// absolute one on this machine for what does not lie there.
+    std::string pathBelowApplications(std::string_view devicePath) const;
+
     /// Beginning of the names of links not yet in place, in the bundle folder.
     static constexpr std::string_view temporaryLinkPrefix = ".link-";
 

@@ -47,9 +47,7 @@ std::optional<RegistryLinks::Target> RegistryLinks::read(const std::string& iden
     std::optional<std::string> path = registry_.targetOf(identifier);
     if (!path)
         return std::nullopt;
-    const std::string bundles = std::string(Registry::applicationPath) + "/";
-    std::string folder =
-        path->starts_with(bundles) ? path->substr(bundles.size()) : registry_.hostPathText(*path);
+    std::string folder = registry_.pathBelowApplications(*path);
     return Target{std::move(*path), std::move(folder)};
 }
 

@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxFileManager.h"
 
+#include "device/FileTree.h"
 #include "formats/WholeFile.h"
 #include "platform/linux/FolderSizes.h"
 #include "platform/linux/PaintingWait.h"
@@ -39,14 +40,7 @@ bool namesSomethingBelowTmp(std::string_view path) {
     path.remove_prefix(tmp.size());
     if (path.ends_with('/'))
         path.remove_suffix(1);
-    while (true) {
-        const std::string_view component = path.substr(0, path.find('/'));
-        if (component.empty() || component == "." || component == "..")
-            return false;
-        if (component.size() == path.size())
-            return true;
-        path.remove_prefix(component.size() + 1);
-    }
+    return isPlainPath(path);
 }
 
 fs::path withoutTrailingSlash(const fs::path& path) {
