@@ -2,6 +2,7 @@
 #include "driver/ScriptPlayer.h"
 #include "looks/Appearance.h"
 #include "looks/ApplicationIconProvider.h"
+#include "looks/WindowArguments.h"
 #include "looks/WindowPlace.h"
 #include "network/NetworkServices.h"
 #include "overlays/ProgressHUD.h"
@@ -67,13 +68,6 @@ void keepFromCommands(const QList<int>& descriptors) {
         ::prctl(PR_SET_DUMPABLE, 0);
 }
 
-QList<int> numbersOf(const QString& text) {
-    QList<int> numbers;
-    for (const QString& number : text.split(QLatin1Char(':'), Qt::SkipEmptyParts))
-        numbers.append(number.toInt());
-    return numbers;
-}
-
 Arguments parseArguments(const QGuiApplication& application) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -102,12 +96,11 @@ Arguments parseArguments(const QGuiApplication& application) {
     parser.process(application);
 
     Arguments arguments{.root = parser.value(root).toStdString(),
-                        .drive = numbersOf(parser.value(drive)),
-                        .desk = numbersOf(parser.value(desk)),
+                        .drive = descriptorsIn(parser.value(drive)),
+                        .desk = descriptorsIn(parser.value(desk)),
                         .beside = parser.isSet(beside),
                         .appearance = parser.value(appearance),
-                        .size = {parser.value(size).section(QLatin1Char('x'), 0, 0).toInt(),
-                                 parser.value(size).section(QLatin1Char('x'), 1).toInt()}};
+                        .size = sizeIn(parser.value(size))};
     keepFromCommands(arguments.drive + arguments.desk);
     if ((parser.isSet(drive) && arguments.drive.size() != 3) ||
         (parser.isSet(desk) && arguments.desk.size() != 2))

@@ -43,23 +43,6 @@ ApplicationRow rowOf(const ApplicationList::Entry& entry) {
     return row;
 }
 
-void sortRows(std::vector<ApplicationRow>& rows) {
-    struct Keyed {
-        QCollatorSortKey key;
-        ApplicationRow row;
-    };
-    const QCollator collator = peoplesOrder();
-    std::vector<Keyed> keyed;
-    keyed.reserve(rows.size());
-    for (ApplicationRow& row : rows)
-        keyed.push_back({collator.sortKey(row.name), std::move(row)});
-    std::ranges::sort(keyed, [](const Keyed& one, const Keyed& other) {
-        const int order = one.key.compare(other.key);
-        return order != 0 ? order < 0 : one.row.displayIdentifier < other.row.displayIdentifier;
-    });
-    std::ranges::transform(keyed, rows.begin(), [](Keyed& each) { return std::move(each.row); });
-}
-
 /// Rows that look alike are told apart by their identifiers.
 void distinguish(std::vector<ApplicationRow>& rows) {
     for (std::size_t index = 1; index < rows.size(); ++index) {
@@ -88,7 +71,7 @@ applicationSections(const std::vector<ApplicationList::Entry>& entries,
         for (const ApplicationList::Entry& entry : entries)
             if (predicate.matches(entry) && !(entry.isHidden && suppressHidden))
                 section.rows.push_back(rowOf(entry));
-        sortRows(section.rows);
+        sortByName(section.rows, &ApplicationRow::name, &ApplicationRow::displayIdentifier);
         distinguish(section.rows);
         sections.push_back(std::move(section));
     }

@@ -2,8 +2,6 @@
 
 #include "looks/NameOrder.h"
 
-#include <algorithm>
-
 namespace dubrix {
 
 namespace {
@@ -86,30 +84,16 @@ void HomeApplications::show(std::vector<HomeApplication> applications) {
 
 std::vector<HomeApplication> homeApplications(const std::vector<InstalledApplication>& all,
                                               const Registry& registry) {
-    struct Keyed {
-        QCollatorSortKey key;
-        HomeApplication application;
-    };
-    const QCollator order = peoplesOrder();
-    std::vector<Keyed> keyed;
+    std::vector<HomeApplication> applications;
     for (const InstalledApplication& each : all) {
         if (each.isSystemApplication || each.isHidden)
             continue;
         const QString identifier = QString::fromStdString(each.identifier);
         const QString name = QString::fromStdString(each.name).simplified();
-        const QString shown = name.isEmpty() ? identifier : name;
-        keyed.push_back(
-            {order.sortKey(shown), {identifier, shown, registry.hostPath(each.path).native()}});
+        applications.push_back({identifier, name.isEmpty() ? identifier : name,
+                                registry.hostPath(each.path).native()});
     }
-    std::ranges::sort(keyed, [](const Keyed& one, const Keyed& other) {
-        const int difference = one.key.compare(other.key);
-        return difference != 0 ? difference < 0
-                               : one.application.identifier < other.application.identifier;
-    });
-    std::vector<HomeApplication> applications;
-    applications.reserve(keyed.size());
-    for (Keyed& each : keyed)
-        applications.push_back(std::move(each.application));
+    sortByName(applications, &HomeApplication::name, &HomeApplication::identifier);
     return applications;
 }
 

@@ -5,6 +5,7 @@
 #include "driver/ScriptPlayer.h"
 #include "looks/Appearance.h"
 #include "looks/ApplicationIconProvider.h"
+#include "looks/WindowArguments.h"
 #include "looks/WindowPlace.h"
 
 #include <QCommandLineParser>
@@ -35,13 +36,6 @@ struct Arguments {
     bool reducedMotion = false;
 };
 
-QList<int> numbersOf(const QString& text) {
-    QList<int> numbers;
-    for (const QString& number : text.split(u':', Qt::SkipEmptyParts))
-        numbers.append(number.toInt());
-    return numbers;
-}
-
 Arguments parseArguments(const QGuiApplication& application) {
     const auto option = [](const char* name, const char* description, const char* value = "") {
         return QCommandLineOption(QString::fromLatin1(name), QString::fromLatin1(description),
@@ -62,16 +56,15 @@ Arguments parseArguments(const QGuiApplication& application) {
     const auto still = option("reduced-motion", "Leave movements out.");
     parser.addOptions({root, own, appearance, size, drive, desk, beside, still});
     parser.process(application);
-    const QString wanted = parser.value(size);
-    Arguments arguments{
-        .root = parser.isSet(root) ? parser.value(root).toStdString() : "/",
-        .own = parser.isSet(own) ? parser.value(own).toStdString() : "/Applications/Dubrix.app",
-        .appearance = parser.value(appearance),
-        .size = {wanted.section(u'x', 0, 0).toInt(), wanted.section(u'x', 1).toInt()},
-        .drive = numbersOf(parser.value(drive)),
-        .desk = numbersOf(parser.value(desk)),
-        .beside = parser.isSet(beside),
-        .reducedMotion = parser.isSet(still)};
+    Arguments arguments{.root = parser.isSet(root) ? parser.value(root).toStdString() : "/",
+                        .own = parser.isSet(own) ? parser.value(own).toStdString()
+                                                 : "/Applications/Dubrix.app",
+                        .appearance = parser.value(appearance),
+                        .size = sizeIn(parser.value(size)),
+                        .drive = descriptorsIn(parser.value(drive)),
+                        .desk = descriptorsIn(parser.value(desk)),
+                        .beside = parser.isSet(beside),
+                        .reducedMotion = parser.isSet(still)};
     if ((parser.isSet(drive) && arguments.drive.size() != 3) ||
         (parser.isSet(desk) && arguments.desk.size() != 2))
         parser.showHelp(2);
