@@ -52,6 +52,8 @@ struct Arguments {
     QList<int> desk;
     /// Whether the window leaves room for the home screen on its left.
     bool beside = false;
+    /// What commands must not do, as a file; empty for no such limits.
+    std::filesystem::path commandFilter;
     /// "light", "dark", or empty for what the platform's theme says.
     QString appearance;
     /// The window's size; empty for the layout's own.
@@ -92,13 +94,18 @@ Arguments parseArguments(const QGuiApplication& application) {
         QStringLiteral("answers:requests"));
     const QCommandLineOption beside(QStringLiteral("beside"),
                                     QStringLiteral("Stand on the right of the home screen."));
-    parser.addOptions({root, drive, appearance, size, desk, beside});
+    const QCommandLineOption filter(
+        QStringLiteral("command-filter"),
+        QStringLiteral("The system-call filter of the commands that the application runs."),
+        QStringLiteral("file"));
+    parser.addOptions({root, drive, appearance, size, desk, beside, filter});
     parser.process(application);
 
     Arguments arguments{.root = parser.value(root).toStdString(),
                         .drive = descriptorsIn(parser.value(drive)),
                         .desk = descriptorsIn(parser.value(desk)),
                         .beside = parser.isSet(beside),
+                        .commandFilter = parser.value(filter).toStdString(),
                         .appearance = parser.value(appearance),
                         .size = sizeIn(parser.value(size))};
     keepFromCommands(arguments.drive + arguments.desk);
@@ -173,7 +180,12 @@ int main(int argc, char** argv) {
     prepareWebPages();
 
     const std::filesystem::path programs = QCoreApplication::applicationDirPath().toStdString();
-    LinuxCommandRunner commands(arguments.root, programs / "device-paths.bash");
+    const auto confinement = CommandConfinement::read(arguments.commandFilter);
+    if (!confinement && !arguments.commandFilter.empty()) {
+        qCritical("The commands' system-call filter cannot be read.");
+        return 1;
+    }
+    LinuxCommandRunner commands(arguments.root, programs / "device-paths.bash", confinement);
     LinuxFileManager files(arguments.root);
     LinuxApplicationWorkspace workspace(arguments.root);
     LinuxApplicationList applications(arguments.root);

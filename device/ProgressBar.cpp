@@ -58,9 +58,9 @@ ProgressBar::ProgressBar(int descriptor)
     : descriptor_(descriptor),
       usable_(takesLinesBack(descriptor)) {}
 
-void ProgressBar::start(std::string title) {
+void ProgressBar::start(std::string title, unsigned percent) {
     title_ = std::move(title);
-    show(0, 1);
+    show(percent, 100);
 }
 
 void ProgressBar::show(std::uint64_t done, std::uint64_t total) {

@@ -21,8 +21,8 @@ public:
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
-    /// Begins with new work, of which nothing is done. `title` is UTF-8 without control characters.
-    void start(std::string title);
+    /// Begins with new work, of which `percent` is done. `title` is UTF-8 without control characters.
+    void start(std::string title, unsigned percent = 0);
     /// `done` of `total`; of nothing, all is done.
     void show(std::uint64_t done, std::uint64_t total);
     /// Takes the line away, so that others can be printed.

@@ -30,6 +30,7 @@ public:
     explicit operator bool() const { return content_.index() == 0; }
     /// Only after a success.
     Value& operator*() { return std::get<0>(content_); }
+    const Value& operator*() const { return std::get<0>(content_); }
     Value* operator->() { return &std::get<0>(content_); }
     /// Only after a failure.
     const Failure& failure() const { return std::get<1>(content_); }

@@ -27,7 +27,8 @@ constexpr const char* usage =
     "  --progress bar|lines      how far -f and -b are: a bar on a terminal at the standard "
     "error,\n"
     "                            or a line \"progress PERCENT\" at each step on the standard "
-    "output;\n"
+    "output,\n"
+    "                            the first for each file with its title;\n"
     "                            several archives are summed up in a last line\n"
     "  --help                    show this text\n";
 
@@ -86,6 +87,10 @@ public:
         percent_ = 0;
         if (bar_)
             bar_->start(title);
+        if (asLines_) {
+            std::printf("progress 0 %s\n", title.c_str());
+            std::fflush(stdout);
+        }
     }
     void show(std::uint64_t done, std::uint64_t total) {
         if (bar_)

@@ -1,6 +1,8 @@
-# Handing files of the desktop to the device's installer: each archive read-only under its own name,
-# an exported archive's folder and nothing else writable.
+# Handing files of the desktop to the device's installer: each archive read-only under its own name.
 # shellcheck shell=bash disable=SC2154,SC2034 # variables shared with the launcher and namespace.bash
+
+asked=
+placing=
 
 check_installable() {
     if [[ -d $1 ]]; then
@@ -11,46 +13,69 @@ check_installable() {
     fi
 }
 
-# Packs an application folder the way archives are made; the archive has the folder's name, which is
-# what messages show. Its path is left in `packed`.
+# Packs an application folder the way archives are made, in a namespace that sees nothing else of the
+# desktop: whoever changes the folder meanwhile leads it nowhere. The archive has the folder's name,
+# which is what messages show. Its path is left in `packed`.
 pack_folder() {
-    local folder work
-    folder=$(realpath -- "$1")
+    local folder=${1%"${1##*[!/]}"} name work line
+    [[ -n $asked ]] || folder=$(realpath -- "$folder")
+    name=${folder##*/}
     make_scratch
-    work=$(mktemp -d -- "$scratch/XXXXXX") && mkdir -- "$work/Payload" || return
-    packed=$work/${folder##*/}
-    [[ ! -t 2 ]] || printf '\r\033[KPacking %s' "$(tr -d '[:cntrl:]' <<<"${folder##*/}")" >&2
-    cp -a -- "$folder" "$work/Payload/" &&
-        (cd -- "$work" && ZIPOPT=-0 zip -qry "./${folder##*/}" Payload)
+    work=$(mktemp -d -- "$scratch/XXXXXX") || return
+    packed=$work/$name
+    [[ ! -t 2 ]] || printf '\r\033[KPacking %s' "$(tr -d '[:cntrl:]' <<<"$name")" >&2
+    if [[ -n $isolated ]]; then
+        line=("$confine" --device "$device" "--${asked}folder" "$folder" "/packing/Payload/$name" --
+            "${packing_programs[@]}" --clearenv --setenv PATH /usr/bin:/bin --bind "$work" /packed
+            --chdir /packing --new-session -- zip -0qry "/packed/$name" Payload)
+    else
+        mkdir -- "$work/Payload" && ln -s -- "$folder" "$work/Payload/$name" || return
+        line=("$confine" --bare --device "$device" "--${asked}folder" "$folder" . --
+            bash -c 'cd -- "$1" && rm Payload/"$2" && cp -a -- "$3" Payload/ &&
+                exec zip -0qry "./$2" Payload' - "$work" "$name" "$folder")
+    fi
+    run_child "${line[@]}"
     local status=$?
     [[ ! -t 2 ]] || printf '\r\033[K' >&2
     return "$status"
 }
 
-# install_archives FILE...; `progress` may name another way than a bar on a terminal.
+# install_archives FILE... shows progress by a bar on a terminal; `progress` may ask for lines
+# instead. `asked` is "asked-" where a window names the file, see confine; the status is then 66 for
+# what is not given to it and 3 for what is no application's archive.
 install_archives() {
-    local given number=0 packed name names=() own=("${shared[@]}")
+    require_isolation
+    local file number=0 packed name names=() given=() output=${progress:-progress} status
     local -A taken=()
-    for given; do
-        packed=$given
-        [[ ! -d $given ]] || pack_folder "$given" || fail "cannot pack $given"
+    for file; do
+        packed=$file
+        if [[ $file == *.app || $file == *.app/ || -d $file ]]; then
+            pack_folder "$file"
+            status=$?
+            ((status != 66)) || [[ -z $asked ]] || return 66
+            ((status == 0)) || fail "cannot pack $file"
+        fi
         name=$(basename -- "$packed")
         ((++number))
         [[ -z ${taken[$name]-} ]] || name=$number/$name
         taken[$name]=yes
-        own+=(--ro-bind "$packed" "/archives/$name")
+        # What was packed is the launcher's own.
+        if [[ $packed == "$file" ]]; then
+            given+=("--${asked}archive" "$packed" "/archives/$name")
+        else
+            given+=(--archive "$packed" "/archives/$name")
+        fi
         [[ -n $isolated ]] || name=$(realpath -- "$packed")
         [[ $name != -* ]] || name=./$name
         names+=("$name")
     done
-    local start_folder=/archives shared=("${own[@]}")
-    run_on_device ipainstaller --progress "${progress:-bar}" -f "${names[@]}"
+    local start_folder=/archives
+    run_on_device ipainstaller --progress lines -f "${names[@]}"
 }
 
-# export_archive IDENTIFIER FOLDER NAME
+# export_archive IDENTIFIER FILE: the namespace sees neither the file nor its folder, only what is
+# open for writing. `placing` may be "new-" where nothing may be replaced, see confine.
 export_archive() {
-    local name=$3 start_folder=/export shared=("${shared[@]}" --bind "$2" /export)
-    [[ $name != -* ]] || name=./$name
-    cd -- "$2" || exit 1
-    run_on_device ipainstaller --progress "${progress:-bar}" -b "$1" "$name"
+    local given=("--${placing}result" "$2") output=${progress:-progress} read_only=yes
+    run_on_device ipainstaller --progress lines --descriptor 10 -b "$1" "$(basename -- "$2")"
 }

@@ -40,6 +40,7 @@ open_desk() {
     set +m
     server=$!
     exec 4>"$desk_folder/requests" 3<"$desk_folder/answers"
+    kept+=(--keep 3 --keep 4)
 }
 
 # What is being done is brought to its end: the server ends when nobody can ask any more.
@@ -88,28 +89,33 @@ last_error() {
     tail -n 1 -- "$1" | sed 's/^\(ipainstaller\|dubrix\): //; s/ (see dubrix --help)$//'
 }
 
+# Why a file is refused is told only of what is an application's archive: a window is not to learn
+# which other files there are.
 desk_install() {
+    local progress=visible asked=asked- status errors
     scratch=
     trap drop_scratch EXIT
-    check_installable "$1"
-    local progress=lines
-    install_archives "$1"
+    make_scratch
+    errors=$scratch/errors
+    (install_archives "$1") 2>"$errors"
+    status=$?
+    if ((status == 66 || status == 3)); then
+        say "${1##*/} is not an application archive that can be read"
+    else
+        cat -- "$errors" >&2
+    fi
+    return "$status"
 }
 
 desk_remove() {
     run_on_device ipainstaller -u "$1"
 }
 
-# Saves the application in the person's own folder, over nothing that is there.
+# Saves the application in the person's own folder, over nothing that is there; the last word is where.
 desk_export() {
-    local progress=lines folder name number=1
+    local progress=visible placing=new- folder
     folder=$(downloads)
-    name=$(name_of "$1")
-    while [[ -e $folder/$name.ipa ]]; do
-        ((++number))
-        name=${name%" ($((number - 1)))"}" ($number)"
-    done
-    export_archive "$1" "$folder" "$name.ipa" && printf '%s\n' "$folder/$name.ipa"
+    export_archive "$1" "$folder/$(name_of "$1").ipa"
 }
 
 downloads() {

@@ -21,6 +21,17 @@ open_device() {
         is_missing_or_empty "$device" || mistake "$device is neither empty nor a device"
         make_device
     fi
+    require_own_device
+}
+
+# What lies on a device is its owner's alone: what others could change while it is used, or read or
+# start there, would be theirs to use against its owner.
+require_own_device() {
+    [[ -O $device ]] || fail "$device belongs to another user"
+    [[ $(stat -c %a -- "$device") != 700 ]] || return 0
+    chmod 700 -- "$device" && [[ $(stat -c %a -- "$device") == 700 ]] ||
+        fail "$device cannot be closed to other users"
+    say "$device was open to other users and is closed to them now"
 }
 
 # Built beside its place and renamed. When another launcher was faster, the rename meets a folder
@@ -43,7 +54,7 @@ make_device() {
 
 # Applications/Dubrix.app is the place on which the application's own bundle is mounted.
 make_folders() {
-    [[ -n $1 ]] && mkdir -p -- "$1/tmp" "$1/Applications/Dubrix.app" \
+    [[ -n $1 ]] && mkdir -m 700 -- "$1" && mkdir -p -- "$1/tmp" "$1/Applications/Dubrix.app" \
         "$1"/var/containers/Bundle/{Application,Registry} \
         "$1"/var/mobile/Library/{Preferences,Caches,Config,Data}
 }
@@ -51,7 +62,7 @@ make_folders() {
 install_samples() {
     local samples=("$share"/samples/*.app)
     [[ -d ${samples[0]} ]] || return
-    install_archives "${samples[@]}" >/dev/null && choose_application "${samples[0]##*/}"
+    without_isolation=yes install_archives "${samples[@]}" >/dev/null && choose_application "${samples[0]##*/}"
 }
 
 # Makes the installed bundle of the given folder name the application to duplicate.

@@ -45,6 +45,7 @@ drive_with_shots() {
     # Opened anew, not duplicated: bash hands its own ends of a coprocess to nobody.
     exec 7>"/dev/fd/$shots_out" 8<"/dev/fd/$shots_in"
     exec {shots_out}>&- {shots_in}<&-
+    kept+=(--keep 6 --keep 7 --keep 8)
     run_on_device "$1" --drive 6:7:8 "${@:2}"
     status=$?
     exec 6<&- 7>&- 8<&-

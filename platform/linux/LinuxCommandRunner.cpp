@@ -13,6 +13,8 @@ namespace dubrix {
 
 namespace {
 
+constexpr int notConfined = 126;
+
 /// The program's environment, in which the additions ("NAME=value") replace variables of the same
 /// name; ends in a null pointer.
 std::vector<char*> environmentWith(std::vector<std::string>& additions) {
@@ -39,7 +41,9 @@ void waitForEnd(pid_t process) {
 } // namespace
 
 LinuxCommandRunner::LinuxCommandRunner(const std::filesystem::path& root,
-                                       const std::filesystem::path& pathsScript) {
+                                       const std::filesystem::path& pathsScript,
+                                       std::optional<CommandConfinement> confinement)
+    : confinement_(std::move(confinement)) {
     if (root != "/")
         additions_ = {"DUBRIX_ROOT=" + root.string(), "BASH_ENV=" + pathsScript.string()};
 }
@@ -53,6 +57,8 @@ void LinuxCommandRunner::runCommand(const std::string& command) {
     if (process == 0) {
         // Copies keep their group's rights; the world's right to write is not passed on.
         ::umask(S_IWOTH);
+        if (confinement_ && !confinement_->enter())
+            ::_exit(notConfined);
         ::execve(arguments[0], const_cast<char* const*>(arguments), environment.data());
         ::_exit(127);
     }

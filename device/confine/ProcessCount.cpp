@@ -1,0 +1,81 @@
+#include "device/confine/ProcessCount.h"
+
+#include "device/FileTree.h"
+
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace dubrix {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string hierarchies = "/sys/fs/cgroup";
+
+bool put(const std::string& file, const std::string& text) {
+    const Descriptor descriptor(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
+    return descriptor.isOpen() && writeAll(descriptor.get(), text);
+}
+
+/// Folders below which a group with the controller "pids" may be made: of the first kind of
+/// control groups below our own group, of the second beside it, as a group that holds processes
+/// hands no controllers on.
+std::optional<fs::path> parentGroup() {
+    std::ifstream own("/proc/self/cgroup");
+    for (std::string line; std::getline(own, line);) {
+        const std::size_t kinds = line.find(':') + 1;
+        const std::size_t place = line.find(':', kinds);
+        if (kinds == 0 || place == std::string::npos)
+            continue;
+        const std::string controllers = line.substr(kinds, place - kinds);
+        const std::string path = line.substr(place + 1);
+        if (controllers == "pids")
+            return fs::path(hierarchies + "/pids" + path);
+        if (controllers.empty() && fs::exists(hierarchies + "/cgroup.controllers"))
+            return path == "/" ? fs::path(hierarchies) : fs::path(hierarchies + path).parent_path();
+    }
+    return std::nullopt;
+}
+
+/// Groups whose launcher was killed: only empty ones can be removed.
+void sweep(const fs::path& parent) {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(parent, error))
+        if (entry.path().filename().native().starts_with("dubrix-"))
+            ::rmdir(entry.path().c_str());
+}
+
+} // namespace
+
+ProcessCount::~ProcessCount() {
+    if (!group_.empty())
+        ::rmdir(group_.c_str());
+}
+
+bool ProcessCount::bound(unsigned most) {
+    const std::optional<fs::path> parent = parentGroup();
+    if (!parent)
+        return false;
+    sweep(*parent);
+    const std::string group = (*parent / ("dubrix-" + randomUuid())).native();
+    if (::mkdir(group.c_str(), 0755) != 0)
+        return false;
+    if (!put(group + "/pids.max", std::to_string(most))) {
+        ::rmdir(group.c_str());
+        return false;
+    }
+    group_ = group;
+    return true;
+}
+
+bool ProcessCount::join() const {
+    return group_.empty() || put(group_ + "/cgroup.procs", "0");
+}
+
+} // namespace dubrix

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "device/Descriptor.h"
+#include "device/ProgressBar.h"
+#include "device/confine/VisibleText.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <sys/types.h>
+
+namespace dubrix {
+
+/// How a command's output is passed on.
+enum class Shown {
+    /// With control characters spelt out, see VisibleText.
+    Visible,
+    /// Visible on a terminal, byte by byte elsewhere.
+    VisibleOnTerminal,
+    /// Visible; lines "progress PERCENT" become a bar on a terminal at the standard error, with the
+    /// title that the last "progress PERCENT TITLE" gave it.
+    Progress,
+};
+
+/// What passes a command's output on to the launcher's own.
+class Output {
+public:
+    Output(int target, Shown shown);
+
+    /// Bytes of the command for the target, made fit for it.
+    std::string prepared(std::string_view bytes);
+    /// What is left at the command's end.
+    std::string rest();
+    /// Takes the bar away, so that others can print.
+    void makeWay();
+
+private:
+    std::string line(const std::string& text);
+
+    VisibleText visible_;
+    bool raw_;
+    std::string unfinished_;
+    std::optional<ProgressBar> bar_;
+};
+
+/// The standard streams of a command: pipes whose other ends this process serves, so that no
+/// descriptor of the desktop's is in the command's hands.
+class Streams {
+public:
+    /// `input`: whether the command reads what this process is given; else it reads nothing.
+    Streams(bool input, Shown shown);
+
+    /// Puts the command's ends in the place of the standard streams; in the new process, before the
+    /// command is executed. False when that is not possible.
+    bool enter() const;
+
+    /// Serves the streams until `command` has ended and what it wrote is passed on; its exit
+    /// status, 128 and the signal's number where a signal ended it. Signals that ask for the end
+    /// are handed to the command as SIGTERM; they and SIGCHLD must have been blocked before the
+    /// command was started. What still runs in the background is not waited for longer than `grace`
+    /// milliseconds of silence.
+    int serve(pid_t command, int grace);
+
+private:
+    struct Channel {
+        Descriptor theirs;
+        Descriptor ours;
+        int target;
+        Output output;
+    };
+
+    void passOn(Channel& channel);
+    void passInput();
+    bool ready(int descriptor, short events, int milliseconds);
+    void takeSignals();
+    void write(Channel& channel, std::string_view bytes);
+
+    Channel out_;
+    Channel err_;
+    Descriptor inputTheirs_;
+    Descriptor inputOurs_;
+    std::string typed_;
+    Descriptor signals_;
+    pid_t command_ = -1;
+    std::optional<int> status_;
+};
+
+} // namespace dubrix

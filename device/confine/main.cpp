@@ -1,0 +1,345 @@
+// Runs a command where it sees the device and nothing of the desktop: what bubblewrap cannot do by
+// itself is done here, on the desktop's side, before and around it.
+
+#include "device/confine/GivenFile.h"
+#include "device/confine/NamespaceTrial.h"
+#include "device/confine/ProcessCount.h"
+#include "device/confine/ResultFile.h"
+#include "device/confine/Streams.h"
+#include "device/confine/SystemCallFilter.h"
+
+#include "device/FileTree.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <linux/keyctl.h>
+#include <span>
+#include <string_view>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <vector>
+
+namespace {
+
+using namespace dubrix;
+
+constexpr const char* usage =
+    "Usage: confine [OPTION...] -- [BUBBLEWRAP-OPTION... --] COMMAND [ARGUMENT...]\n"
+    "       confine --why-not\n"
+    "\n"
+    "  --bare                   without a namespace; no bubblewrap options then\n"
+    "  --web-pages              for a command that makes namespaces for web pages\n"
+    "  --keep NUMBER            leave this descriptor open; may be repeated\n"
+    "  --input                  pass the standard input on\n"
+    "  --output WAY             visible, shell or progress\n"
+    "  --terminal               leave the standard streams and the terminal to the command\n"
+    "  --device DIR             the device's folder, for --asked-archive and --asked-folder\n"
+    "  --archive FILE PLACE     show the file on the device, read-only\n"
+    "  --folder DIR PLACE       the same for a folder\n"
+    "  --asked-archive FILE PLACE, --asked-folder DIR PLACE\n"
+    "                           the same where a window asks for it; ends with 66 when refused\n"
+    "  --result FILE            what the command writes to descriptor 10 becomes this file\n"
+    "  --new-result FILE        the same under a name that is free; prints it\n"
+    "  --why-not                why no namespace can be made: ends with 0 when the system forbids "
+    "it\n"
+    "                           for good\n";
+
+constexpr int mistaken = 2;
+constexpr int refused = 66;
+constexpr int cannotStart = 71;
+constexpr int notFound = 127;
+
+/// The descriptor at which a command finds its result.
+constexpr int resultDescriptor = 10;
+
+/// More than any application, its web pages and the commands of a duplication need together.
+constexpr unsigned mostProcesses = 2048;
+constexpr rlim_t mostDescriptors = 4096;
+constexpr rlim_t largestFile = rlim_t{64} << 30;
+
+/// How long, in milliseconds, output is awaited after the command's end: in a namespace everything
+/// ends with the command and nothing is cut off.
+constexpr int graceInNamespace = 5000;
+constexpr int graceWithout = 0;
+
+struct Shared {
+    std::string path;
+    std::string place;
+    Given kind;
+    bool asked;
+};
+
+struct Request {
+    bool bare = false;
+    bool terminal = false;
+    bool input = false;
+    Confined whom = Confined::Command;
+    Shown shown = Shown::Visible;
+    std::vector<int> kept;
+    std::string device;
+    std::vector<Shared> shared;
+    std::string result;
+    ResultFile::Existing existing = ResultFile::Existing::Replaced;
+    std::vector<std::string> namespaceOptions;
+    std::vector<std::string> command;
+};
+
+[[noreturn]] void end(int status, const std::string& text) {
+    std::fprintf(stderr, "dubrix: %s\n", text.c_str());
+    std::exit(status);
+}
+
+/// Goes through the words of the command line.
+class Words {
+public:
+    explicit Words(std::span<char* const> words) : left_(words) {}
+    bool done() const { return left_.empty(); }
+    std::string next() {
+        if (left_.empty())
+            end(mistaken, std::string("confine lacks an argument\n\n") + usage);
+        const std::string word = left_.front();
+        left_ = left_.subspan(1);
+        return word;
+    }
+
+private:
+    std::span<char* const> left_;
+};
+
+Shown shownAs(const std::string& way) {
+    if (way == "visible")
+        return Shown::Visible;
+    if (way == "shell")
+        return Shown::VisibleOnTerminal;
+    if (way == "progress")
+        return Shown::Progress;
+    end(mistaken, "confine knows no output " + way);
+}
+
+void takeOption(Request& request, const std::string& option, Words& words) {
+    const auto share = [&request, &words](Given kind, bool asked) {
+        const std::string path = words.next();
+        request.shared.push_back({path, words.next(), kind, asked});
+    };
+    if (option == "--bare")
+        request.bare = true;
+    else if (option == "--terminal")
+        request.terminal = true;
+    else if (option == "--input")
+        request.input = true;
+    else if (option == "--web-pages")
+        request.whom = Confined::WebPages;
+    else if (option == "--output")
+        request.shown = shownAs(words.next());
+    else if (option == "--keep")
+        request.kept.push_back(std::atoi(words.next().c_str()));
+    else if (option == "--device")
+        request.device = words.next();
+    else if (option == "--archive" || option == "--asked-archive")
+        share(Given::Archive, option == "--asked-archive");
+    else if (option == "--folder" || option == "--asked-folder")
+        share(Given::Folder, option == "--asked-folder");
+    else if (option == "--result" || option == "--new-result") {
+        request.result = words.next();
+        if (option == "--new-result")
+            request.existing = ResultFile::Existing::Kept;
+    } else
+        end(mistaken, "confine knows no option " + option + "\n\n" + usage);
+}
+
+Request parse(Words words) {
+    Request request;
+    for (std::string word = words.next(); word != "--"; word = words.next())
+        takeOption(request, word, words);
+    if (!request.bare)
+        for (std::string word = words.next(); word != "--"; word = words.next())
+            request.namespaceOptions.push_back(word);
+    request.command.push_back(words.next());
+    while (!words.done())
+        request.command.push_back(words.next());
+    return request;
+}
+
+/// What was open before is nobody's business on the device.
+void closeAllBut(std::vector<int> kept) {
+    std::ranges::sort(kept);
+    unsigned from = STDERR_FILENO + 1;
+    for (const int descriptor : kept) {
+        const auto number = static_cast<unsigned>(descriptor);
+        if (number > from)
+            ::close_range(from, number - 1, 0);
+        from = std::max(from, number + 1);
+    }
+    ::close_range(from, ~0U, 0);
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(standard, F_GETFD) < 0)
+            ::open("/dev/null", O_RDWR);
+}
+
+void lower(__rlimit_resource what, rlim_t most) {
+    struct rlimit limit {};
+    ::getrlimit(what, &limit);
+    limit.rlim_max = std::min(limit.rlim_max, most);
+    limit.rlim_cur = std::min(limit.rlim_cur, limit.rlim_max);
+    ::setrlimit(what, &limit);
+}
+
+/// A file in memory that the next program can read; its descriptor.
+int inMemory(const std::string& bytes) {
+    const int file = ::memfd_create("given", 0);
+    if (file < 0 || !writeAll(file, bytes) || ::lseek(file, 0, SEEK_SET) != 0)
+        end(cannotStart, systemFailure("no memory for the command's namespace").text);
+    return file;
+}
+
+std::string filterFor(Confined whom) {
+    const Result<std::string> filter = systemCallFilter(whom);
+    if (!filter)
+        end(cannotStart, filter.failure().text);
+    return *filter;
+}
+
+/// Opens what is shared and appends bubblewrap's options for it.
+void share(const Request& request, std::vector<std::string>& options) {
+    for (const Shared& shared : request.shared) {
+        Descriptor file = shared.asked ? openAskedFor(shared.path, shared.kind, request.device)
+                                       : openNamed(shared.path, shared.kind);
+        if (!file.isOpen() && shared.asked)
+            std::exit(refused); // without a word: whether it exists is not for the window to know
+        if (!file.isOpen())
+            end(refused, "cannot read " + shared.path);
+        if (request.bare)
+            continue;
+        const int number = file.release();
+        ::fcntl(number, F_SETFD, 0);
+        options.insert(options.end(), {"--ro-bind-fd", std::to_string(number), shared.place});
+    }
+}
+
+/// bubblewrap's whole command line. Its options go through a file in memory, so that the first
+/// process of the namespace shows none of the desktop's paths.
+std::vector<std::string> namespaceLine(const Request& request) {
+    std::vector<std::string> options;
+    share(request, options);
+    if (request.whom == Confined::WebPages) {
+        const int stricter = inMemory(filterFor(Confined::EngineCommand));
+        options.insert(options.end(),
+                       {"--ro-bind-data", std::to_string(stricter), "/command-filter"});
+    }
+    options.insert(options.end(), request.namespaceOptions.begin(), request.namespaceOptions.end());
+    options.insert(options.end(), {"--seccomp", std::to_string(inMemory(filterFor(request.whom)))});
+    std::string bytes;
+    for (const std::string& option : options)
+        bytes += option + '\0';
+    std::vector<std::string> line = {"bwrap", "--args", std::to_string(inMemory(bytes)), "--"};
+    if (::geteuid() != 0) {
+        const std::string most = std::to_string(mostProcesses);
+        line.insert(line.end(), {"/usr/bin/prlimit", "--nproc=" + most + ":" + most, "--"});
+    }
+    line.insert(line.end(), request.command.begin(), request.command.end());
+    return line;
+}
+
+[[noreturn]] void execute(const std::vector<std::string>& line, bool bare) {
+    std::vector<char*> words;
+    for (const std::string& word : line)
+        words.push_back(const_cast<char*>(word.c_str()));
+    words.push_back(nullptr);
+    char* none = nullptr;
+    ::execvpe(words[0], words.data(), bare ? environ : &none);
+    end(notFound, systemFailure(line[0] + " cannot be started").text);
+}
+
+/// The signals that Streams::serve takes.
+void block(bool blocked) {
+    sigset_t signals;
+    ::sigemptyset(&signals);
+    for (const int signal : {SIGCHLD, SIGHUP, SIGINT, SIGTERM})
+        ::sigaddset(&signals, signal);
+    ::sigprocmask(blocked ? SIG_BLOCK : SIG_UNBLOCK, &signals, nullptr);
+}
+
+/// The new process becomes the command.
+[[noreturn]] void become(const std::vector<std::string>& line, const Request& request,
+                         const Streams& streams, const ProcessCount& processes, int result) {
+    block(false);
+    std::signal(SIGPIPE, SIG_DFL);
+    std::signal(SIGXFSZ, SIG_IGN);
+    ::setsid();
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (!processes.join())
+        end(cannotStart, "the number of processes cannot be bounded");
+    // The lowest free descriptors are taken by bubblewrap's own; this one must be where it is said.
+    if ((result >= 0 && ::dup2(result, resultDescriptor) < 0) || !streams.enter())
+        end(cannotStart, systemFailure("the command's streams cannot be set up").text);
+    execute(line, request.bare);
+}
+
+int run(const Request& request) {
+    // Taken before anything else is opened, so that its number is nobody else's.
+    if (!request.result.empty()) {
+        const int reserved = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        ::dup3(reserved, resultDescriptor, O_CLOEXEC);
+        ::close(reserved);
+    }
+    ProcessCount processes;
+    if (!request.bare && ::geteuid() == 0)
+        processes.bound(mostProcesses);
+    const std::vector<std::string> line = request.bare ? request.command : namespaceLine(request);
+    if (request.terminal) {
+        processes.join();
+        execute(line, request.bare);
+    }
+    std::optional<ResultFile> result;
+    if (!request.result.empty()) {
+        Result<ResultFile> begun = ResultFile::begin(request.result, request.existing);
+        if (!begun)
+            end(EXIT_FAILURE, begun.failure().text);
+        result.emplace(std::move(*begun));
+    }
+    block(true);
+    Streams streams(request.input, request.shown);
+    const pid_t command = ::fork();
+    if (command < 0)
+        end(cannotStart, systemFailure("the command cannot be started").text);
+    if (command == 0)
+        become(line, request, streams, processes, result ? result->descriptor() : -1);
+    const int status = streams.serve(command, request.bare ? graceWithout : graceInNamespace);
+    if (status != 0 || !result)
+        return status;
+    const Result<std::string> placed = result->finish();
+    if (!placed)
+        end(EXIT_FAILURE, placed.failure().text);
+    if (request.existing == ResultFile::Existing::Kept)
+        std::printf("%s\n", (*placed).c_str());
+    return status;
+}
+
+int whyNot() {
+    const NamespaceRefusal refusal = tryNamespaces();
+    if (!refusal.reason.empty())
+        std::printf("%s\n", refusal.reason.c_str());
+    return refusal.forGood ? 0 : 1;
+}
+
+} // namespace
+
+int main(int count, char* words[]) {
+    const std::span<char* const> given(words + 1, static_cast<std::size_t>(count - 1));
+    if (given.size() == 1 && given[0] == std::string_view("--why-not"))
+        return whyNot();
+    // Nothing of this outlives the launcher.
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+    const Request request = parse(Words(given));
+    closeAllBut(request.kept);
+    // The person's keys stay where they are. Where the kernel has no keyrings, there is nothing.
+    ::syscall(SYS_keyctl, KEYCTL_JOIN_SESSION_KEYRING, nullptr);
+    lower(RLIMIT_NOFILE, mostDescriptors);
+    lower(RLIMIT_FSIZE, largestFile);
+    lower(RLIMIT_CORE, 0);
+    return run(request);
+}

@@ -1,0 +1,295 @@
+// What a hostile application does once its name has become a command: tries to leave the device by
+// every way that is known to us and prints a line for each that is open.
+//
+// attacker WHO SECRET PLACE: WHO is "engine" for a command of the engine, else "device"; SECRET
+// stands in the desktop's environment, PLACE is a folder of the desktop.
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <fstream>
+#include <iterator>
+#include <linux/perf_event.h>
+#include <linux/sched.h>
+#include <sched.h>
+#include <string>
+#include <sys/ioctl.h>
+#include <sys/mount.h>
+#include <sys/prctl.h>
+#include <sys/ptrace.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+constexpr long highBits = 1L << 32;
+constexpr unsigned tooManyProcesses = 4000;
+
+void broke(const std::string& what) {
+    std::printf("open: %s\n", what.c_str());
+}
+
+/// The call must be refused with this error, whatever it would have done.
+template<class... Arguments>
+void refused(const char* what, int error, long call, Arguments... arguments) {
+    errno = 0;
+    if (::syscall(call, arguments...) >= 0)
+        broke(what);
+    else if (errno != error)
+        broke(std::string(what) + " fails by itself only: " + std::strerror(errno));
+}
+
+std::string contentsOf(const std::string& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::vector<std::string> namesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    DIR* const open = ::opendir(folder.c_str());
+    while (const dirent* entry = open ? ::readdir(open) : nullptr)
+        if (entry->d_name[0] != '.')
+            names.emplace_back(entry->d_name);
+    if (open)
+        ::closedir(open);
+    return names;
+}
+
+std::vector<std::string> processes() {
+    std::vector<std::string> found;
+    for (const std::string& name : namesIn("/proc"))
+        if (name.find_first_not_of("0123456789") == std::string::npos)
+            found.push_back(name);
+    return found;
+}
+
+void attackTerminal() {
+    const char byte = '\n';
+    for (const long bits : {0L, highBits}) {
+        refused("TIOCSTI", EPERM, SYS_ioctl, 0, TIOCSTI | bits, &byte);
+        refused("TIOCLINUX", EPERM, SYS_ioctl, 0, 0x541cL | bits, &byte);
+    }
+    if (::open("/dev/tty", O_RDWR) >= 0)
+        broke("a controlling terminal");
+    for (const int stream : {0, 1, 2})
+        if (::isatty(stream) == 1)
+            broke("a terminal as standard stream");
+    char typed = 0;
+    if (::read(0, &typed, 1) != 0)
+        broke("somebody's input");
+    if (::write(0, &byte, 1) > 0)
+        broke("writing to the standard input");
+}
+
+void attackKernel() {
+    refused("keyctl", EPERM, SYS_keyctl, 0, -3, 1);
+    refused("add_key", EPERM, SYS_add_key, "user", "name", "value", 5, -3);
+    refused("request_key", EPERM, SYS_request_key, "user", "name", nullptr, 0);
+    refused("ptrace", EPERM, SYS_ptrace, PTRACE_TRACEME, 0, 0, 0);
+    refused("process_vm_readv", EPERM, SYS_process_vm_readv, ::getppid(), nullptr, 0, nullptr, 0, 0);
+    refused("perf_event_open", EPERM, SYS_perf_event_open, nullptr, 0, -1, -1, 0);
+    refused("bpf", EPERM, SYS_bpf, 0, nullptr, 0);
+    refused("userfaultfd", EPERM, SYS_userfaultfd, 0);
+    refused("mount", EPERM, SYS_mount, "tmpfs", "/tmp", "tmpfs", 0, nullptr);
+    refused("umount2", EPERM, SYS_umount2, "/tmp", MNT_DETACH);
+    refused("pivot_root", EPERM, SYS_pivot_root, "/", "/");
+    refused("chroot", EPERM, SYS_chroot, "/tmp");
+    refused("setns", EPERM, SYS_setns, -1, 0);
+    refused("open_tree", ENOSYS, SYS_open_tree, AT_FDCWD, "/", 1);
+    refused("fsopen", ENOSYS, SYS_fsopen, "tmpfs", 0);
+    refused("io_uring_setup", ENOSYS, SYS_io_uring_setup, 1, nullptr);
+    refused("openat2", ENOSYS, SYS_openat2, AT_FDCWD, "/tmp", nullptr, 0);
+    refused("clone3", ENOSYS, SYS_clone3, nullptr, 0);
+    refused("a call of tomorrow", ENOSYS, 999);
+}
+
+void attackNamespaces() {
+    const struct {
+        const char* name;
+        long kind;
+    } kinds[] = {{"user", CLONE_NEWUSER}, {"mount", CLONE_NEWNS},        {"process", CLONE_NEWPID},
+                 {"network", CLONE_NEWNET}, {"name", CLONE_NEWUTS},      {"memory", CLONE_NEWIPC},
+                 {"group", CLONE_NEWCGROUP}, {"time", CLONE_NEWTIME}};
+    for (const auto& [name, kind] : kinds) {
+        refused(name, EPERM, SYS_unshare, kind);
+        if (kind == CLONE_NEWTIME)
+            continue; // not to be had by clone
+        for (const long bits : {0L, highBits}) {
+            errno = 0;
+            const long child = ::syscall(SYS_clone, kind | bits | SIGCHLD, 0, 0, 0, 0);
+            if (child == 0)
+                ::_exit(0);
+            if (child > 0 || errno != EPERM)
+                broke(std::string("clone of a namespace: ") + name);
+        }
+    }
+}
+
+void attackSockets(bool engine) {
+    const struct {
+        const char* name;
+        long family;
+    } families[] = {{"vsock", AF_VSOCK}, {"packet", AF_PACKET}, {"alg", AF_ALG},
+                    {"key", AF_KEY},     {"xdp", AF_XDP},       {"bluetooth", AF_BLUETOOTH}};
+    for (const auto& [name, family] : families)
+        for (const long bits : {0L, highBits})
+            refused(name, EAFNOSUPPORT, SYS_socket, family | bits, SOCK_STREAM, 0);
+    if (engine)
+        refused("local sockets", EAFNOSUPPORT, SYS_socket, AF_UNIX, SOCK_STREAM, 0);
+}
+
+void attackSetIds() {
+    const char* const file = "/tmp/set-id";
+    const auto check = [file](const char* way) {
+        struct stat status {};
+        if (::stat(file, &status) == 0 && (status.st_mode & (S_ISUID | S_ISGID)) != 0)
+            broke(std::string("a set-id file by ") + way);
+        ::unlink(file);
+    };
+    const auto make = [file] { ::close(::open(file, O_CREAT | O_WRONLY, 0755)); };
+    for (const mode_t bit : {S_ISUID, S_ISGID}) {
+        const mode_t mode = 0755 | bit;
+        make();
+        ::chmod(file, mode);
+        check("chmod");
+        make();
+        const int open = ::open(file, O_RDONLY);
+        ::fchmod(open, mode);
+        ::close(open);
+        check("fchmod");
+        make();
+        ::fchmodat(AT_FDCWD, file, mode, 0);
+        check("fchmodat");
+        make();
+        ::syscall(452, AT_FDCWD, file, mode, 0);
+        check("fchmodat2");
+        ::close(::open(file, O_CREAT | O_WRONLY, mode));
+        check("open");
+        ::close(::creat(file, mode));
+        check("creat");
+        ::mknod(file, S_IFREG | mode, 0);
+        check("mknod");
+        const int nameless = ::open("/tmp", O_TMPFILE | O_WRONLY, mode);
+        ::linkat(AT_FDCWD, ("/proc/self/fd/" + std::to_string(nameless)).c_str(), AT_FDCWD, file,
+                 AT_SYMLINK_FOLLOW);
+        ::close(nameless);
+        check("a file without a name");
+        const struct {
+            unsigned long flags, mode, resolve;
+        } how{O_CREAT | O_WRONLY, mode, 0};
+        ::syscall(SYS_openat2, AT_FDCWD, file, &how, sizeof how);
+        check("openat2");
+    }
+}
+
+void attackLimits() {
+    for (const auto what : {RLIMIT_NOFILE, RLIMIT_FSIZE}) {
+        struct rlimit limit {};
+        ::getrlimit(what, &limit);
+        if (limit.rlim_max == RLIM_INFINITY)
+            broke("no limit " + std::to_string(what));
+        limit.rlim_max += 1;
+        if (::setrlimit(what, &limit) == 0)
+            broke("a limit can be lifted: " + std::to_string(what));
+    }
+    std::vector<pid_t> children;
+    while (children.size() < tooManyProcesses) {
+        const pid_t child = ::fork();
+        if (child == 0)
+            while (true)
+                ::pause();
+        if (child < 0)
+            break;
+        children.push_back(child);
+    }
+    if (children.size() >= tooManyProcesses)
+        broke("processes without number");
+    for (const pid_t child : children) {
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+    }
+}
+
+void lookAround(const std::string& secret, const std::string& place, bool engine) {
+    for (const std::string& process : processes()) {
+        const std::string folder = "/proc/" + process + "/";
+        if (contentsOf(folder + "environ").find(secret) != std::string::npos)
+            broke("the desktop's environment in " + folder + "environ");
+        if (process != std::to_string(::getpid()) &&
+            contentsOf(folder + "cmdline").find(place) != std::string::npos &&
+            contentsOf(folder + "cmdline").find("attacker") == std::string::npos)
+            broke("the desktop's folders in " + folder + "cmdline");
+        const bool mine = process == std::to_string(::getpid()) ||
+                          contentsOf(folder + "cmdline").find("attacker") != std::string::npos;
+        // What the engine started is one domain with this process, anything else is out of reach.
+        if (engine && !mine && process != "1" && ::open((folder + "mem").c_str(), O_RDWR) >= 0 &&
+            contentsOf(folder + "cmdline").find("dubrix-app") != std::string::npos)
+            broke("the memory of process " + process);
+    }
+    if (engine && ::kill(::getppid(), 0) != 0)
+        std::puts("cannot signal its parent");
+    for (const std::string& number : namesIn("/proc/self/fd")) {
+        char target[4096] = "";
+        const std::string link = "/proc/self/fd/" + number;
+        if (::readlink(link.c_str(), target, sizeof target - 1) > 0 && std::stoi(number) > 2 &&
+            std::strstr(target, "/proc/") == nullptr && std::strstr(target, "pipe:") == target)
+            broke("descriptor " + number + " is " + target);
+        if (std::strstr(target, place.c_str()) != nullptr && std::stoi(number) > 2)
+            broke("descriptor " + number + " is " + target);
+    }
+    for (const char* folder : {"/", "/usr", "/etc", "/opt", "/sys", "/proc/sys", "/dubrix"})
+        if (::access(folder, W_OK) == 0)
+            broke(std::string("writing to ") + folder);
+    if (::access(place.c_str(), F_OK) == 0)
+        broke("sight of " + place);
+    if (!contentsOf("/proc/keys").empty())
+        broke("sight of the keys");
+}
+
+/// A program of the processor's older architecture has other numbers for its calls.
+void attackByOldCalls() {
+#ifdef __x86_64__
+    const pid_t child = ::fork();
+    if (child == 0) {
+        long result = 20; // getpid
+        asm volatile("int $0x80" : "+a"(result) : : "memory", "r8", "r9", "r10", "r11");
+        ::_exit(result > 0 ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
+        broke("calls of the older architecture");
+    const pid_t other = ::fork();
+    if (other == 0)
+        ::_exit(::syscall(0x40000000L | SYS_getpid) > 0 ? 0 : 1);
+    ::waitpid(other, &status, 0);
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
+        broke("calls of the x32 kind");
+#endif
+}
+
+} // namespace
+
+int main(int, char* words[]) {
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    const bool engine = std::string(words[1]) == "engine";
+    attackTerminal();
+    attackKernel();
+    attackNamespaces();
+    attackSockets(engine);
+    attackSetIds();
+    attackByOldCalls();
+    lookAround(words[2], words[3], engine);
+    attackLimits();
+    std::puts("tried everything");
+    std::fflush(stdout);
+    ::_exit(0);
+}
