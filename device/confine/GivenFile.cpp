@@ -65,26 +65,28 @@ public:
 private:
     void startAtRoot() {
         here_ = Descriptor(::open("/", O_PATH | O_DIRECTORY | O_CLOEXEC));
+        atRoot_ = true;
         onDevice_ = false;
         arrive();
     }
 
     bool arrive() {
-        if (!here_.isOpen() || ::fstat(here_.get(), &status_) != 0)
+        struct stat status {};
+        if (!here_.isOpen() || ::fstat(here_.get(), &status) != 0)
             return false;
-        onDevice_ = onDevice_ || (deviceKnown_ && sameFile(status_, device_));
+        onDevice_ = onDevice_ || (deviceKnown_ && sameFile(status, device_));
         return true;
     }
 
     bool step(const std::string& name) {
-        const bool rootsOwn = status_.st_uid == 0 && (status_.st_mode & (S_IWGRP | S_IWOTH)) == 0;
         Descriptor next(::openat(here_.get(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
         struct stat found {};
         if (!next.isOpen() || ::fstat(next.get(), &found) != 0)
             return false;
         if (S_ISLNK(found.st_mode))
-            return rootsOwn && found.st_uid == 0 && !onDevice_ && follow(next.get());
+            return atRoot_ && !parts_.empty() && follow(next.get());
         here_ = std::move(next);
+        atRoot_ = false;
         return arrive();
     }
 
@@ -104,7 +106,7 @@ private:
     struct stat device_ {};
     bool deviceKnown_ = false;
     Descriptor here_;
-    struct stat status_ {};
+    bool atRoot_ = true;
     std::deque<std::string> parts_;
     int links_ = 0;
     bool onDevice_ = false;

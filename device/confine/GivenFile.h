@@ -17,8 +17,8 @@ Descriptor openNamed(const std::string& path, Given kind);
 /// The same for a path that a window asks for, whose word is not the person's: the path is walked
 /// part by part and each part opened once, so that nothing can be put in its place in between.
 ///
-/// Absolute paths only, without ".." and without links, but for those that the system has put into
-/// folders which only root may change ("/home" on some systems). A folder must be called "*.app"
+/// Absolute paths only, without ".." and without links, but for folders that the system has links
+/// to at the root ("/home" on some). A folder must be called "*.app"
 /// and must not lie on the device, the folder `device`, which the window may change meanwhile.
 Descriptor openAskedFor(const std::string& path, Given kind, const std::string& device);
 

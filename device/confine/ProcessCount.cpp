@@ -7,6 +7,7 @@
 #include <fstream>
 #include <optional>
 #include <sstream>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,6 +17,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr int manyTries = 20;
+constexpr useconds_t pause = 5000;
 const std::string hierarchies = "/sys/fs/cgroup";
 
 bool put(const std::string& file, const std::string& text) {
@@ -43,19 +46,32 @@ std::optional<fs::path> parentGroup() {
     return std::nullopt;
 }
 
-/// Groups whose launcher was killed: only empty ones can be removed.
+bool lock(const Descriptor& group) {
+    return group.isOpen() && ::flock(group.get(), LOCK_EX | LOCK_NB) == 0;
+}
+
+Descriptor openGroup(const fs::path& group) {
+    return Descriptor(::open(group.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+/// Removes the groups whose launcher was killed: those that nobody holds locked.
 void sweep(const fs::path& parent) {
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(parent, error))
-        if (entry.path().filename().native().starts_with("dubrix-"))
+        if (entry.path().filename().native().starts_with("dubrix-") && lock(openGroup(entry)))
             ::rmdir(entry.path().c_str());
 }
 
 } // namespace
 
 ProcessCount::~ProcessCount() {
-    if (!group_.empty())
-        ::rmdir(group_.c_str());
+    // What was killed last may still be on its way out.
+    for (int tries = 0; !group_.empty() && tries < manyTries; ++tries) {
+        if (::rmdir(group_.c_str()) == 0)
+            group_.clear();
+        else
+            ::usleep(pause);
+    }
 }
 
 bool ProcessCount::bound(unsigned most) {
@@ -66,7 +82,9 @@ bool ProcessCount::bound(unsigned most) {
     const std::string group = (*parent / ("dubrix-" + randomUuid())).native();
     if (::mkdir(group.c_str(), 0755) != 0)
         return false;
-    if (!put(group + "/pids.max", std::to_string(most))) {
+    lock_ = openGroup(group);
+    // Another launcher may sweep the group in this moment.
+    if (!lock(lock_) || !put(group + "/pids.max", std::to_string(most))) {
         ::rmdir(group.c_str());
         return false;
     }

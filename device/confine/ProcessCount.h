@@ -1,5 +1,7 @@
 #pragma once
 
+#include "device/Descriptor.h"
+
 #include <string>
 
 namespace dubrix {
@@ -24,6 +26,7 @@ public:
 
 private:
     std::string group_;
+    Descriptor lock_;
 };
 
 } // namespace dubrix

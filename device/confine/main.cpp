@@ -61,6 +61,8 @@ constexpr unsigned mostProcesses = 2048;
 constexpr rlim_t mostDescriptors = 4096;
 constexpr rlim_t largestFile = rlim_t{64} << 30;
 
+constexpr int manyTries = 3;
+
 /// How long, in milliseconds, output is awaited after the command's end: in a namespace everything
 /// ends with the command and nothing is cut off.
 constexpr int graceInNamespace = 5000;
@@ -287,8 +289,9 @@ int run(const Request& request) {
         ::close(reserved);
     }
     ProcessCount processes;
-    if (!request.bare && ::geteuid() == 0)
-        processes.bound(mostProcesses);
+    for (int tries = 0; !request.bare && ::geteuid() == 0 && tries < manyTries; ++tries)
+        if (processes.bound(mostProcesses))
+            break;
     const std::vector<std::string> line = request.bare ? request.command : namespaceLine(request);
     if (request.terminal) {
         processes.join();

@@ -2,7 +2,8 @@
 // every way that is known to us and prints a line for each that is open.
 //
 // attacker WHO SECRET PLACE: WHO is "engine" for a command of the engine, else "device"; SECRET
-// stands in the desktop's environment, PLACE is a folder of the desktop.
+// stands in the desktop's environment, PLACE is a folder of the desktop. On the desktop itself,
+// "attacker swap ONE OTHER" exchanges two names without end.
 
 #include <cerrno>
 #include <csignal>
@@ -94,7 +95,8 @@ void attackKernel() {
     refused("add_key", EPERM, SYS_add_key, "user", "name", "value", 5, -3);
     refused("request_key", EPERM, SYS_request_key, "user", "name", nullptr, 0);
     refused("ptrace", EPERM, SYS_ptrace, PTRACE_TRACEME, 0, 0, 0);
-    refused("process_vm_readv", EPERM, SYS_process_vm_readv, ::getppid(), nullptr, 0, nullptr, 0, 0);
+    refused("process_vm_readv", EPERM, SYS_process_vm_readv, ::getppid(), nullptr, 0, nullptr, 0,
+            0);
     refused("perf_event_open", EPERM, SYS_perf_event_open, nullptr, 0, -1, -1, 0);
     refused("bpf", EPERM, SYS_bpf, 0, nullptr, 0);
     refused("userfaultfd", EPERM, SYS_userfaultfd, 0);
@@ -115,8 +117,8 @@ void attackNamespaces() {
     const struct {
         const char* name;
         long kind;
-    } kinds[] = {{"user", CLONE_NEWUSER}, {"mount", CLONE_NEWNS},        {"process", CLONE_NEWPID},
-                 {"network", CLONE_NEWNET}, {"name", CLONE_NEWUTS},      {"memory", CLONE_NEWIPC},
+    } kinds[] = {{"user", CLONE_NEWUSER},    {"mount", CLONE_NEWNS}, {"process", CLONE_NEWPID},
+                 {"network", CLONE_NEWNET},  {"name", CLONE_NEWUTS}, {"memory", CLONE_NEWIPC},
                  {"group", CLONE_NEWCGROUP}, {"time", CLONE_NEWTIME}};
     for (const auto& [name, kind] : kinds) {
         refused(name, EPERM, SYS_unshare, kind);
@@ -182,9 +184,7 @@ void attackSetIds() {
                  AT_SYMLINK_FOLLOW);
         ::close(nameless);
         check("a file without a name");
-        const struct {
-            unsigned long flags, mode, resolve;
-        } how{O_CREAT | O_WRONLY, mode, 0};
+        const struct { unsigned long flags, mode, resolve; } how{O_CREAT | O_WRONLY, mode, 0};
         ::syscall(SYS_openat2, AT_FDCWD, file, &how, sizeof how);
         check("openat2");
     }
@@ -276,10 +276,18 @@ void attackByOldCalls() {
 #endif
 }
 
+/// Exchanges two names for as long as it lives.
+[[noreturn]] void swapForEver(const char* one, const char* other) {
+    while (true)
+        ::renameat2(AT_FDCWD, one, AT_FDCWD, other, RENAME_EXCHANGE);
+}
+
 } // namespace
 
 int main(int, char* words[]) {
     std::setvbuf(stdout, nullptr, _IONBF, 0);
+    if (std::string(words[1]) == "swap")
+        swapForEver(words[2], words[3]);
     const bool engine = std::string(words[1]) == "engine";
     attackTerminal();
     attackKernel();
