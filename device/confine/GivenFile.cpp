@@ -127,9 +127,12 @@ Descriptor openAskedFor(const std::string& path, Given kind, const std::string& 
         return Descriptor();
     Walk walk(device);
     Descriptor file = walk.open(path);
-    if (!file.isOpen() || !isOfKind(file.get(), kind) || (kind == Given::Folder && walk.onDevice()))
+    struct stat status {};
+    if (!file.isOpen() || !isOfKind(file.get(), kind) || ::fstat(file.get(), &status) != 0)
         return Descriptor();
-    return file;
+    // The kernel's own files about processes have no size.
+    const bool fits = kind == Given::Folder ? !walk.onDevice() : status.st_size > 0;
+    return fits ? std::move(file) : Descriptor();
 }
 
 } // namespace dubrix
