@@ -1,7 +1,7 @@
 #pragma once
 
 #include "device/BundleUnpacker.h"
-#include "device/Descriptor.h"
+#include "formats/Descriptor.h"
 #include "device/Registry.h"
 #include "device/Result.h"
 

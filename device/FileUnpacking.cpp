@@ -1,6 +1,6 @@
 #include "device/FileUnpacking.h"
 
-#include "device/Descriptor.h"
+#include "formats/Descriptor.h"
 #include "device/FileTree.h"
 
 #include <algorithm>
