@@ -1,7 +1,7 @@
 #pragma once
 
-#include "device/Descriptor.h"
 #include "device/Result.h"
+#include "formats/Descriptor.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "device/Descriptor.h"
 #include "device/ProgressBar.h"
 #include "device/confine/VisibleText.h"
+#include "formats/Descriptor.h"
 
 #include <optional>
 #include <string>

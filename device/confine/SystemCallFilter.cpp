@@ -12,7 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "device/Descriptor.h"
+#include "formats/Descriptor.h"
 
 namespace dubrix {
 

@@ -62,6 +62,19 @@ public:
     }
     Contents staged() const { return contentsBelow(root() / "tmp/Fine App/Payload/X.app"); }
 
+    static Contents contentsBelow(const std::filesystem::path& bundle) {
+        Contents contents;
+        std::error_code error;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(bundle, error)) {
+            std::string& content = contents[entry.path().lexically_relative(bundle).native()];
+            if (entry.is_symlink())
+                content = "-> " + std::filesystem::read_symlink(entry.path()).native();
+            else if (entry.is_regular_file())
+                content = contentsOf(entry.path());
+        }
+        return contents;
+    }
+
     std::filesystem::path settingsPath() const { return root() / (settingsFilePath + 1); }
     /// A folder in which commands are looked for first.
     std::filesystem::path tools() const { return folder() / "tools"; }
@@ -117,19 +130,6 @@ private:
         arguments.push_back(nullptr);
         ::execvp(arguments[0], arguments.data());
         ::_exit(127);
-    }
-
-    static Contents contentsBelow(const std::filesystem::path& bundle) {
-        Contents contents;
-        std::error_code error;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(bundle, error)) {
-            std::string& content = contents[entry.path().lexically_relative(bundle).native()];
-            if (entry.is_symlink())
-                content = "-> " + std::filesystem::read_symlink(entry.path()).native();
-            else if (entry.is_regular_file())
-                content = contentsOf(entry.path());
-        }
-        return contents;
     }
 };
 
