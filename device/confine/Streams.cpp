@@ -38,51 +38,51 @@ Output::Output(int target, Shown shown)
         bar_.emplace(STDERR_FILENO);
 }
 
-std::string Output::prepared(std::string_view bytes) {
+void Output::pass(std::string_view bytes, const Write& write) {
     if (raw_)
-        return std::string(bytes);
+        return write(bytes);
     if (!bar_)
-        return visible_.take(bytes);
+        return write(visible_.take(bytes));
     unfinished_ += bytes;
-    std::string text;
-    for (std::size_t end = unfinished_.find('\n'); end != std::string::npos;
-         end = unfinished_.find('\n')) {
-        text += line(unfinished_.substr(0, end + 1));
-        unfinished_.erase(0, end + 1);
+    while (!unfinished_.empty()) {
+        const std::size_t end = unfinished_.find('\n');
+        if (end == std::string::npos && unfinished_.size() < longestLine)
+            break;
+        const std::string line = unfinished_.substr(0, end == std::string::npos ? end : end + 1);
+        unfinished_.erase(0, line.size());
+        if (drawProgress(line))
+            continue;
+        bar_->clear();
+        write(visible_.take(line));
     }
-    if (unfinished_.size() > longestLine)
-        text += line(std::exchange(unfinished_, {}));
-    return text;
 }
 
-std::string Output::line(const std::string& text) {
-    if (!text.starts_with(progressWord)) {
-        bar_->clear();
-        return visible_.take(text);
-    }
+/// False when the line says nothing of progress.
+bool Output::drawProgress(std::string_view line) {
+    if (!line.starts_with(progressWord) || !line.ends_with('\n'))
+        return false;
+    line.remove_prefix(progressWord.size());
+    line.remove_suffix(1);
     unsigned percent = 0;
-    const char* const last = text.data() + text.find_last_not_of('\n') + 1;
-    const auto [end, error] = std::from_chars(text.data() + progressWord.size(), last, percent);
+    const auto [end, error] = std::from_chars(line.begin(), line.end(), percent);
     percent = std::min(percent, 100U);
-    if (error == std::errc() && end < last)
-        bar_->start(VisibleText().take({end + 1, last}), percent);
-    else if (error == std::errc())
+    if (error != std::errc())
+        return false;
+    if (end != line.end())
+        bar_->start(VisibleText().take({end + 1, line.end()}), percent);
+    else
         bar_->show(percent, 100);
-    return {};
+    return true;
+}
+
+void Output::passRest(const Write& write) {
+    makeWay();
+    write(visible_.take(std::exchange(unfinished_, {})) + visible_.end());
 }
 
 void Output::makeWay() {
     if (bar_)
         bar_->clear();
-}
-
-std::string Output::rest() {
-    std::string text;
-    if (bar_) {
-        bar_->clear();
-        text = visible_.take(std::exchange(unfinished_, {}));
-    }
-    return text + visible_.end();
 }
 
 Streams::Streams(bool input, Shown shown)
@@ -157,6 +157,10 @@ void Streams::write(Channel& channel, std::string_view bytes) {
     }
 }
 
+Output::Write Streams::writer(Channel& channel) {
+    return [this, &channel](std::string_view bytes) { write(channel, bytes); };
+}
+
 void Streams::passOn(Channel& channel) {
     char bytes[pieceSize];
     const ssize_t count = ::read(channel.ours.get(), bytes, sizeof bytes);
@@ -165,10 +169,10 @@ void Streams::passOn(Channel& channel) {
     if (&channel == &err_)
         out_.output.makeWay();
     if (count > 0) {
-        write(channel, channel.output.prepared({bytes, static_cast<std::size_t>(count)}));
+        channel.output.pass({bytes, static_cast<std::size_t>(count)}, writer(channel));
         return;
     }
-    write(channel, channel.output.rest());
+    channel.output.passRest(writer(channel));
     channel.ours.close();
 }
 
@@ -217,7 +221,7 @@ int Streams::serve(pid_t command, int grace) {
     }
     for (Channel* channel : {&out_, &err_})
         if (channel->ours.isOpen())
-            write(*channel, channel->output.rest());
+            channel->output.passRest(writer(*channel));
     return *status_;
 }
 

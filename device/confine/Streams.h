@@ -4,6 +4,7 @@
 #include "device/confine/VisibleText.h"
 #include "formats/Descriptor.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,15 +28,17 @@ class Output {
 public:
     Output(int target, Shown shown);
 
+    using Write = std::function<void(std::string_view)>;
+
     /// Bytes of the command for the target, made fit for it.
-    std::string prepared(std::string_view bytes);
+    void pass(std::string_view bytes, const Write& write);
     /// What is left at the command's end.
-    std::string rest();
+    void passRest(const Write& write);
     /// Takes the bar away, so that others can print.
     void makeWay();
 
 private:
-    std::string line(const std::string& text);
+    bool drawProgress(std::string_view line);
 
     VisibleText visible_;
     bool raw_;
@@ -74,6 +77,7 @@ private:
     bool ready(int descriptor, short events, int milliseconds);
     void takeSignals();
     void write(Channel& channel, std::string_view bytes);
+    Output::Write writer(Channel& channel);
 
     Channel out_;
     Channel err_;

@@ -246,6 +246,13 @@ std::vector<std::string> namespaceLine(const Request& request) {
     return line;
 }
 
+/// Without a namespace there is nothing to put files into; what may not be given is still refused.
+std::vector<std::string> bareLine(const Request& request) {
+    std::vector<std::string> none;
+    share(request, none);
+    return request.command;
+}
+
 [[noreturn]] void execute(const std::vector<std::string>& line, bool bare) {
     std::vector<char*> words;
     for (const std::string& word : line)

@@ -77,5 +77,5 @@ install_archives() {
 # open for writing. `placing` may be "new-" where nothing may be replaced, see confine.
 export_archive() {
     local given=("--${placing}result" "$2") output=${progress:-progress} read_only=yes
-    run_on_device ipainstaller --progress lines --descriptor 10 -b "$1" "$(basename -- "$2")"
+    run_on_device ipainstaller --progress lines --descriptor 10 -b -- "$1" "$(basename -- "$2")"
 }

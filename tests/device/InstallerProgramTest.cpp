@@ -52,7 +52,9 @@ TEST(InstallerProgram, SaysOneLineForEachApplication) {
 
     result = run(device, "--root device --progress lines -f 'my app.ipa' bad.ipa");
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.output, "progress 100\nInstalled com.example.app3 (例 Example 3)\n"
+    EXPECT_EQ(result.output, "progress 0 1 of 2: my app.ipa\nprogress 100\n"
+                             "Installed com.example.app3 (例 Example 3)\n"
+                             "progress 0 2 of 2: bad.ipa\n"
                              "Installed 1 of 2 applications; not installed: bad.ipa\n");
 
     result = run(device, "--root device -l");
