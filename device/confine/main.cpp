@@ -299,7 +299,7 @@ int run(const Request& request) {
     for (int tries = 0; !request.bare && ::geteuid() == 0 && tries < manyTries; ++tries)
         if (processes.bound(mostProcesses))
             break;
-    const std::vector<std::string> line = request.bare ? request.command : namespaceLine(request);
+    const std::vector<std::string> line = request.bare ? bareLine(request) : namespaceLine(request);
     if (request.terminal) {
         processes.join();
         execute(line, request.bare);
