@@ -29,6 +29,7 @@ constexpr const char* usage =
     "                            or a line \"progress PERCENT\" at each step on the standard "
     "output;\n"
     "                            several archives are summed up in a last line\n"
+    "  --                        what follows are files and identifiers, even \"-l\"\n"
     "  --help                    show this text\n";
 
 struct Request {
@@ -42,8 +43,13 @@ struct Request {
 /// What is asked for; nothing when the command line makes no sense.
 std::optional<Request> parse(std::span<char* const> words) {
     Request request;
+    bool isName = false;
     for (std::size_t index = 0; index < words.size(); ++index) {
         const std::string word = words[index];
+        if (isName) {
+            request.arguments.push_back(word);
+            continue;
+        }
         const bool isCommand = word == "-f" || word == "-l" || word == "-u" || word == "-b";
         if (word == "--root" && index + 1 < words.size() && *words[index + 1] != '\0')
             request.root = words[++index];
@@ -51,6 +57,8 @@ std::optional<Request> parse(std::span<char* const> words) {
                  (words[index + 1] == std::string_view("bar") ||
                   words[index + 1] == std::string_view("lines")))
             request.progress = words[++index];
+        else if (word == "--" && !request.command.empty())
+            isName = true;
         else if (word == "--help")
             return Request{"/", word, {}, {}};
         else if (isCommand && request.command.empty())
