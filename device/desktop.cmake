@@ -23,7 +23,7 @@ install(FILES first-duplicate.drive DESTINATION share/dubrix)
 # after this folder, so they are gathered when all of the project is known.
 add_custom_target(dubrix DEPENDS dubrix_samples)
 function(dubrix_gather_programs)
-    foreach(program dubrix-app dubrix-home ipainstaller dubrix-network)
+    foreach(program dubrix-app dubrix-home dubrix-judge ipainstaller dubrix-network)
         if(TARGET ${program})
             add_dependencies(dubrix ${program})
             set_target_properties(${program} PROPERTIES
