@@ -127,6 +127,11 @@ _dubrix_command() {
         -*) ;;
         *)
             command=${words[index]}
+            # What follows "home drive" is what follows "drive".
+            if ((index < ${#words[@]} - 2)) && [[ "$command ${words[index + 1]}" == 'home drive' ]]; then
+                command=drive
+                ((++index))
+            fi
             break
             ;;
         esac
@@ -154,7 +159,6 @@ _dubrix_argument() {
     uninstall/1 | export/1) _dubrix_identifiers ;;
     export/2) _dubrix_files '*.ipa' ;;
     home/1) _dubrix_offer drive ;;
-    home/*) [[ " ${words[*]} " != *' home drive '* ]] || _dubrix_drive ;;
     drive/*) _dubrix_drive ;;
     esac
     case $command/${words[-1]} in
