@@ -52,5 +52,5 @@ export_archive() {
     local name=$3 start_folder=/export shared=("${shared[@]}" --bind "$2" /export)
     [[ $name != -* ]] || name=./$name
     cd -- "$2" || exit 1
-    run_on_device ipainstaller --progress "${progress:-bar}" -b "$1" "$name"
+    run_on_device ipainstaller --progress "${progress:-bar}" -b -- "$1" "$name"
 }
