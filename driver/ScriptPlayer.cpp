@@ -11,7 +11,6 @@ constexpr int lookEvery = 20; // milliseconds
 constexpr int restingLooks = 8;
 constexpr double tapPatience = 5;
 constexpr double shotPatience = 2;
-constexpr auto failureShot = "dubrix-failed.png";
 
 QString oneLine(QString text) {
     return text.trimmed().replace(QLatin1Char('\n'), QStringLiteral(" / "));
@@ -144,7 +143,7 @@ void ScriptPlayer::fail() {
     std::cout << "      to tap:\n";
     for (const QString& name : screen_.names())
         std::cout << "        \"" << oneLine(name).toStdString() << "\"\n";
-    if (reason_.empty() && saveShot(failureShot, screen_.picture()) == Outcome::Done)
+    if (reason_.empty() && saveShot(std::string(failureShot), screen_.picture()) == Outcome::Done)
         std::cout << "      saved " << failureShot << "\n";
     std::cout << std::flush;
     end(1);

@@ -5,6 +5,9 @@
 
 namespace dubrix {
 
+/// The picture that a script leaves which fails, in the folder where it was started.
+inline constexpr std::string_view failureShot = "dubrix-failed.png";
+
 /// Hands pictures to the desktop side, which alone can write files there. On `out` go the file's
 /// name, a line break, the number of bytes, a line break and the bytes; on `in` one line comes
 /// back: "ok" or what went wrong.

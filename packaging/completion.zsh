@@ -1,13 +1,38 @@
 #compdef dubrix
-# Completion of dubrix for zsh.
+# Completion of dubrix for zsh. What comes from the device is text here: nothing is run, and zsh
+# quotes what goes on the line.
 
-# The identifiers of what is installed. A device that does not exist yet is not made for that.
+# The identifiers of what is installed, by the names of the device's own records. One that begins
+# with - follows --, which makes a name of it.
 _dubrix_identifiers() {
-    local folder=${(Q)opt_args[--device]:-${XDG_DATA_HOME:-$HOME/.local/share}/dubrix/device}
-    local -a identifiers
-    [[ ! -d $folder/var ]] ||
-        identifiers=(${(f)"$(dubrix --device $folder list 2>/dev/null | cut -f 1)"})
-    _describe identifier identifiers
+    local folder=${device:-${XDG_DATA_HOME:-$HOME/.local/share}/dubrix/device} identifier
+    local -a identifiers=($folder/var/containers/Bundle/Registry/*(ND@:t))
+    identifiers=("${(@)identifiers:#*[[:cntrl:]]*}")
+    if [[ $words[2] == -- ]]; then
+        compadd -- "${identifiers[@]}"
+        return
+    fi
+    compadd -- "${(@)identifiers:#-*}"
+    for identifier in "${(@M)identifiers:#-*}"; do
+        [[ -n $compstate[quote] || $identifier != "${(Q)PREFIX}"* ]] ||
+            compadd -QU -- "-- ${(q)identifier}"
+    done
+}
+
+# The device's folder as it was typed, without quotes; nothing is expanded but a ~ for the home folder.
+_dubrix_device() {
+    local index
+    for ((index = 2; index < CURRENT; ++index)); do
+        case $words[index] in
+        --device) device=$words[++index] ;;
+        --device=*) device=${words[index]#--device=} ;;
+        --appearance) ((++index)) ;;
+        -*) ;;
+        *) break ;;
+        esac
+    done
+    [[ $device != '~/'* ]] || device=${(q)HOME}${device#\~}
+    device=${(Q)device}
 }
 
 _dubrix_commands() {
@@ -24,10 +49,11 @@ _dubrix_commands() {
 }
 
 _dubrix() {
-    local state line
+    local state line device
     local -A opt_args
+    _dubrix_device
     _arguments -S \
-        '--device[the device'\''s folder]:folder:_files -/' \
+        '--device=[the device'\''s folder]:folder:_files -/' \
         '--samples[install the sample applications on a device made now]' \
         '--appearance[how the application looks]:appearance:(light dark)' \
         '--with-home[open the home screen beside the application]' \
@@ -37,13 +63,15 @@ _dubrix() {
         '*::argument:->arguments'
     [[ $state == arguments ]] || return
     # What follows the options: the command first.
+    local number=$CURRENT
+    ((${words[(i)--]} >= CURRENT)) || ((number--))
     case $words[1] in
     install) _files -g '*.ipa(-.) *.app(-/)' ;;
-    uninstall) ((CURRENT != 2)) || _dubrix_identifiers ;;
+    uninstall) ((number != 2)) || _dubrix_identifiers ;;
     export)
-        if ((CURRENT == 2)); then
+        if ((number == 2)); then
             _dubrix_identifiers
-        elif ((CURRENT == 3)); then
+        elif ((number == 3)); then
             _files -g '*.ipa(-.)'
         fi
         ;;

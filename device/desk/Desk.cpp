@@ -58,7 +58,8 @@ void Desk::read() {
 }
 
 void Desk::take(const QByteArray& line) {
-    const QByteArray kind = line.left(line.indexOf(' '));
+    const qsizetype blank = line.indexOf(' ');
+    const QByteArray kind = blank < 0 ? line : line.left(blank);
     const QString text = QString::fromUtf8(line.mid(kind.size() + 1));
     if (kind == "raise") {
         Q_EMIT raiseAsked();

@@ -53,14 +53,20 @@ close_desk() {
 }
 
 stop_desk() {
-    [[ -z $server ]] || kill -TERM -- "-$server" 2>/dev/null
+    [[ -n $server ]] || return 0
+    kill -TERM -- "-$server" 2>/dev/null
+    rm -f -- "$desk_folder"/{requests,answers}
 }
 
+# The program between judges what is asked: device/judge/Requests.h.
 serve_desk() {
-    local verb argument
     trap - EXIT HUP INT TERM
+    "$libexec/dubrix-judge" requests $$ "$desk_folder" "$@" | serve_requests
+}
+
+serve_requests() {
+    local verb argument
     while IFS= read -r -d '' verb && IFS= read -r -d '' argument; do
-        [[ " $* " == *" $verb "* ]] || verb=
         case $verb in
         install | remove | export) answer "desk_$verb" "$argument" </dev/null ;;
         start) desk_start ;;
@@ -108,7 +114,7 @@ desk_install() {
 }
 
 desk_remove() {
-    run_on_device ipainstaller -u "$1"
+    run_on_device ipainstaller -u -- "$1"
 }
 
 # Saves the application in the person's own folder, over nothing that is there; the last word is where.

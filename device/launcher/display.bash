@@ -21,7 +21,6 @@ share_display() {
     [[ -z ${XDG_SESSION_TYPE-} ]] || set_variable XDG_SESSION_TYPE "$XDG_SESSION_TYPE"
     [[ -z ${WAYLAND_DISPLAY-} ]] || share_wayland
     [[ -z ${DISPLAY-} ]] || share_x11
-    share_addresses
 }
 
 share_wayland() {

@@ -14,6 +14,7 @@ drive_window() {
     fi
     if [[ -n $2 ]]; then
         share_display
+        [[ $window == home ]] || share_addresses
     else
         set_variable QT_QPA_PLATFORM offscreen
         set_variable QT_QUICK_BACKEND "${QT_QUICK_BACKEND:-software}"
@@ -37,52 +38,35 @@ drive_window() {
     return "$status"
 }
 
+# The script and the pictures go through the program that writes those that the script asks for:
+# device/judge/Pictures.h. `pictures` may be "shot" where a failure is to leave none.
 drive_with_shots() {
-    local shots_in shots_out receiver status
-    coproc RECEIVER { receive_shots 3<&- 4<&- 6<&-; }
-    receiver=$RECEIVER_PID
-    shots_in=${RECEIVER[0]} shots_out=${RECEIVER[1]}
-    # Opened anew, not duplicated: bash hands its own ends of a coprocess to nobody.
-    exec 7>"/dev/fd/$shots_out" 8<"/dev/fd/$shots_in"
-    exec {shots_out}>&- {shots_in}<&-
-    kept+=(--keep 6 --keep 7 --keep 8)
-    run_on_device "$1" --drive 6:7:8 "${@:2}"
-    status=$?
+    local to_window script to_judge sent to_answers answers judge status word=
+    open_pipe to_window script
+    open_pipe to_judge sent
+    open_pipe to_answers answers
+    "$libexec/dubrix-judge" "${pictures:-drive}" $$ <&6 >&"$to_window" 3<&"$sent" 4>&"$to_answers" &
+    judge=$!
+    exec 6<&"$script" 7>&"$to_judge" 8<&"$answers"
+    exec {to_window}>&- {script}<&- {to_judge}>&- {sent}<&- {to_answers}>&- {answers}<&-
+    IFS= read -r -u 8 word
+    status=2
+    if [[ $word == ready ]]; then
+        kept+=(--keep 6 --keep 7 --keep 8)
+        run_on_device "$1" --drive 6:7:8 "${@:2}"
+        status=$?
+    fi
     exec 6<&- 7>&- 8<&-
-    wait "$receiver"
+    wait "$judge"
     return "$status"
 }
 
-# Reads NAME, SIZE and the bytes of each screenshot, answers each with "ok" or what went wrong.
-receive_shots() {
-    local name size
-    while IFS= read -r name && IFS= read -r size; do
-        [[ $size =~ ^[0-9]+$ ]] || return
-        save_shot "$name" "$size"
-    done
-}
-
-# Whole or not at all, and all SIZE bytes are taken from the pipe whatever happens: tee reads on
-# after a failed write.
-save_shot() {
-    local target=$1 temporary error
-    [[ $target == /* ]] || target=./$target
-    if [[ -d $target ]]; then
-        temporary='Is a directory'
-    else
-        temporary=$(mktemp -- "$(dirname -- "$target")/.dubrix-XXXXXX" 2>&1)
-    fi
-    if [[ ! -f $temporary ]]; then
-        head -c "$2" >/dev/null
-        echo "$1: ${temporary##*: }"
-        return
-    fi
-    if error=$({ head -c "$2" | tee -- "$temporary" >/dev/null; } 2>&1) &&
-        [[ $(stat -c %s -- "$temporary") == "$2" ]] &&
-        error=$(chmod '=rw' -- "$temporary" 2>&1 && mv -fT -- "$temporary" "$target" 2>&1); then
-        echo ok
-    else
-        rm -f -- "$temporary"
-        echo "$1: ${error##*: }"
-    fi
+# open_pipe TO FROM: a pipe, the descriptors of whose ends are left in the variables of these names.
+open_pipe() {
+    local -n to=$1 from=$2
+    local both
+    exec {both}<> <(:)
+    # shellcheck disable=SC2034 # for the caller
+    exec {to}>"/dev/fd/$both" {from}<"/dev/fd/$both"
+    exec {both}>&-
 }

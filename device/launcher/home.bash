@@ -29,3 +29,13 @@ show_home() {
     close_desk
     return "$status"
 }
+
+# shoot_home FILE SIZE: saves a picture, and nothing else whatever happens. The name goes the way of a
+# script's, where quotes keep every byte of it.
+shoot_home() {
+    local name=$1 pictures=shot
+    name=${name//\\/\\\\}
+    name=${name//\"/\\\"}
+    name=${name//$'\n'/\\n}
+    drive_command home ${2:+--size "$2"} - <<<"shot \"$name\""
+}

@@ -1,5 +1,7 @@
 #include "platform/linux/DesktopUrlOpener.h"
 
+#include "device/judge/Addresses.h"
+
 #include <QDesktopServices>
 #include <QUrl>
 #include <algorithm>
@@ -39,7 +41,8 @@ bool DesktopUrlOpener::canOpenURL(const std::string& address) const {
 }
 
 void DesktopUrlOpener::openURL(const std::string& address) {
-    QDesktopServices::openUrl(QUrl(QString::fromStdString(address), QUrl::StrictMode));
+    if (mayBeOpened(address))
+        QDesktopServices::openUrl(QUrl(QString::fromStdString(address), QUrl::StrictMode));
 }
 
 } // namespace dubrix

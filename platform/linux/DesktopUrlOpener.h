@@ -5,8 +5,8 @@
 
 namespace dubrix {
 
-/// The device's applications say which schemes they open; the desktop opens what there is for web
-/// pages and mail, and whatever else is handed to it.
+/// The device's applications say which schemes they open; the desktop opens web pages and mail, as
+/// far as the launcher would let them through, and nothing else.
 class DesktopUrlOpener final : public UrlOpener {
 public:
     explicit DesktopUrlOpener(const std::filesystem::path& root) : registry_(root) {}

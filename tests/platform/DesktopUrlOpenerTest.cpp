@@ -1,7 +1,30 @@
 #include "platform/linux/DesktopUrlOpener.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <QDesktopServices>
+#include <QObject>
+#include <QUrl>
+
 namespace dubrix {
+
+/// Stands for the desktop's opener of one scheme.
+class Desktop : public QObject {
+    Q_OBJECT
+
+public:
+    explicit Desktop(const QString& scheme) : scheme_(scheme) {
+        QDesktopServices::setUrlHandler(scheme, this, "open");
+    }
+    ~Desktop() override { QDesktopServices::unsetUrlHandler(scheme_); }
+
+    Q_SLOT void open(const QUrl& url) { opened += url.toEncoded().toStdString() + "\n"; }
+
+    std::string opened;
+
+private:
+    QString scheme_;
+};
+
 namespace {
 
 std::string infoWithSchemes(const std::string& identifier, const std::string& schemes) {
@@ -33,5 +56,19 @@ TEST(DesktopUrlOpenerTest, OpensWhatTheDesktopOrAnInstalledApplicationOpens) {
     EXPECT_FALSE(opener.canOpenURL("bird:")) << "the application is gone";
 }
 
+TEST(DesktopUrlOpenerTest, HandsOnlyHarmlessAddressesToTheDesktop) {
+    TemporaryFolder device;
+    DesktopUrlOpener opener(device.path());
+    Desktop mail(QStringLiteral("mailto"));
+    Desktop file(QStringLiteral("file"));
+    for (const char* address : {"mailto:a@b?attach=/etc/passwd", "file:///etc/passwd",
+                                "mailto:support%40example.org?subject=A%20(1.2)"})
+        opener.openURL(address);
+    EXPECT_EQ(mail.opened, "mailto:support%40example.org?subject=A%20(1.2)\n");
+    EXPECT_EQ(file.opened, "");
+}
+
 } // namespace
 } // namespace dubrix
+
+#include "DesktopUrlOpenerTest.moc"

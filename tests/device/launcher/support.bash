@@ -34,6 +34,16 @@ out() {
     cat "$work/out"
 }
 
+# ends DESCRIPTOR: whether the pipe ends, for a while after the last that came through it.
+ends() {
+    local line result=0
+    while ((result == 0)); do
+        read -r -t 20 -u "$1" line
+        result=$?
+    done
+    ((result <= 128))
+}
+
 # A folder with all that a copy must keep: kind, permissions, name, link target, bytes.
 manifest() {
     (cd "$1" && find . -printf '%P %y %m %l\n' | LC_ALL=C sort &&
