@@ -6,6 +6,7 @@
 #include "platform/linux/LinuxApplicationList.h"
 #include "platform/linux/LinuxApplicationWorkspace.h"
 #include "platform/linux/LinuxCommandRunner.h"
+#include "platform/linux/LinuxDeviceClaim.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "screens/AppListSampleViewController.h"
@@ -66,8 +67,9 @@ protected:
     FileStyleByteCount byteCounts;
     KeptLog log;
     NoDownloads downloader;
-    const Platform platform{commands,   files,      workspace, applications,
-                            monochrome, byteCounts, log,       downloader};
+    LinuxDeviceClaim device{folder.path()};
+    const Platform platform{commands,   files, workspace,  applications, monochrome,
+                            byteCounts, log,   downloader, device};
     NotificationCenter notifications;
     ModalStack modals;
 };
