@@ -12,6 +12,7 @@
 #include "platform/linux/LinuxApplicationList.h"
 #include "platform/linux/LinuxApplicationWorkspace.h"
 #include "platform/linux/LinuxCommandRunner.h"
+#include "platform/linux/LinuxDeviceClaim.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "platform/linux/LinuxSystemLog.h"
@@ -193,9 +194,10 @@ int main(int argc, char** argv) {
     LinuxMonochromeFilter monochrome;
     FileStyleByteCount byteCounts;
     LinuxSystemLog log;
+    LinuxDeviceClaim device(arguments.root);
     NetworkServices network(programs / "dubrix-network.so", log);
-    const Platform platform{commands,   files,      workspace, applications,
-                            monochrome, byteCounts, log,       network};
+    const Platform platform{commands,   files, workspace, applications, monochrome,
+                            byteCounts, log,   network,   device};
     DesktopUrlOpener urls(arguments.root);
     const AboutServices about{log, urls, network, informationDictionary()};
 

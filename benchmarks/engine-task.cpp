@@ -21,6 +21,7 @@ int main(int count, char** words) {
         stage.text = real.engine.sizeOfFolder(words[3]);
     else
         real.engine.showDuplicateAlert();
+    real.alerts.answerAll();
     std::puts(stage.text.value_or(real.alerts.said).c_str());
     const bool done = task == "size" || (stage.text && stage.text->ends_with("duplicated."));
     ProgressHUD::withdrawStage();

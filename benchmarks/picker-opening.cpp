@@ -6,6 +6,7 @@
 #include "platform/linux/LinuxApplicationList.h"
 #include "platform/linux/LinuxApplicationWorkspace.h"
 #include "platform/linux/LinuxCommandRunner.h"
+#include "platform/linux/LinuxDeviceClaim.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "platform/linux/LinuxSystemLog.h"
@@ -126,9 +127,10 @@ int main(int argc, char** argv) {
     LinuxMonochromeFilter monochrome;
     FileStyleByteCount byteCounts;
     LinuxSystemLog log;
+    LinuxDeviceClaim device(root);
     NetworkServices network({}, log);
-    const Platform platform{commands,   files,      workspace, applications,
-                            monochrome, byteCounts, log,       network};
+    const Platform platform{commands,   files, workspace, applications, monochrome,
+                            byteCounts, log,   network,   device};
     NotificationCenter notifications;
     ModalStack modals;
     QuickOverlayStage stage;

@@ -16,6 +16,11 @@ class Alerts;
 /// afresh. All operations run on the main thread and block it until they are done; outcomes reach
 /// the user in alerts and through the status overlay, never as results. Bundle identifiers are
 /// used exactly as given; an absent one is no application.
+///
+/// An operation that waits for its platform may have the event loop turned below it: what asks the
+/// user, walks, runs the pipeline or installs does nothing when it is called from there. Of all
+/// engines on a device only one at a time walks or runs the pipeline; another one tells the user so
+/// instead.
 class CloneEngine {
 public:
     CloneEngine(const Platform& platform, Alerts& alerts) : platform_(platform), alerts_(alerts) {}
@@ -73,7 +78,12 @@ protected:
 
     const Platform& platform() const { return platform_; }
 
+    /// Told when an operation that may take long begins and when it has ended.
+    virtual void workingChanged(bool /*working*/) {}
+
 private:
+    class Operation;
+
     /// The source chosen by the user and what the catalogue says of it.
     struct Source {
         Text identifier;
@@ -104,6 +114,8 @@ private:
     /// The lowest stale number, gaps or not; 0 when there is none.
     int firstStaleDuplicate(const Source& source) const;
 
+    /// The pipeline itself, on a claimed device.
+    void makeDuplicate(const std::string& number);
     static Staging stagingFor(const Text& name, const Text& path);
     void editInfoPlist(const std::string& path, const PropertyList& settings, const Text& name,
                        const std::string& number, const std::string& identifier);
@@ -111,6 +123,7 @@ private:
 
     const Platform platform_;
     Alerts& alerts_;
+    bool working_ = false;
 };
 
 } // namespace dubrix

@@ -1,5 +1,6 @@
 #include "engine/Alerts.h"
 #include "engine/CloneEngine.h"
+#include "engine/Operation.h"
 #include "engine/SettingsFile.h"
 #include "overlays/ProgressHUD.h"
 #include "platform/CommandRunner.h"
@@ -54,6 +55,12 @@ void CloneEngine::editInfoPlist(const std::string& path, const PropertyList& set
 }
 
 void CloneEngine::duplicateAppWithNumber(const std::string& number) {
+    Operation operation(*this);
+    if (operation.hasBegun() && operation.claimsDevice())
+        makeDuplicate(number);
+}
+
+void CloneEngine::makeDuplicate(const std::string& number) {
     const PropertyList choices = settings();
     const Text source = choices.stringForKey("bundleID");
     const Text name = nameForBundleID(source);

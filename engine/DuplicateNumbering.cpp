@@ -1,6 +1,7 @@
 #include "engine/Alerts.h"
 #include "engine/CloneEngine.h"
 #include "engine/DuplicateNumber.h"
+#include "engine/Operation.h"
 #include "platform/SystemLog.h"
 
 namespace dubrix {
@@ -20,7 +21,13 @@ int CloneEngine::contiguousDuplicates(const Text& source, Logging logging) const
 }
 
 void CloneEngine::DuplicateStartAt(int start) {
+    Operation operation(*this);
+    if (!operation.hasBegun())
+        return;
     const Source chosen = source();
+    // What is free may be taken by another until the device is claimed.
+    if (start > highestDuplicateNumber || !operation.claimsDevice())
+        return;
     for (int number = start; number <= highestDuplicateNumber; ++number) {
         const std::string identifier = duplicateIdentifier(chosen.identifier, number);
         const bool installed = isInstalled(identifier);
@@ -33,7 +40,7 @@ void CloneEngine::DuplicateStartAt(int start) {
         if (installed && !same)
             return updateAlertAt(number);
         if (!installed && !same)
-            return duplicateAppWithNumber(stringWithFormat("%d", number));
+            return makeDuplicate(stringWithFormat("%d", number));
     }
 }
 

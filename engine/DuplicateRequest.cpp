@@ -1,5 +1,6 @@
 #include "engine/Alerts.h"
 #include "engine/CloneEngine.h"
+#include "engine/Operation.h"
 #include "platform/ByteCountFormatter.h"
 #include "platform/FileManager.h"
 #include "platform/SystemLog.h"
@@ -7,6 +8,9 @@
 namespace dubrix {
 
 void CloneEngine::showDuplicateAlert() {
+    const Operation operation(*this);
+    if (!operation.hasBegun())
+        return;
     platform_.log.log("Dubrix - Duplicate Cell Clicked");
     const Text source = settings().stringForKey("bundleID");
     const Text name = nameForBundleID(source);

@@ -1,5 +1,6 @@
 #include "engine/CloneEngine.h"
 #include "engine/Endpoints.h"
+#include "engine/Operation.h"
 #include "platform/CommandRunner.h"
 #include "platform/Downloader.h"
 #include "platform/FileManager.h"
@@ -7,6 +8,9 @@
 namespace dubrix {
 
 void CloneEngine::installerCheck() {
+    const Operation operation(*this);
+    if (!operation.hasBegun())
+        return;
     const std::string tool = "/usr/bin/appinst";
     const std::string address(endpoints::installerPackage);
     const std::string package = "/tmp/com.vorlund.appinst_iphoneos-arm.deb";

@@ -1,9 +1,13 @@
 #include "engine/Alerts.h"
 #include "engine/CloneEngine.h"
+#include "engine/Operation.h"
 
 namespace dubrix {
 
 void CloneEngine::showUpdateAlert() {
+    const Operation operation(*this);
+    if (!operation.hasBegun())
+        return;
     const Source chosen = source();
     if (!chosen.identifier)
         return alerts_.showSimpleAlertWithTitle("Dubrix", "The selected app is not installed",

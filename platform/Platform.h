@@ -6,6 +6,7 @@ class ApplicationList;
 class ApplicationWorkspace;
 class ByteCountFormatter;
 class CommandRunner;
+class DeviceClaim;
 class Downloader;
 class FileManager;
 class MonochromeFilter;
@@ -21,6 +22,7 @@ struct Platform {
     ByteCountFormatter& byteCounts;
     SystemLog& log;
     Downloader& downloader;
+    DeviceClaim& device;
 };
 
 } // namespace dubrix

@@ -5,6 +5,7 @@
 #include "engine/SettingsFile.h"
 #include "overlays/ProgressHUD.h"
 #include "platform/linux/FileStyleByteCount.h"
+#include "platform/linux/LinuxDeviceClaim.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "tests/device/DeviceFolder.h"
 #include "tests/overlays/FakeStage.h"
@@ -50,8 +51,9 @@ protected:
     LinuxFileManager files{device.root()};
     FileStyleByteCount byteCounts;
     NoDownloads downloader;
-    const Platform platform{commands, files,      catalogue, catalogue,
-                            filter,   byteCounts, log,       downloader};
+    LinuxDeviceClaim claim{device.root()};
+    const Platform platform{commands,   files, catalogue,  catalogue, filter,
+                            byteCounts, log,   downloader, claim};
     LoadedEngine engine{platform, alerts};
 };
 

@@ -186,6 +186,68 @@ TEST_F(FlowTest, TheRequestAsksOnlyForAnInstalledSource) {
     EXPECT_EQ(outcome(), cloning(1));
 }
 
+TEST_F(FlowTest, NothingBeginsInsideARun) {
+    bool inside = false;
+    commands.act = [this, &inside](const std::string&) {
+        if (std::exchange(inside, true))
+            return;
+        engine.showDuplicateAlert();
+        engine.showUpdateAlert();
+        engine.DuplicateStartAt(1);
+        engine.duplicateAppWithNumber("2");
+        engine.installerCheck();
+    };
+    engine.DuplicateStartAt(1);
+    EXPECT_EQ(outcome(), cloning(1));
+    EXPECT_EQ(alerts.progress.size(), 1U);
+    EXPECT_EQ(alerts.shown(), "");
+    EXPECT_EQ(entriesOf(journal, "run").size(), 3U);
+    engine.DuplicateStartAt(1);
+    EXPECT_EQ(alerts.progress.size(), 2U) << "and afterwards again";
+}
+
+TEST_F(FlowTest, OneAtATimeWalksOnADevice) {
+    std::filesystem::create_directories(onDevice("/var/containers/Bundle/Application"));
+    LinuxDeviceClaim other(device.root());
+    const auto isFree = [&other] {
+        const bool claimed = other.claim();
+        if (claimed)
+            other.release();
+        return claimed;
+    };
+    ASSERT_TRUE(other.claim());
+    for (const auto& run :
+         {std::function<void()>([this] { engine.DuplicateStartAt(1); }),
+          std::function<void()>([this] { engine.duplicateAppWithNumber("1"); })}) {
+        given("1=2.0");
+        stage.text.reset();
+        run();
+        EXPECT_EQ(stage.text, "Another duplication is running on this device.");
+        EXPECT_EQ(stage.image, "ProgressHUD.bundle/progresshud-error.png");
+        EXPECT_EQ(outcome() + alerts.shown(), "");
+        EXPECT_FALSE(isFree());
+    }
+    stage.text.reset();
+    engine.DuplicateStartAt(101);
+    EXPECT_EQ(stage.text, std::nullopt) << "nothing to claim the device for";
+    engine.showDuplicateAlert();
+    EXPECT_TRUE(alerts.shown().ends_with("|Cancel|Duplicate")) << "a question harms nobody";
+
+    other.release();
+    int commandsSeen = 0;
+    commands.act = [&](const std::string&) {
+        ++commandsSeen;
+        EXPECT_FALSE(isFree());
+    };
+    for (const char* const applications : {"1", "1=2.0", "1-100"}) {
+        given(applications); // a run, an offer, the limit
+        engine.DuplicateStartAt(1);
+        EXPECT_NE(outcome(), "");
+        EXPECT_TRUE(isFree()) << applications;
+    }
+    EXPECT_EQ(commandsSeen, 3);
+}
+
 TEST_F(FlowTest, TheUpdateFlowTellsTheCensus) {
     const std::string none = "Example|No duplicates for this app|Ok";
     const std::string head = "Example|App version: 2.1\nDuplicates: ";

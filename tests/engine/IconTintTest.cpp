@@ -128,7 +128,7 @@ TEST_F(IconTintTest, OnlyFilesOfTheStagedBundleAreTouched) {
 TEST_F(IconTintTest, TheRealFilterLeavesPngFiles) {
     LinuxMonochromeFilter real;
     LoadedEngine withFilter(
-        {commands, files, catalogue, catalogue, real, byteCounts, log, downloader}, alerts);
+        {commands, files, catalogue, catalogue, real, byteCounts, log, downloader, claim}, alerts);
     chooseSource("com.example.app", "Green = 1;");
     stage("{CFBundleIconFiles = (Icon);}", {});
     const std::string png = contentsOf(SOURCE_ROOT "/resources/PreferencesButton_7@2x.png");

@@ -5,6 +5,7 @@
 #include "platform/linux/FileStyleByteCount.h"
 #include "platform/linux/LinuxApplicationList.h"
 #include "platform/linux/LinuxApplicationWorkspace.h"
+#include "platform/linux/LinuxDeviceClaim.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "platform/linux/LinuxSystemLog.h"
@@ -109,9 +110,10 @@ TEST_P(InstallerBootstrapTest, InstallsTheToolWhenItIsMissing) {
     LinuxMonochromeFilter monochrome;
     FileStyleByteCount byteCounts;
     LinuxSystemLog log;
+    LinuxDeviceClaim claim(device.path());
     SilentAlerts alerts;
-    const Platform platform{commands,   files,      workspace, applications,
-                            monochrome, byteCounts, log,       downloader};
+    const Platform platform{commands,   files, workspace,  applications, monochrome,
+                            byteCounts, log,   downloader, claim};
     CloneEngine engine(platform, alerts);
     engine.installerCheck();
 

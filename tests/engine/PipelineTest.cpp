@@ -97,7 +97,8 @@ protected:
     LinuxApplicationWorkspace workspace{device.root()};
     LinuxApplicationList applications{device.root()};
     LoadedEngine onDeviceEngine{
-        {commands, files, workspace, applications, filter, byteCounts, log, downloader}, alerts};
+        {commands, files, workspace, applications, filter, byteCounts, log, downloader, claim},
+        alerts};
     std::string skipped;
 };
 

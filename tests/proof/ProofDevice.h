@@ -89,21 +89,36 @@ public:
         return run(words);
     }
 
-    Ended run(std::vector<std::string> words, const std::string& path = "") const {
-        const std::filesystem::path output = folder() / "output";
-        const pid_t child = ::fork();
-        if (child == 0)
-            become(words, path.empty() ? tools().native() + ":" PROGRAMS ":/usr/bin:/bin" : path,
-                   output);
-        int status = -1;
-        ::waitpid(child, &status, 0);
-        ::kill(-child, SIGKILL);
+    Ended run(const std::vector<std::string>& words, const std::string& path = "") const {
+        return runTogether({words}, path).front();
+    }
+
+    /// Several programs at once.
+    std::vector<Ended> runTogether(std::vector<std::vector<std::string>> programs,
+                                   const std::string& path = "") const {
+        std::vector<pid_t> children;
+        for (std::vector<std::string>& words : programs) {
+            const pid_t child = ::fork();
+            if (child == 0)
+                become(words,
+                       path.empty() ? tools().native() + ":" PROGRAMS ":/usr/bin:/bin" : path,
+                       outputOf(children.size()));
+            children.push_back(child);
+        }
+        std::vector<Ended> ends;
+        for (const pid_t child : children) {
+            int status = -1;
+            ::waitpid(child, &status, 0);
+            // What commands say stands before it, in lines of their own.
+            const std::string said = contentsOf(outputOf(ends.size()));
+            ends.push_back({WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+                            said.substr(said.rfind('\n') + 1)});
+        }
+        for (const pid_t child : children)
+            ::kill(-child, SIGKILL);
         while (::waitpid(-1, nullptr, 0) > 0 || errno == EINTR) {
         }
-        // What commands say stands before it, in lines of their own.
-        const std::string said = contentsOf(output);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-                said.substr(said.rfind('\n') + 1)};
+        return ends;
     }
 
     const std::string source = "com.example.app";
@@ -112,6 +127,10 @@ public:
     const std::string failure = "Failed to duplicate Fine App.";
 
 private:
+    std::filesystem::path outputOf(std::size_t program) const {
+        return folder() / ("output" + std::to_string(program));
+    }
+
     [[noreturn]] static void become(std::vector<std::string>& words, const std::string& path,
                                     const std::filesystem::path& output) {
         ::setpgid(0, 0);

@@ -22,6 +22,7 @@ int main(int count, char** words) {
         DXShared(real.files, real.log).addKey(words[3], PropertyList::string(words[4]));
     else
         real.engine.showDuplicateAlert();
+    real.alerts.answerAll();
     std::fputs(stage.text.value_or(real.alerts.said).c_str(), stdout);
     ProgressHUD::withdrawStage();
     return 0;

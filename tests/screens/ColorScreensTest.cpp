@@ -5,6 +5,7 @@
 #include "platform/CommandRunner.h"
 #include "platform/MonochromeFilter.h"
 #include "platform/SystemLog.h"
+#include "platform/linux/LinuxDeviceClaim.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "screens/AlertController.h"
 #include "screens/FirstViewController.h"
@@ -85,7 +86,9 @@ struct ColorScreensTest : ::testing::Test {
     Unused unused;
     Journal journal;
     NoDownloads downloader;
-    const Platform platform{unused, files, unused, unused, unused, unused, journal, downloader};
+    LinuxDeviceClaim device{folder.path()};
+    const Platform platform{unused, files,   unused,     unused, unused,
+                            unused, journal, downloader, device};
     NotificationCenter notifications;
     ModalStack modals;
 };

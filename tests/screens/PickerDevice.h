@@ -6,6 +6,7 @@
 #include "platform/linux/LinuxApplicationList.h"
 #include "platform/linux/LinuxApplicationWorkspace.h"
 #include "platform/linux/LinuxCommandRunner.h"
+#include "platform/linux/LinuxDeviceClaim.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxMonochromeFilter.h"
 #include "screens/AppListSampleViewController.h"
@@ -58,7 +59,7 @@ protected:
 
     TemporaryFolder folder;
     Registry registry{folder.path()};
-    LinuxCommandRunner commands{folder.path(), folder / "none"};
+    LinuxCommandRunner commands{folder.path(), DEVICE_PATHS};
     LinuxFileManager files{folder.path()};
     LinuxApplicationWorkspace workspace{folder.path()};
     LinuxApplicationList applications{folder.path()};
@@ -66,8 +67,9 @@ protected:
     FileStyleByteCount byteCounts;
     KeptLog log;
     NoDownloads downloader;
-    const Platform platform{commands,   files,      workspace, applications,
-                            monochrome, byteCounts, log,       downloader};
+    LinuxDeviceClaim device{folder.path()};
+    const Platform platform{commands,   files, workspace,  applications, monochrome,
+                            byteCounts, log,   downloader, device};
     NotificationCenter notifications;
     ModalStack modals;
 };
