@@ -2,6 +2,7 @@
 
 #include "device/Descriptor.h"
 #include "device/FileTree.h"
+#include "device/NameEncoding.h"
 
 #include <algorithm>
 #include <archive.h>
@@ -63,6 +64,7 @@ private:
     }
 
     Outcome packHeader(archive_entry* entry) {
+        const NameEncoding encoding(archive_entry_pathname(entry));
         // A mere warning, too, would mean that something is not kept.
         if (archive_write_header(packer_, entry) != ARCHIVE_OK)
             return packingFailure(packer_);

@@ -1,6 +1,7 @@
 #include "device/FileUnpacking.h"
 
 #include "device/Descriptor.h"
+#include "device/EntryTimes.h"
 #include "device/FileTree.h"
 
 #include <algorithm>
@@ -96,6 +97,8 @@ Outcome FileUnpacking::unpack(const ZipEntry& entry, ZipEntryReader& reader) {
         count(bytes.size());
         return Success{};
     });
+    if (done && ::futimens(file.get(), entryTimes(entry.modified).data()) != 0)
+        return cannotUnpack(entry);
     // After the writing and past the process's mask, which would take bits away.
     if (done && (::fchmod(file.get(), entry.permissions) != 0 || !file.close()))
         return cannotUnpack(entry);
