@@ -1,4 +1,5 @@
 #include "platform/linux/LinuxMonochromeFilter.h"
+#include "platform/linux/PngEncoding.h"
 #include "tests/engine/EngineTest.h"
 
 #include <sys/stat.h>
@@ -146,7 +147,9 @@ TEST_F(IconTintTest, EveryWayOfMentioningAFileGivesTheSameBytes) {
     LoadedEngine withFilter(
         {commands, files, catalogue, catalogue, real, byteCounts, log, downloader}, alerts);
     chooseSource("com.example.app", "Red = \"0.8\"; Green = \"0.2\"; Blue = \"0.4\";");
-    const std::string png = contentsOf(SOURCE_ROOT "/resources/PreferencesButton_7@2x.png");
+    RgbaImage white(4, 4);
+    std::fill_n(white.bytes.get(), white.pixelCount() * RgbaImage::pixelSize, std::uint8_t{255});
+    const std::string png = encodePng(white).value_or("");
     const std::string once = real.monochromePng(png, 0.8F, 0.2F, 0.4F).value_or("");
     const std::string primary = "{CFBundlePrimaryIcon = {CFBundleIconFiles = ";
     for (const std::string& list :
