@@ -59,6 +59,7 @@ Outcome tidyNames(std::vector<ZipEntry>& entries) {
         if (entry.kind != ZipEntry::Kind::Folder || earlier->second->kind != ZipEntry::Kind::Folder)
             return Failure{"holds " + entry.name + " twice"};
         earlier->second->permissions = entry.permissions;
+        earlier->second->modified = entry.modified;
         entry.name.clear();
     }
     std::erase_if(entries, [](const ZipEntry& entry) { return entry.name.empty(); });
@@ -166,9 +167,10 @@ Result<ArchivedBundle> findBundle(std::vector<ZipEntry> entries) {
         entry.permissions = permissionsFor(entry);
         entry.name.erase(
             0, std::min(entry.name.size(), payload.size() + bundle.folderName.size() + 1));
-        if (entry.name.empty())
+        if (entry.name.empty()) {
             bundle.permissions = entry.permissions;
-        else if (entry.kind == ZipEntry::Kind::Folder)
+            bundle.modified = entry.modified;
+        } else if (entry.kind == ZipEntry::Kind::Folder)
             bundle.folders.push_back(std::move(entry));
         else if (entry.kind == ZipEntry::Kind::Link)
             bundle.links.push_back(std::move(entry));

@@ -15,6 +15,8 @@ struct ArchivedBundle {
     /// The bundle folder's name, "Name.app".
     std::string folderName;
     mode_t permissions = 0755;
+    /// The bundle folder's; see ZipEntry.
+    std::optional<std::time_t> modified;
     /// Everything below the bundle folder, names relative to it and without trailing slash,
     /// permissions as they are to be set. Folders hold every one needed, parents before children.
     std::vector<ZipEntry> folders;

@@ -2,6 +2,7 @@
 
 #include "device/FileTree.h"
 #include "device/Interruption.h"
+#include "device/NameEncoding.h"
 #include "formats/Descriptor.h"
 
 #include <algorithm>
@@ -80,6 +81,7 @@ private:
     }
 
     Outcome packHeader(archive_entry* entry) {
+        const NameEncoding encoding(archive_entry_pathname(entry));
         // A mere warning, too, would mean that something is not kept.
         if (archive_write_header(packer_, entry) != ARCHIVE_OK)
             return packingFailure(packer_);

@@ -1,5 +1,6 @@
 #include "device/BundleUnpacker.h"
 
+#include "device/EntryTimes.h"
 #include "device/FileTree.h"
 #include "device/FileUnpacking.h"
 #include "formats/Descriptor.h"
@@ -13,6 +14,11 @@ namespace {
 
 Failure cannotUnpack(const std::string& name) {
     return systemFailure("cannot be unpacked at " + name);
+}
+
+bool setTime(int root, const ZipEntry& entry) {
+    return ::utimensat(root, entry.name.c_str(), entryTimes(entry.modified).data(),
+                       AT_SYMLINK_NOFOLLOW) == 0;
 }
 
 } // namespace
@@ -34,12 +40,17 @@ Outcome unpackBundle(const ArchivedBundle& bundle, const LinkTargets& links, int
     for (const auto& [name, text] : links)
         if (::symlinkat(text.c_str(), root.get(), name.c_str()) != 0)
             return cannotUnpack(name);
+    for (const ZipEntry& link : bundle.links)
+        if (!setTime(root.get(), link))
+            return cannotUnpack(link.name);
     step("links made");
     // Children before parents: a folder may be closed even to a look at its children.
     for (auto folder = bundle.folders.rbegin(); folder != bundle.folders.rend(); ++folder)
-        if (::fchmodat(root.get(), folder->name.c_str(), folder->permissions, 0) != 0)
+        if (!setTime(root.get(), *folder) ||
+            ::fchmodat(root.get(), folder->name.c_str(), folder->permissions, 0) != 0)
             return cannotUnpack(folder->name);
-    if (::fchmod(root.get(), bundle.permissions) != 0)
+    if (::futimens(root.get(), entryTimes(bundle.modified).data()) != 0 ||
+        ::fchmod(root.get(), bundle.permissions) != 0)
         return cannotUnpack(bundle.folderName);
     step("permissions set");
     return Success{};

@@ -1,5 +1,6 @@
 #include "device/FileUnpacking.h"
 
+#include "device/EntryTimes.h"
 #include "device/FileTree.h"
 #include "formats/Descriptor.h"
 
@@ -100,6 +101,8 @@ Outcome FileUnpacking::unpack(const ZipEntry& entry, ZipEntryReader& reader) {
     // rest is unpacked. Small files are better left for the end, when they are many at once.
     if (done && entry.size >= largeFile)
         ::sync_file_range(file.get(), 0, 0, SYNC_FILE_RANGE_WRITE);
+    if (done && ::futimens(file.get(), entryTimes(entry.modified).data()) != 0)
+        return cannotUnpack(entry);
     // After the writing and past the process's mask, which would take bits away.
     if (done && (::fchmod(file.get(), entry.permissions) != 0 || !file.close()))
         return cannotUnpack(entry);

@@ -4,7 +4,6 @@
 #include <array>
 #include <cerrno>
 #include <limits>
-#include <optional>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -23,6 +22,9 @@ constexpr std::size_t end64Size = 56;
 constexpr std::size_t locator64Size = 20;
 constexpr std::size_t longestComment = 0xffff;
 constexpr std::uint16_t extra64 = 0x0001;
+constexpr std::uint16_t extraTimes = 0x5455;
+constexpr std::uint32_t localSignature = 0x04034b50;
+constexpr std::uint32_t volumeSignature = 0x08074b50;
 constexpr std::uint64_t narrow = 0xffffffff;
 /// Deflate never makes more than 1032 bytes of one.
 constexpr std::uint64_t largestRatio = 1032;
@@ -51,6 +53,15 @@ Failure damaged() {
 }
 Failure notAnArchive() {
     return Failure{"is not an archive", true};
+}
+/// For a file without an end record: an archive begins with an entry, after a mark when it was
+/// meant to be spread over volumes.
+Failure endless(int archive) {
+    std::array<char, 4> start{};
+    const bool isRead = readExactly(archive, 0, start.data(), start.size());
+    const std::uint64_t signature = isRead ? littleEndian(start.data(), 4) : 0;
+    return signature == localSignature || signature == volumeSignature ? Failure{"is cut short"}
+                                                                       : notAnArchive();
 }
 Failure severalVolumes() {
     return Failure{"is spread over several volumes"};
@@ -84,7 +95,7 @@ Result<EndRecord> findEnd(int archive, std::uint64_t fileSize) {
     std::string tail(std::min<std::uint64_t>(fileSize, endSize + longestComment), '\0');
     if (tail.size() < endSize ||
         !readExactly(archive, fileSize - tail.size(), tail.data(), tail.size()))
-        return notAnArchive();
+        return endless(archive);
     std::size_t at = tail.size() - endSize;
     const auto isEnd = [&] {
         return littleEndian(tail.data() + at, 4) == endSignature &&
@@ -92,7 +103,7 @@ Result<EndRecord> findEnd(int archive, std::uint64_t fileSize) {
     };
     while (!isEnd())
         if (at-- == 0)
-            return notAnArchive();
+            return endless(archive);
 
     const char* fields = tail.data() + at;
     for (const char* volume : {fields + 4, fields + 6})
@@ -114,29 +125,59 @@ Result<Extent> findDirectory(int archive, std::uint64_t fileSize) {
     return Extent{start, end->size, end->count, start - end->claimedStart};
 }
 
-/// Takes the 64-bit values that stand in the extra fields for those that did not fit.
-bool widen(ZipEntry& entry, std::string_view extra) {
+/// The content of the extra field of this kind; nothing when there is none. What cannot be a field
+/// ends the search: padding that pretends to be one is common and harmless.
+std::optional<std::string_view> extraField(std::string_view extra, std::uint16_t kind) {
     while (extra.size() >= 4) {
-        const auto kind = littleEndian(extra.data(), 2);
+        const auto found = littleEndian(extra.data(), 2);
         const std::size_t size = littleEndian(extra.data() + 2, 2);
         extra.remove_prefix(4);
-        if (size > extra.size())
-            return kind != extra64; // padding that pretends to be a field is common and harmless
-        std::string_view field = extra.substr(0, size);
-        extra.remove_prefix(size);
-        if (kind != extra64)
-            continue;
-        for (std::uint64_t* value : {&entry.size, &entry.packedSize, &entry.headerOffset}) {
-            if (*value != narrow)
-                continue;
-            if (field.size() < 8)
-                return false;
-            *value = littleEndian(field.data(), 8);
-            field.remove_prefix(8);
-        }
+        if (found == kind)
+            return extra.substr(0, size);
+        extra.remove_prefix(std::min(size, extra.size()));
+    }
+    return std::nullopt;
+}
+
+/// Takes the 64-bit values that stand in the extra fields for those that did not fit.
+bool widen(ZipEntry& entry, std::string_view extra) {
+    auto field = extraField(extra, extra64);
+    if (!field)
         return true;
+    for (std::uint64_t* value : {&entry.size, &entry.packedSize, &entry.headerOffset}) {
+        if (*value != narrow)
+            continue;
+        if (field->size() < 8)
+            return false;
+        *value = littleEndian(field->data(), 8);
+        field->remove_prefix(8);
     }
     return true;
+}
+
+/// The time in the two numbers that every entry has; nothing for what is in no calendar.
+std::optional<std::time_t> localTime(std::uint64_t date, std::uint64_t time) {
+    std::tm parts{};
+    parts.tm_year = static_cast<int>(date >> 9) + 80;
+    parts.tm_mon = static_cast<int>(date >> 5 & 15) - 1;
+    parts.tm_mday = static_cast<int>(date & 31);
+    parts.tm_hour = static_cast<int>(time >> 11);
+    parts.tm_min = static_cast<int>(time >> 5 & 63);
+    parts.tm_sec = static_cast<int>(time & 31) * 2;
+    parts.tm_isdst = -1;
+    if (parts.tm_mon < 0 || parts.tm_mon > 11 || parts.tm_mday < 1 || parts.tm_hour > 23 ||
+        parts.tm_min > 59 || parts.tm_sec > 59)
+        return std::nullopt;
+    const std::time_t seconds = std::mktime(&parts);
+    return seconds == -1 ? std::nullopt : std::optional(seconds);
+}
+
+/// The time of the last change that Unix systems add, in seconds of 32 bits.
+std::optional<std::time_t> stampedTime(std::string_view extra) {
+    const auto field = extraField(extra, extraTimes);
+    if (!field || field->size() < 5 || ((*field)[0] & 1) == 0)
+        return std::nullopt;
+    return static_cast<std::int32_t>(littleEndian(field->data() + 1, 4));
 }
 
 void setKind(ZipEntry& entry, unsigned host, std::uint32_t attributes) {
@@ -197,7 +238,11 @@ std::optional<ZipEntry> takeEntry(std::string_view& directory, const Extent& ext
     entry.name = directory.substr(entrySize, nameSize);
     setKind(entry, static_cast<unsigned char>(fields[5]),
             static_cast<std::uint32_t>(littleEndian(fields + 38, 4)));
-    if (!widen(entry, directory.substr(entrySize + nameSize, extraSize)) ||
+    const std::string_view extra = directory.substr(entrySize + nameSize, extraSize);
+    entry.modified = stampedTime(extra);
+    if (!entry.modified)
+        entry.modified = localTime(littleEndian(fields + 14, 2), littleEndian(fields + 12, 2));
+    if (!widen(entry, extra) ||
         entry.headerOffset > std::numeric_limits<std::uint64_t>::max() - extent.shift)
         return std::nullopt;
     entry.headerOffset += extent.shift;

@@ -3,6 +3,8 @@
 #include "device/Result.h"
 
 #include <cstdint>
+#include <ctime>
+#include <optional>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -28,6 +30,10 @@ struct ZipEntry {
     std::uint64_t size = 0;
     /// Where the local header begins in the file.
     std::uint64_t headerOffset = 0;
+    /// When the entry was last changed, in seconds of Unix time: the time stamp of Unix systems
+    /// where there is one, else the date and time to two seconds, taken as local. Nothing when
+    /// neither is a time.
+    std::optional<std::time_t> modified;
 };
 
 /// No archive holds more files, folders and links than this.
@@ -35,8 +41,9 @@ inline constexpr std::uint64_t mostZipEntries = 100'000;
 
 /// Reads the central directory of the zip archive open for reading as `archive`, 64-bit form
 /// included. The local headers are not asked: most archives leave the sizes there at zero. Fails
-/// for anything that is not an archive, is damaged, is spread over several volumes, has more than
-/// `mostZipEntries` or claims sizes that its bytes cannot hold.
+/// for anything that is not an archive, is cut short (begins like one and lacks the end, where the
+/// directory stands), is damaged, is spread over several volumes, has more than `mostZipEntries` or
+/// claims sizes that its bytes cannot hold.
 Result<std::vector<ZipEntry>> readZipDirectory(int archive);
 
 /// Reads `size` bytes at `offset` of an open file; false when there are not as many.

@@ -5,8 +5,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <fstream>
+#include <tuple>
 #include <utility>
 
 namespace dubrix {
@@ -38,6 +38,9 @@ Names primaryIcon(const PropertyList& info, std::string_view key) {
     const auto primary = icons ? icons->valueForKey("CFBundlePrimaryIcon") : std::nullopt;
     return primary ? textsOf(primary->valueForKey("CFBundleIconFiles")) : Names{};
 }
+
+/// So many of the sources are lists; the others are asked by the phone where there is none.
+constexpr unsigned listSources = 3;
 
 std::array<Names, 5> sourcesOf(const PropertyList& info) {
     const auto single = info.stringForKey("CFBundleIconFile");
@@ -91,9 +94,43 @@ unsigned edgeOf(const fs::path& file) {
     return std::min(header->width, header->height);
 }
 
+/// What an icon is made for, the best first to stand for its application.
+enum class Use { phoneHomeScreen, tabletHomeScreen, other, smallPrint };
+
+/// Edges in half points, as 83.5 is one of them. Those from before 2013 come second.
+constexpr std::array phoneHomeScreenEdges = {120U, 114U};
+constexpr std::array tabletHomeScreenEdges = {152U, 167U, 144U};
+/// Notifications, settings, search.
+constexpr std::array smallPrintEdges = {40U, 58U, 80U, 100U};
+
+/// The use that a file's name and its edge in pixels tell. A name without a mark of its scale, such
+/// as "Icon-120.png", may be of any.
+Use useOf(std::string name, unsigned edge) {
+    if (!takeOffEnd(name, ".png"))
+        takeOffEnd(name, ".PNG");
+    const bool isTablets = takeOffEnd(name, "~ipad");
+    takeOffEnd(name, "~iphone");
+    const unsigned scale = name.ends_with("@2x") ? 2 : name.ends_with("@3x") ? 3 : 0;
+    const auto isOneOf = [&](const auto& edges) {
+        return std::ranges::any_of(edges, [&](unsigned halfPoints) {
+            for (const unsigned tried : {1U, 2U, 3U})
+                if ((scale == 0 || scale == tried) && 2 * edge == halfPoints * tried)
+                    return true;
+            return false;
+        });
+    };
+    if (!isTablets && isOneOf(phoneHomeScreenEdges))
+        return Use::phoneHomeScreen;
+    if (isOneOf(tabletHomeScreenEdges))
+        return Use::tabletHomeScreen;
+    return isOneOf(smallPrintEdges) ? Use::smallPrint : Use::other;
+}
+
 struct IconFile {
     fs::path path;
     unsigned edge;
+    Use use;
+    unsigned source;
 };
 
 /// The files of one bundle, each found at most once.
@@ -101,7 +138,7 @@ class IconSearch {
 public:
     explicit IconSearch(const fs::path& folder) { bundle_ = fs::canonical(folder, error_); }
 
-    void add(const std::string& name, std::vector<IconFile>& found) {
+    void add(const std::string& name, unsigned source, std::vector<IconFile>& found) {
         if (error_ || name.empty() || name.find('\0') != std::string::npos)
             return;
         std::error_code error;
@@ -112,7 +149,7 @@ public:
             return;
         seen_.push_back(path);
         if (const unsigned edge = edgeOf(path); edge > 0)
-            found.push_back({std::move(path), edge});
+            found.push_back({std::move(path), edge, useOf(name, edge), source});
     }
 
 private:
@@ -125,31 +162,34 @@ private:
     std::vector<fs::path> seen_;
 };
 
-/// Orders the smallest that fills the square first and what is too small last.
-bool suitsBetter(const IconFile& one, const IconFile& other, unsigned pixels) {
-    const bool fills = one.edge >= pixels;
-    if (fills != (other.edge >= pixels))
-        return fills;
-    return fills ? one.edge < other.edge : one.edge > other.edge;
+/// What orders the files, the lowest first: sharp ones before those that would have to be enlarged;
+/// of the sharp ones by use, then source, then from small to large; of the others, small print
+/// last, from large to small. What only stands in for missing lists comes behind them.
+auto rankOf(const IconFile& icon, unsigned pixels) {
+    const unsigned substitute = icon.source < listSources ? 0 : icon.source;
+    return icon.edge >= pixels ? std::tuple(substitute, false, icon.use, icon.source, icon.edge)
+                               : std::tuple(substitute, true, std::max(icon.use, Use::other),
+                                            largestIconEdge - icon.edge, icon.source);
 }
 
 } // namespace
 
 std::vector<fs::path> iconFilesOfBundle(const fs::path& folder, const PropertyList& info,
                                         unsigned pixels) {
-    std::vector<fs::path> files;
+    std::vector<IconFile> found;
     IconSearch search(folder);
+    unsigned source = 0;
     for (const Names& listed : sourcesOf(info)) {
-        std::vector<IconFile> found;
         for (const std::string& name : listed)
             for (const std::string& file : fileNames(name))
-                search.add(file, found);
-        std::ranges::stable_sort(found, [pixels](const IconFile& one, const IconFile& other) {
-            return suitsBetter(one, other, pixels);
-        });
-        for (IconFile& file : found)
-            files.push_back(std::move(file.path));
+                search.add(file, source, found);
+        ++source;
     }
+    std::ranges::stable_sort(found, {},
+                             [pixels](const IconFile& icon) { return rankOf(icon, pixels); });
+    std::vector<fs::path> files;
+    for (IconFile& icon : found)
+        files.push_back(std::move(icon.path));
     return files;
 }
 

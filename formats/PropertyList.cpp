@@ -1,11 +1,11 @@
 #include "formats/PropertyList.h"
 
+#include "formats/Decimal.h"
 #include "formats/PropertyListNode.h"
 #include "formats/PropertyListReaders.h"
 #include "formats/PropertyListWriters.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 
 namespace dubrix {
@@ -38,15 +38,9 @@ float leadingNumber(std::string_view text) {
     if (text.find_first_of("0123456789.") != 0)
         return 0;
     double number = 0;
-    auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc::result_out_of_range)
-        return sign * static_cast<float>(number);
-    const std::string_view matched = text.substr(0, static_cast<std::size_t>(end - text.data()));
-    const std::size_t exponent = matched.find_first_of("eE");
-    const bool isTiny = exponent == matched.npos
-                            ? matched.find_first_not_of('0') == matched.find('.')
-                            : matched[exponent + 1] == '-';
-    return isTiny ? 0 : sign * std::numeric_limits<float>::infinity();
+    if (readDecimal(text, number).ec == std::errc::result_out_of_range)
+        return sign * std::numeric_limits<float>::infinity();
+    return sign * static_cast<float>(number);
 }
 
 const PropertyListNode* find(const PropertyListNode& tree, std::string_view key) {

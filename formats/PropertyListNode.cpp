@@ -69,11 +69,8 @@ std::size_t PropertyListDictionaryBuilder::indexOf(const std::string& key) {
 }
 
 void PropertyListDictionaryBuilder::put(std::string key, PropertyListNode value) {
-    const std::size_t index = indexOf(key);
-    if (index == entries_.size())
+    if (indexOf(key) == entries_.size())
         entries_.push_back({std::move(key), std::move(value)});
-    else
-        entries_[index].value = std::move(value);
 }
 
 PropertyListNode PropertyListDictionaryBuilder::take() {

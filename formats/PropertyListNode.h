@@ -51,8 +51,8 @@ struct PropertyListNode::Entry {
     PropertyListNode value;
 };
 
-/// Collects the pairs of a dictionary that is being read. A key that comes again replaces the
-/// earlier value and keeps its place.
+/// Collects the pairs of a dictionary that is being read. Of a key that comes again the first value
+/// holds, as on the phone.
 class PropertyListDictionaryBuilder {
 public:
     void put(std::string key, PropertyListNode value);

@@ -11,9 +11,11 @@ namespace dubrix {
 /// a letter that opens a tag. "<" also opens the data of the old-style text form.
 bool looksLikeXml(std::string_view bytes);
 
-/// The value of an XML document; nothing unless the whole document is sound. UTF-8, UTF-16 (by its
-/// byte order mark), ISO-8859-1 and US-ASCII. A dictionary with the one key "CF$UID" and an
-/// integer from 0 to 2^32-1 is a UID. Dates have years 1 to 9999 and whole seconds.
+/// The value of an XML document; nothing unless it is sound from its start to the end of the root
+/// element. What follows is not looked at, as by the phone. UTF-8, UTF-16 and UTF-32 (by their byte
+/// order marks or first characters) and older encodings that the document declares; with any other
+/// declared encoding, bytes that are no UTF-8 become U+FFFD. A dictionary with the one key "CF$UID"
+/// and an integer from 0 to 2^32-1 is a UID. Dates have years 1 to 9999 and whole seconds.
 std::optional<PropertyListNode> readXmlPropertyList(std::string_view bytes);
 
 /// The value of a binary property list, version "00"; nothing unless every object reachable from

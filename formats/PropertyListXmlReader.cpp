@@ -1,3 +1,4 @@
+#include "formats/CodePages.h"
 #include "formats/PropertyListReaders.h"
 #include "formats/Unicode.h"
 #include "formats/XmlScalars.h"
@@ -11,20 +12,35 @@ namespace {
 
 using Node = PropertyListNode;
 
+bool isUtf8Name(std::string_view encoding) {
+    return encoding.empty() || encoding == "utf-8" || encoding == "utf8" || encoding == "us-ascii";
+}
+
+/// The text in the encoding that the bytes say they have. An encoding that nobody knows, or in
+/// which the bytes cannot be, such as UTF-16 in a declaration of single bytes, is no reason to give
+/// up the rest: what is no UTF-8 then becomes U+FFFD.
+std::string textAsDeclared(std::string_view bytes) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    const std::string encoding = declaredXmlEncoding(bytes);
+    if (encoding == "iso-8859-1" || encoding == "latin1")
+        return utf8FromLatin1(bytes);
+    if (auto text = utf8FromCodePage(bytes, encoding); text && text->starts_with("<?xml"))
+        return std::move(*text);
+    bytes.remove_prefix(bytes.starts_with(mark) ? mark.size() : 0);
+    return isUtf8Name(encoding) || isUtf8(bytes) ? std::string(bytes) : repairedUtf8(bytes);
+}
+
 std::optional<std::string> documentText(std::string_view bytes) {
     using namespace std::string_view_literals;
+    if (bytes.starts_with("\xFF\xFE\0\0"sv) || bytes.starts_with("\0\0\xFE\xFF"sv))
+        return utf8FromCodePage(bytes, "utf-32");
     if (bytes.starts_with("<\0"sv))
         return utf8FromUtf16(bytes, ByteOrder::little);
     if (bytes.starts_with("\0<"sv))
         return utf8FromUtf16(bytes, ByteOrder::big);
     if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF"))
         return utf8FromMarkedText(bytes);
-    std::string encoding = declaredXmlEncoding(bytes);
-    if (encoding == "iso-8859-1" || encoding == "latin1")
-        return utf8FromLatin1(bytes);
-    if (encoding.empty() || encoding == "utf-8" || encoding == "utf8" || encoding == "us-ascii")
-        return utf8FromMarkedText(bytes);
-    return std::nullopt;
+    return textAsDeclared(bytes);
 }
 
 /// A UID is written as a dictionary in this form.
@@ -48,8 +64,8 @@ public:
         const bool sound =
             tag && tag->kind != XmlTag::Kind::end &&
             (tag->name == "plist" ? readPlist(*tag, value) : readValue(*tag, 0, value));
-        return sound && scanner_.skipBetween() && scanner_.atEnd() ? std::optional(std::move(value))
-                                                                   : std::nullopt;
+        // What comes after is no business of the phone's reader.
+        return sound ? std::optional(std::move(value)) : std::nullopt;
     }
 
 private:
@@ -137,7 +153,10 @@ private:
     }
 
     std::optional<std::string> elementText(const XmlTag& tag) {
-        return tag.kind == XmlTag::Kind::empty ? std::string() : scanner_.textUntilEnd(tag.name);
+        if (tag.kind == XmlTag::Kind::empty)
+            return std::string();
+        auto text = scanner_.textUntilEnd(tag.name);
+        return text && isUtf8(*text) ? std::move(text) : std::nullopt;
     }
 
     XmlScanner scanner_;

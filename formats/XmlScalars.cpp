@@ -1,6 +1,7 @@
 #include "formats/XmlScalars.h"
 
-#include <charconv>
+#include "formats/Decimal.h"
+
 #include <chrono>
 #include <cstdint>
 #include <limits>
@@ -13,11 +14,9 @@ bool isDigits(std::string_view text) {
     return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
 }
 
-template<class Number, class... Base>
-bool parsesWhole(std::string_view text, Number& number, Base... base) {
-    const char* last = text.data() + text.size();
-    auto [end, error] = std::from_chars(text.data(), last, number, base...);
-    return error == std::errc() && end == last;
+/// Whether a number was read and is all of `text`.
+bool isWhole(std::from_chars_result read, std::string_view text) {
+    return read.ec == std::errc() && read.ptr == text.data() + text.size();
 }
 
 /// A word that stands for no finite number, as the common readers know it.
@@ -52,8 +51,9 @@ std::optional<PropertyListNode> xmlInteger(std::string_view text) {
     text.remove_prefix(isHexadecimal ? 2 : 0);
     constexpr std::uint64_t mostNegative = std::uint64_t{1} << 63;
     std::uint64_t magnitude = 0;
-    if (!parsesWhole(text, magnitude, isHexadecimal ? 16 : 10) ||
-        (isNegative && magnitude > mostNegative))
+    const char* const last = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), last, magnitude, isHexadecimal ? 16 : 10);
+    if (!isWhole(read, text) || (isNegative && magnitude > mostNegative))
         return std::nullopt;
     if (!isNegative && magnitude > std::numeric_limits<std::int64_t>::max())
         return PropertyListNode{magnitude};
@@ -73,7 +73,7 @@ std::optional<double> xmlReal(std::string_view text) {
         return sign * *special;
     double number = 0;
     if (lowered.find_first_not_of("0123456789.e+-") != lowered.npos || lowered[0] == '-' ||
-        !parsesWhole(lowered, number))
+        !isWhole(readDecimal(lowered, number), lowered))
         return std::nullopt;
     return sign * number;
 }

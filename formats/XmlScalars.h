@@ -14,7 +14,8 @@ namespace dubrix {
 /// Decimal or hexadecimal ("0x1F"), -2^63 to 2^64-1.
 std::optional<PropertyListNode> xmlInteger(std::string_view text);
 
-/// Also "nan", "inf" and "infinity" in any case; nothing for what a double has no room for.
+/// Also "nan", "inf" and "infinity" in any case; 0 for what is too small for a double, nothing for
+/// what is too large.
 std::optional<double> xmlReal(std::string_view text);
 
 /// "2001-01-01T00:00:00Z", years 1 to 9999, as seconds since that moment. A day that its month

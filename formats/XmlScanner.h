@@ -12,9 +12,9 @@ struct XmlTag {
     Kind kind;
 };
 
-/// Walks the markup of one XML document held as UTF-8 without byte order mark. Every operation
-/// fails at markup that is not well formed or stops before its end; a failed scanner is not used
-/// on.
+/// Walks the markup of one XML document held as UTF-8 without byte order mark, which is taken as
+/// it is: bytes that are no UTF-8 count as characters. Every operation fails at markup that is not
+/// well formed or stops before its end; a failed scanner is not used on.
 class XmlScanner {
 public:
     explicit XmlScanner(std::string_view text) : rest_(text) {}
@@ -24,7 +24,6 @@ public:
     bool skipProlog();
     /// Passes comments, instructions and blanks.
     bool skipBetween();
-    bool atEnd() const { return rest_.empty(); }
 
     /// The tag that stands here. Attributes are checked for form and dropped.
     std::optional<XmlTag> tag();

@@ -38,14 +38,15 @@ struct Place {
     DeviceFolder device;
 };
 
-/// Bundle-relative name to type, permissions and content.
+/// Bundle-relative name to type, permissions, time and content.
 std::map<std::string, std::string> treeOf(const fs::path& bundle) {
     std::map<std::string, std::string> tree;
     for (const auto& entry : fs::recursive_directory_iterator(bundle)) {
         struct stat status {};
         ::lstat(entry.path().c_str(), &status);
         std::string& content = tree[entry.path().lexically_relative(bundle).native()];
-        content = std::to_string(status.st_mode) + " ";
+        content =
+            std::to_string(status.st_mode) + " " + std::to_string(status.st_mtim.tv_sec) + " ";
         if (S_ISLNK(status.st_mode)) {
             content += fs::read_symlink(entry.path()).native();
             std::error_code circular;

@@ -32,6 +32,8 @@ void tryInput(std::string_view bytes) {
         return;
     const auto again = decodePng(*tinted);
     require(again && samePixels(*image, *again, 3), "a tint keeps the size and the alpha");
+    require(LinuxMonochromeFilter().monochromePng(*tinted, 0.2F, 0.6F, 0.9F) == tinted,
+            "a tint of a tint is the same file");
     const auto encoded = encodePng(*image);
     const auto decoded = encoded ? decodePng(*encoded) : std::nullopt;
     require(decoded && samePixels(*image, *decoded, 0), "an encoded image is the same image");

@@ -1,5 +1,6 @@
 #include "platform/linux/MonochromeRemap.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -10,6 +11,10 @@ namespace {
 
 /// Luminances are summed with this many bits below the step.
 constexpr unsigned fractionBits = 16;
+
+/// How far a component may lie from its shade, in steps of 255. What is more than one step makes up
+/// for colours that are held in single precision.
+constexpr double tolerance = 1 + 1.0 / 1024;
 
 double linearFromEncoded(double encoded) {
     return encoded <= 0.04045 ? encoded / 12.92 : std::pow((encoded + 0.055) / 1.055, 2.4);
@@ -25,6 +30,8 @@ struct TransferTables {
             green[level] = static_cast<std::uint32_t>(std::lround(0.7152 * linear * whole));
             blue[level] = static_cast<std::uint32_t>(std::lround(0.0722 * linear * whole));
             roundsUpAt[level] = linearFromEncoded((static_cast<double>(level) + 0.5) / 255);
+            stepBelow[level] = linearFromEncoded((static_cast<double>(level) - tolerance) / 255);
+            stepAbove[level] = linearFromEncoded((static_cast<double>(level) + tolerance) / 255);
         }
     }
 
@@ -33,6 +40,9 @@ struct TransferTables {
 
     /// The linear light from which an encoded value rounds to the level above the index.
     std::array<double, 256> roundsUpAt;
+
+    /// The linear light a step (see `tolerance`) below and above a level.
+    std::array<double, 256> stepBelow, stepAbove;
 };
 
 const TransferTables& transferTables(std::uint32_t luminanceSteps) {
@@ -61,6 +71,20 @@ void MonochromeRemap::fillComponent(std::size_t component, float value) {
             ++level;
         shades_[step][component] = static_cast<std::uint8_t>(level);
     }
+    fillReaches(component, linear);
+}
+
+void MonochromeRemap::fillReaches(std::size_t component, double linear) {
+    const TransferTables& tables = transferTables(luminanceSteps);
+    for (std::size_t level = 0; level < 256; ++level) {
+        Reach& reach = reaches_[component][level];
+        // A component that the colour lacks is dark in every shade.
+        if (linear <= 0)
+            reach = tables.stepBelow[level] <= 0 ? Reach{0, 1} : Reach{1, 0};
+        else
+            reach = {static_cast<float>(std::clamp(tables.stepBelow[level] / linear, 0.0, 2.0)),
+                     static_cast<float>(std::min(tables.stepAbove[level] / linear, 1.0))};
+    }
 }
 
 void MonochromeRemap::apply(std::uint8_t* rgba, std::size_t pixelCount) const {
@@ -78,6 +102,23 @@ void MonochromeRemap::apply(std::uint8_t* rgba, std::size_t pixelCount) const {
         whole = (whole & alphaMask) | shade;
         std::memcpy(pixel, &whole, sizeof whole);
     }
+}
+
+bool MonochromeRemap::isShade(const std::uint8_t* pixel) const {
+    const Reach& red = reaches_[0][pixel[0]];
+    const Reach& green = reaches_[1][pixel[1]];
+    const Reach& blue = reaches_[2][pixel[2]];
+    return std::max({red.least, green.least, blue.least}) <=
+           std::min({red.most, green.most, blue.most});
+}
+
+bool MonochromeRemap::holdsShadesOnly(const std::uint8_t* rgba, std::size_t pixelCount) const {
+    constexpr std::size_t pixelSize = 4;
+    const std::uint8_t* const end = rgba + pixelCount * pixelSize;
+    for (const std::uint8_t* pixel = rgba; pixel != end; pixel += pixelSize)
+        if (pixel[3] != 0 && !isShade(pixel))
+            return false;
+    return true;
 }
 
 } // namespace dubrix

@@ -26,15 +26,31 @@ public:
     /// Remaps 8-bit RGBA pixels in place.
     void apply(std::uint8_t* rgba, std::size_t pixelCount) const;
 
+    /// Whether every visible pixel (of an alpha above 0) is a shade of the colour already: within
+    /// one step of 255 in each component of enc(t * lin(C)) for one t from 0 to 1. That is true of
+    /// whatever `apply` has left, whose components are rounded and so within half a step.
+    bool holdsShadesOnly(const std::uint8_t* rgba, std::size_t pixelCount) const;
+
 private:
     /// Luminance is cut into this many equal steps. sRGB is steepest next to black, where 3295
     /// steps make one of 255 (12.92 * 255): with more, the grey levels map onto themselves.
     static constexpr std::uint32_t luminanceSteps = 4095;
 
+    /// The part of the scale from 0 to 1 (the t of the shades) on which a component is within a
+    /// step of a level; `least` is above `most` where it nowhere is.
+    struct Reach {
+        float least = 0;
+        float most = 0;
+    };
+
     void fillComponent(std::size_t component, float value);
+    void fillReaches(std::size_t component, double linear);
+    bool isShade(const std::uint8_t* pixel) const;
 
     /// For each luminance step red, green, blue and 0 in the memory order of a pixel.
     std::array<std::array<std::uint8_t, 4>, luminanceSteps + 1> shades_{};
+    /// For each component, for each of its levels.
+    std::array<std::array<Reach, 256>, 3> reaches_{};
 };
 
 } // namespace dubrix

@@ -21,6 +21,9 @@ struct ZipItem {
     unsigned host = 3;
     std::optional<std::uint64_t> claimedSize{};
     std::uint32_t crcError = 0;
+    /// The date in the upper half and the time in the lower, and fields, of the central directory.
+    std::uint32_t dateAndTime = 0;
+    std::string extra{};
 };
 
 inline std::string bytesOf(std::uint64_t value, int width) {
@@ -63,10 +66,11 @@ inline ZipBytes zipWithHole(const std::vector<ZipItem>& items, std::uint64_t hol
         const auto crc = ::crc32(0, reinterpret_cast<const Bytef*>(item.data.data()),
                                  static_cast<uInt>(item.data.size()));
         const std::string extra =
-            isLarge ? bytesOf(1, 2) + bytesOf(16, 2) + bytesOf(size, 8) + bytesOf(size, 8) : "";
+            (isLarge ? bytesOf(1, 2) + bytesOf(16, 2) + bytesOf(size, 8) + bytesOf(size, 8) : "") +
+            item.extra;
         directory +=
             "PK\1\2" + bytesOf(20, 1) + bytesOf(item.host, 1) + bytesOf(20, 2) +
-            bytesOf(item.flags, 2) + bytesOf(item.method, 2) + bytesOf(0, 4) +
+            bytesOf(item.flags, 2) + bytesOf(item.method, 2) + bytesOf(item.dateAndTime, 4) +
             bytesOf(crc ^ item.crcError, 4) + bytesOf(isLarge ? 0xffffffff : packed.size(), 4) +
             bytesOf(isLarge ? 0xffffffff : size, 4) + bytesOf(item.name.size(), 2) +
             bytesOf(extra.size(), 2) + bytesOf(0, 6) + bytesOf(std::uint64_t{item.mode} << 16, 4) +

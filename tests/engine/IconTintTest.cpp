@@ -1,4 +1,5 @@
 #include "platform/linux/LinuxMonochromeFilter.h"
+#include "platform/linux/PngEncoding.h"
 #include "tests/engine/EngineTest.h"
 
 #include <sys/stat.h>
@@ -139,6 +140,32 @@ TEST_F(IconTintTest, TheRealFilterLeavesPngFiles) {
     EXPECT_EQ(contentsOf(bundle / "Icon@2x.png"), real.monochromePng(png, 0, 1, 0));
     EXPECT_EQ(contentsOf(bundle / "Icon.png"), png.substr(0, png.size() / 2));
     EXPECT_EQ(logged(), Names{"Nothing to write"});
+}
+
+TEST_F(IconTintTest, EveryWayOfMentioningAFileGivesTheSameBytes) {
+    LinuxMonochromeFilter real;
+    LoadedEngine withFilter(
+        {commands, files, catalogue, catalogue, real, byteCounts, log, downloader}, alerts);
+    chooseSource("com.example.app", "Red = \"0.8\"; Green = \"0.2\"; Blue = \"0.4\";");
+    RgbaImage white(4, 4);
+    std::fill_n(white.bytes.get(), white.pixelCount() * RgbaImage::pixelSize, std::uint8_t{255});
+    const std::string png = encodePng(white).value_or("");
+    const std::string once = real.monochromePng(png, 0.8F, 0.2F, 0.4F).value_or("");
+    const std::string primary = "{CFBundlePrimaryIcon = {CFBundleIconFiles = ";
+    for (const std::string& list :
+         {std::string("(Icon)"), std::string("(\"Icon@2x\")"), std::string("(\"Icon@2x.png\")"),
+          std::string("(Icon, Icon)"), std::string("(\"Icon@2x.png\", Icon, \"Icon@2x\")")}) {
+        const std::string all = "CFBundleIcons = " + primary + list +
+                                ";};}; \"CFBundleIcons~ipad\" = " + primary + list + ";};};";
+        for (const std::string& info : {"{CFBundleIconFiles = " + list + ";}", "{" + all + "}",
+                                        "{CFBundleIconFiles = " + list + ";" + all + "}"}) {
+            stage(info, {});
+            putFile(bundle / "Icon@2x.png", png);
+            withFilter.colorIcons();
+            EXPECT_TRUE(contentsOf(bundle / "Icon@2x.png") == once) << info;
+        }
+    }
+    EXPECT_EQ(logged(), Names());
 }
 
 TEST_F(EngineTest, FolderSizesWrapAtTwoGigabytes) {

@@ -47,13 +47,55 @@ TEST_F(BundleIconsTest, OrdersTheVariantsByWhatFillsTheSquare) {
         unsigned pixels;
         const char* order;
     } cases[] = {
-        {29, "A29~ipad.png A29@2x.png A29@3x.png A60@2x.png A83.5@2x~ipad.png"},
-        {58, "A29@2x.png A29@3x.png A60@2x.png A83.5@2x~ipad.png A29~ipad.png"},
+        {29, "A60@2x.png A83.5@2x~ipad.png A29~ipad.png A29@2x.png A29@3x.png"},
+        {58, "A60@2x.png A83.5@2x~ipad.png A29@2x.png A29@3x.png A29~ipad.png"},
         {100, "A60@2x.png A83.5@2x~ipad.png A29@3x.png A29@2x.png A29~ipad.png"},
         {500, "A83.5@2x~ipad.png A60@2x.png A29@3x.png A29@2x.png A29~ipad.png"},
     };
     for (const auto& [pixels, order] : cases)
         EXPECT_EQ(found(info, pixels), order) << pixels;
+}
+
+TEST_F(BundleIconsTest, DrawsTheHomeScreensIconAtEachDensity) {
+    const struct {
+        std::vector<std::pair<const char*, std::uint32_t>> files;
+        unsigned pixels;
+        const char* first;
+    } cases[] = {
+        // 120 pixels are 40 or 60 points, 60 are 20 or 60.
+        {{{"A@3x", 120}, {"B@2x", 120}}, 120, "B@2x.png"},
+        {{{"A@3x", 60}, {"B", 60}, {"C@2x", 80}}, 58, "B.png"},
+        {{{"A", 120}, {"B", 180}, {"C", 80}}, 58, "A.png"},
+        {{{"A@2x", 120}, {"B@3x", 180}, {"C@3x", 120}}, 180, "B@3x.png"},
+        {{{"A@2x", 114}, {"B@2x", 80}, {"C@2x", 58}}, 58, "A@2x.png"},
+        {{{"A@2x~ipad", 80}, {"B@2x~ipad", 152}, {"C@2x~ipad", 167}}, 76, "B@2x~ipad.png"},
+        {{{"A@2x~ipad", 120}, {"B@2x~ipad", 152}}, 87, "B@2x~ipad.png"},
+        {{{"A~ipad", 76}, {"B@2x", 120}}, 58, "B@2x.png"},
+        // Sharp goes before right, of what must be enlarged the largest but no small print.
+        {{{"A@2x", 120}, {"B", 1024}, {"C@2x~ipad", 167}}, 180, "B.png"},
+        {{{"A", 60}, {"B@3x", 87}}, 87, "B@3x.png"},
+        {{{"A@2x", 120}, {"B@2x~ipad", 152}}, 180, "B@2x~ipad.png"},
+        {{{"A", 60}, {"B@2x", 80}}, 180, "A.png"},
+    };
+    for (const auto& [files, pixels, first] : cases) {
+        fs::remove_all(bundle);
+        for (const auto& [name, edge] : files)
+            putFile(bundle / (std::string(name) + ".png"), png(edge));
+        const std::string order = found("{CFBundleIconFiles = (A, B, C);}", pixels);
+        EXPECT_EQ(order.substr(0, order.find(' ')), first) << order;
+    }
+}
+
+TEST_F(BundleIconsTest, WhatIsNotListedStandsInOnlyWhereNothingIs) {
+    putFile(bundle / "A.png", png(57));
+    putFile(bundle / "P@2x.png", png(120));
+    putFile(bundle / "Icon.png", png(1024));
+    EXPECT_EQ(found("{CFBundleIconFiles = (A); CFBundleIconFile = P;}", 180),
+              "A.png P@2x.png Icon.png");
+    EXPECT_EQ(found("{CFBundleIconFiles = (A); \"CFBundleIcons~ipad\" = {CFBundlePrimaryIcon = "
+                    "{CFBundleIconFiles = (P);};};}",
+                    120),
+              "P@2x.png A.png Icon.png");
 }
 
 TEST_F(BundleIconsTest, AsksTheSourcesInTurn) {

@@ -79,6 +79,12 @@ TEST(PropertyListBounds, SharedObjectsAreReadButMayNotExplode) {
     EXPECT_FALSE(PropertyList::parse(binaryOf(doubling)));
 }
 
+TEST(PropertyListBounds, OfADoubledKeyTheFirstValueHolds) {
+    const auto list = PropertyList::parse(binaryOf({"\xD2\1\1\2\3", "\x51k", "\x09", "\x08"}));
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list->xml(), PropertyList::parse("<dict><key>k</key><true/></dict>")->xml());
+}
+
 TEST(PropertyListBounds, CyclesGiveNothing) {
     EXPECT_FALSE(PropertyList::parse(binaryOf({"\xA1\0"s})));
     EXPECT_FALSE(PropertyList::parse(binaryOf({"\xA1\1"s, "\xA1\0"s})));

@@ -126,6 +126,9 @@ TEST(PropertyList, ReadsTheSpellingsThatXmlAllows) {
         {document("<integer> +0x1F </integer>"), PropertyList::integer(31)},
         {document("<real>-.5E1</real>"), PropertyList::real(-5)},
         {document("<data>\n A Q\tI=\n</data>"), PropertyList::data("\1\2")},
+        {document("<real>1e-999</real>"), PropertyList::real(0)},
+        {document("<real>-0." + std::string(400, '0') + "1e+9</real>"), PropertyList::real(-0.0)},
+        {document("<real>1" + std::string(400, '0') + "e-400</real>"), PropertyList::real(1)},
         {document("<true></true>"), PropertyList::boolean(true)},
         {document("<dict>\n</dict>"), PropertyList::dictionary()},
     };
@@ -134,6 +137,49 @@ TEST(PropertyList, ReadsTheSpellingsThatXmlAllows) {
         ASSERT_TRUE(list) << input;
         EXPECT_EQ(*list, value) << input << list->xml();
     }
+}
+
+TEST(PropertyList, LooksNoFurtherThanTheRootElement) {
+    for (const std::string& after : {"garbage"s, "<plist/>"s, document("<true/>"), "\xFF\0<!--"s}) {
+        EXPECT_EQ(PropertyList::parse(document("<string>a</string>") + after),
+                  PropertyList::string("a"))
+            << after;
+        EXPECT_EQ(PropertyList::parse("<string>a</string>" + after), PropertyList::string("a"));
+    }
+    EXPECT_TRUE(PropertyList::parse("<!-- \xFF -->" + document("<true/>")));
+}
+
+TEST(PropertyList, ReadsTheEncodingThatADocumentDeclares) {
+    const auto inEncoding = [](const std::string& name, const std::string& text) {
+        return "<?xml version=\"1.0\" encoding=\"" + name + "\"?><plist><string>" + text +
+               "</string></plist>";
+    };
+    const struct {
+        const char* encoding;
+        const char* bytes;
+        const char* text;
+    } cases[] = {
+        {"Windows-1252", "Caf\xE9 \x80", "Café €"},
+        {"windows-1251", "\xC4\xE0", "Да"},
+        {"macintosh", "Caf\x8E", "Café"},
+        {"Shift_JIS", "\x83\x65\x83\x58\x83\x67", "テスト"},
+        {"GB2312", "\xB2\xE2", "测"},
+        // Names that do not tell, or tell a lie.
+        {"EBCDIC", "a\xC3\xA9", "aé"},
+        {"x-unknown", "a\xE9", "a\uFFFD"},
+        {"UTF-16", "\xC3\xA9", "é"},
+        {"UTF-32", "\xC3\xA9", "é"},
+        {"Shift_JIS", "\x83", "\uFFFD"},
+        {"utf-8//IGNORE", "\xC3\xA9", "é"},
+    };
+    for (const auto& [encoding, bytes, text] : cases)
+        EXPECT_EQ(PropertyList::parse(inEncoding(encoding, bytes)), PropertyList::string(text))
+            << encoding;
+    EXPECT_FALSE(PropertyList::parse(inEncoding("UTF-8", "\xE9")));
+    std::string wide = "\xFF\xFE\0\0"s;
+    for (const char character : document("<string>a</string>"))
+        wide += std::string(1, character) + "\0\0\0"s;
+    EXPECT_EQ(PropertyList::parse(wide), PropertyList::string("a"));
 }
 
 TEST(PropertyList, ReadsUtf16InBothByteOrders) {
@@ -195,9 +241,7 @@ TEST(PropertyList, RefusesDamagedXml) {
         document("<string>\xC3(</string>"),
         document("<string>a\0b</string>"s),
         document("<string a=b>a</string>"),
-        document("<string>a</string>") + "garbage",
-        document("<string>a</string>") + "<plist/>",
-        "<?xml version=\"1.0\" encoding=\"EBCDIC\"?><plist><string>a</string></plist>",
+        "<?xml version=\"1.0\" encoding=\"EBCDIC\"?><plist><string>a</string>",
         "<!DOCTYPE plist [<!ENTITY x \"y\">]><plist><string>&x;</string></plist>",
     };
     for (const std::string& input : inputs)
@@ -206,13 +250,20 @@ TEST(PropertyList, RefusesDamagedXml) {
         EXPECT_FALSE(PropertyList::parse(everything.substr(0, length))) << length;
 }
 
-TEST(PropertyList, AKeyThatComesAgainReplacesTheEarlierValue) {
-    auto list = PropertyList::parse(
-        document("<dict><key>a</key><true/><key>b</key><true/><key>a</key><false/></dict>"));
-    ASSERT_TRUE(list);
-    EXPECT_EQ(list->keys(), (std::vector<std::string>{"a", "b"}));
-    EXPECT_FALSE(list->valueForKey("a")->booleanValue());
-    EXPECT_EQ(*list, *PropertyList::parse("<dict><key>b</key><true/><key>a</key><false/></dict>"));
+TEST(PropertyList, OfAKeyThatComesAgainTheFirstValueHolds) {
+    std::string many;
+    for (int number = 0; number < 40; ++number)
+        many += "<key>" + std::to_string(number) + "</key><true/>";
+    for (const std::string& others : {""s, many}) {
+        const auto list = PropertyList::parse(
+            document("<dict><key>a</key><true/><key>b</key><true/>" + others +
+                     "<key>a</key><false/><key>a</key><string>c</string></dict>"));
+        ASSERT_TRUE(list);
+        EXPECT_EQ(list->valueForKey("a"), PropertyList::boolean(true));
+        EXPECT_EQ(*list, *PropertyList::parse("<dict>" + others +
+                                              "<key>b</key><true/><key>a</key><true/></dict>"));
+    }
+    EXPECT_EQ(PropertyList::parse("{a = 1; a = 2;}")->stringForKey("a"), "1");
 }
 
 TEST(PropertyList, OnlyALoneKeyWithASmallNumberIsAUid) {

@@ -34,7 +34,7 @@ TEST(OldStyleText, ReadsStringTables) {
     list = PropertyList::parse("/* Title */\n\"Title\" = \"Größe\";\nalone;\nTitle = again;\n");
     ASSERT_TRUE(list);
     EXPECT_EQ(list->keys(), (std::vector<std::string>{"Title", "alone"}));
-    EXPECT_EQ(list->stringForKey("Title"), "again");
+    EXPECT_EQ(list->stringForKey("Title"), "Größe");
     EXPECT_EQ(list->stringForKey("alone"), "alone");
 }
 
