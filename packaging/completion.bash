@@ -186,7 +186,7 @@ _dubrix() {
     /*)
         case ${words[-1]} in
         --device=*) _dubrix_files '' --device= ;;
-        -*) _dubrix_offer --device --samples --appearance --with-home --help --version ;;
+        -*) _dubrix_offer --device --samples --appearance --with-home --without-isolation --help --version ;;
         *) _dubrix_offer install list uninstall export home shell drive ;;
         esac
         ;;

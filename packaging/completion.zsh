@@ -57,6 +57,7 @@ _dubrix() {
         '--samples[install the sample applications on a device made now]' \
         '--appearance[how the application looks]:appearance:(light dark)' \
         '--with-home[open the home screen beside the application]' \
+        '--without-isolation[install applications also where the system permits no isolation]' \
         '(-)'{-h,--help}'[a short help]' \
         '(-)--version[the version]' \
         '1:command:_dubrix_commands' \
