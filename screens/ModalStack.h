@@ -5,6 +5,7 @@
 #include <QAbstractListModel>
 #include <QPointer>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace dubrix {
@@ -20,6 +21,9 @@ class ModalStack : public QAbstractListModel {
     QML_UNCREATABLE("made by the application")
     /// Whether a modal screen is shown that is not being dismissed.
     Q_PROPERTY(bool occupied READ occupied NOTIFY occupiedChanged)
+    /// Whether what lies below the modal screens takes no presses, because work is under way that
+    /// nothing may be begun beside.
+    Q_PROPERTY(bool suspended READ suspended WRITE setSuspended NOTIFY suspendedChanged)
 
 public:
     enum Role { ControllerRole = Qt::UserRole, DismissingRole, AnimatedRole };
@@ -40,12 +44,19 @@ public:
     ViewController* topmost() const;
     ViewController* topmostPresentedBy(const ViewController& presenter) const;
 
+    bool suspended() const { return suspended_; }
+    void setSuspended(bool suspended) {
+        if (suspended != std::exchange(suspended_, suspended))
+            Q_EMIT suspendedChanged();
+    }
+
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
 Q_SIGNALS:
     void occupiedChanged();
+    void suspendedChanged();
 
 private:
     struct Entry {
@@ -60,6 +71,7 @@ private:
     int rowOf(const ViewController* modal) const;
 
     std::vector<Entry> entries_;
+    bool suspended_ = false;
 };
 
 } // namespace dubrix

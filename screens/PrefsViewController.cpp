@@ -5,6 +5,7 @@
 #include "platform/FileManager.h"
 #include "platform/SystemLog.h"
 #include "screens/AppListSampleViewController.h"
+#include "screens/ModalStack.h"
 #include "screens/NavigationController.h"
 #include "screens/NotificationCenter.h"
 
@@ -130,6 +131,11 @@ void PrefsViewController::SelectAppTapped() {
 void PrefsViewController::setAppNameLabelText() {
     const auto name = sharedClass->retrieveValueForKey("appName");
     appNameLabel.setText(displayed(name ? name->stringValue() : std::nullopt));
+}
+
+void PrefsViewController::workingChanged(bool working) {
+    if (modalStack())
+        modalStack()->setSuspended(working);
 }
 
 void PrefsViewController::viewWillAppear() {

@@ -93,6 +93,7 @@ public:
 
 protected:
     void viewDidLoad() override;
+    void workingChanged(bool working) override;
 
 private:
     struct Button {

@@ -29,7 +29,7 @@ Item {
     Accessible.selected: checked
     Accessible.checkable: true
     Accessible.checked: checked
-    Accessible.onPressAction: cell.tapped()
+    Accessible.onPressAction: if (cell.enabled && cell.visible) cell.tapped()
     Keys.onSpacePressed: cell.tapped()
     Keys.onReturnPressed: cell.tapped()
     Keys.onEnterPressed: cell.tapped()

@@ -18,7 +18,7 @@ Item {
     Accessible.focusable: true
     Accessible.selectable: true
     Accessible.selected: marked
-    Accessible.onPressAction: swatch.picked()
+    Accessible.onPressAction: if (swatch.enabled && swatch.visible) swatch.picked()
     Keys.onSpacePressed: swatch.picked()
     Keys.onReturnPressed: swatch.picked()
     Keys.onEnterPressed: swatch.picked()

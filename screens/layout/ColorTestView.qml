@@ -40,7 +40,7 @@ Item {
         Accessible.role: Accessible.Button
         Accessible.name: view.copyButton.title
         Accessible.focusable: true
-        Accessible.onPressAction: view.controller.selectColorTapped()
+        Accessible.onPressAction: if (enabled && visible) view.controller.selectColorTapped()
         Keys.onSpacePressed: view.controller.selectColorTapped()
         Keys.onReturnPressed: view.controller.selectColorTapped()
         Keys.onEnterPressed: view.controller.selectColorTapped()

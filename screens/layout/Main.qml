@@ -12,6 +12,7 @@ Window {
     required property QuickOverlayStage stage
     /// Takes the archives that are dropped here; null where nobody can install them.
     property ArchiveDrop drops: null
+    readonly property bool dimmed: stage.background.shown
 
     width: Math.min(Theme.points(390), Screen.desktopAvailableWidth)
     height: Math.min(Theme.points(760), Screen.desktopAvailableHeight)
@@ -24,7 +25,7 @@ Window {
     TabBarView {
         anchors.fill: parent
         controller: window.root
-        enabled: !window.root.modals.occupied
+        enabled: !window.root.modals.occupied && !window.root.modals.suspended && !window.dimmed
     }
 
     Repeater {
@@ -41,6 +42,7 @@ Window {
             animated: model.animated
             transitionTime: window.root.modals.transitionTime
             topmost: index === layers.count - 1
+            covered: window.dimmed
         }
     }
 

@@ -2,7 +2,7 @@ import QtQuick
 import Dubrix
 
 /// One modal screen over everything below it: takes all input, comes and goes.
-FocusScope {
+LayerScope {
     id: layer
 
     required property ViewController controller
@@ -10,12 +10,15 @@ FocusScope {
     required property bool animated
     required property int transitionTime
     property bool topmost: true
+    /// Whether something that is no modal screen lies over it.
+    property bool covered: false
 
     /// From 0, away, to 1, there.
     property real presence: 0
 
     focus: topmost && !dismissing
-    enabled: topmost && !dismissing
+    enabled: topmost && !dismissing && !covered
+    Accessible.role: Accessible.LayeredPane
     Component.onCompleted: {
         presence = 1;
         content.setSource(controller.modalLayout, {

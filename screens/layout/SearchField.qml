@@ -121,7 +121,7 @@ FocusScope {
         Accessible.role: Accessible.Button
         Accessible.name: qsTr("Clear search")
         Accessible.focusable: true
-        Accessible.onPressAction: press()
+        Accessible.onPressAction: if (enabled && visible) press()
         Keys.onSpacePressed: press()
         Keys.onReturnPressed: press()
 

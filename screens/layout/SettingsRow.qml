@@ -31,7 +31,7 @@ Item {
     Accessible.description: value
     Accessible.focusable: selectable
     Accessible.ignored: !shown
-    Accessible.onPressAction: row.tapped()
+    Accessible.onPressAction: if (row.enabled && row.visible) row.tapped()
     Keys.onSpacePressed: if (selectable) row.tapped()
     Keys.onReturnPressed: if (selectable) row.tapped()
 

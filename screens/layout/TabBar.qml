@@ -48,7 +48,7 @@ Rectangle {
                 Accessible.name: modelData.title
                 Accessible.selected: selected
                 Accessible.focusable: true
-                Accessible.onPressAction: select()
+                Accessible.onPressAction: if (enabled && visible) select()
                 Keys.onSpacePressed: select()
                 Keys.onReturnPressed: select()
 

@@ -5,12 +5,13 @@ import Dubrix
 
 /// The selected tab's screen with the tab bar below it. A screen is drawn from its first selection
 /// on.
-FocusScope {
+LayerScope {
     id: view
 
     required property TabBarController controller
 
     focus: true
+    Accessible.role: Accessible.LayeredPane
     // Back to where the keyboard was before a modal screen took it.
     onEnabledChanged: if (enabled)
         forceActiveFocus()

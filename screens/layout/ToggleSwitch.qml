@@ -17,8 +17,8 @@ Item {
     Accessible.checkable: true
     Accessible.checked: on
     Accessible.focusable: true
-    Accessible.onToggleAction: toggle.changeRequested(!toggle.on)
-    Accessible.onPressAction: toggle.changeRequested(!toggle.on)
+    Accessible.onToggleAction: if (toggle.enabled && toggle.visible) toggle.changeRequested(!toggle.on)
+    Accessible.onPressAction: if (toggle.enabled && toggle.visible) toggle.changeRequested(!toggle.on)
     Keys.onSpacePressed: toggle.changeRequested(!toggle.on)
     Keys.onReturnPressed: toggle.changeRequested(!toggle.on)
 

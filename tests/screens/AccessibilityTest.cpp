@@ -1,35 +1,14 @@
-#include "looks/ApplicationIconProvider.h"
-#include "overlays/ProgressHUD.h"
-#include "platform/HelpPages.h"
-#include "platform/UrlOpener.h"
-#include "screens/AboutTableViewController.h"
-#include "screens/InterfaceLayout.h"
-#include "screens/PrefsViewController.h"
-#include "screens/QuickOverlayStage.h"
-#include "screens/TabBarController.h"
-#include "screens/TemplateImageProvider.h"
-#include "tests/screens/PickerDevice.h"
+#include "tests/screens/WholeWindow.h"
 
-#include <QAccessible>
-#include <QGuiApplication>
-#include <QQmlApplicationEngine>
 #include <QQmlExtensionPlugin>
 #include <QQuickItem>
-#include <QQuickWindow>
 #include <QSet>
-#include <QTest>
 
 Q_IMPORT_QML_PLUGIN(DubrixPlugin)
 
 namespace dubrix {
 
 namespace {
-
-struct NoPages final : HelpPages, UrlOpener {
-    std::string siteAddress() override { return {}; }
-    bool canOpenURL(const std::string&) const override { return false; }
-    void openURL(const std::string&) override {}
-};
 
 /// Everything below `item` that the Tab key is meant to reach now.
 void collectTabStops(QQuickItem* item, QSet<QQuickItem*>& stops) {
@@ -43,32 +22,9 @@ void collectTabStops(QQuickItem* item, QSet<QQuickItem*>& stops) {
 
 } // namespace
 
-/// The whole window over a real device, as a person at the keyboard or with a screen reader has it.
-class AccessibilityTest : public PickerDevice {
+/// The whole window as a person at the keyboard or with a screen reader has it.
+class AccessibilityTest : public WholeWindow {
 protected:
-    AccessibilityTest() {
-        ProgressHUD::useStage(stage);
-        install("com.example.one", "One");
-        putFile(folder / "var/mobile/Library/Preferences/com.q7r2m.dubrix2.plist",
-                "{bundleID = \"com.example.one\"; appName = One; customNameToggle = 1;"
-                " customColorToggle = 1;}");
-        root = makeInterfaceLayout(platform, notifications, about, modals);
-        root->loadViewIfNeeded();
-        engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
-        engine.addImageProvider(QStringLiteral("template"), new TemplateImageProvider);
-        engine.addImageProvider(QLatin1String(ApplicationIconProvider::name),
-                                new ApplicationIconProvider([](const std::string&, unsigned) {
-                                    return std::optional<RgbaImage>();
-                                }));
-        engine.setInitialProperties({{QStringLiteral("root"), QVariant::fromValue(root.get())},
-                                     {QStringLiteral("stage"), QVariant::fromValue(&stage)}});
-        engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Dubrix/Main.qml")));
-        window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
-        if (window && QTest::qWaitForWindowExposed(window))
-            window->requestActivate();
-    }
-    ~AccessibilityTest() override { ProgressHUD::withdrawStage(); }
-
     /// Every Tab stop has a name and a role for a screen reader, and the Tab key comes by all.
     void expectReachableAndNamed(int atLeast) const {
         ASSERT_TRUE(window);
@@ -89,17 +45,9 @@ protected:
         for (const QQuickItem* missed : stops)
             ADD_FAILURE() << "Tab does not reach " << missed->metaObject()->className();
     }
-
-    NoPages pages;
-    const AboutServices about{log, pages, pages, PropertyList::dictionary()};
-    QuickOverlayStage stage;
-    std::unique_ptr<TabBarController> root;
-    QQmlApplicationEngine engine;
-    QQuickWindow* window = nullptr;
 };
 
 TEST_F(AccessibilityTest, EveryScreenIsReachableAndNamed) {
-    auto* prefs = static_cast<PrefsViewController*>(root->viewControllerAt(0));
     for (const int tab : {0, 1, 2}) {
         SCOPED_TRACE("tab " + std::to_string(tab));
         root->setSelectedIndex(tab);
@@ -113,7 +61,7 @@ TEST_F(AccessibilityTest, EveryScreenIsReachableAndNamed) {
     } modalRows[] = {{0, 0, 3}, {2, 1, 2}, {3, 0, 2}};
     for (const auto& modal : modalRows) {
         SCOPED_TRACE("row of section " + std::to_string(modal.section));
-        prefs->tableViewDidSelectRowAtIndexPath(modal.section, modal.row);
+        prefs().tableViewDidSelectRowAtIndexPath(modal.section, modal.row);
         ASSERT_TRUE(modals.topmost());
         expectReachableAndNamed(modal.stops);
         modals.dismiss(*modals.topmost(), false);

@@ -59,7 +59,7 @@ protected:
 
     TemporaryFolder folder;
     Registry registry{folder.path()};
-    LinuxCommandRunner commands{folder.path(), folder / "none"};
+    LinuxCommandRunner commands{folder.path(), DEVICE_PATHS};
     LinuxFileManager files{folder.path()};
     LinuxApplicationWorkspace workspace{folder.path()};
     LinuxApplicationList applications{folder.path()};

@@ -2,7 +2,7 @@ import QtQuick
 import DubrixHome
 
 /// What can be done with an icon that is held, beside that icon.
-FocusScope {
+LayerScope {
     id: menu
 
     required property HomeScreen home
@@ -26,6 +26,7 @@ FocusScope {
     }
 
     enabled: shown
+    Accessible.role: Accessible.LayeredPane
     opacity: shown ? 1 : 0
     visible: opacity > 0
     Keys.onEscapePressed: menu.close()

@@ -18,7 +18,7 @@ Item {
     Accessible.role: Accessible.Button
     Accessible.name: text
     Accessible.focusable: true
-    Accessible.onPressAction: button.tapped()
+    Accessible.onPressAction: if (button.enabled && button.visible) button.tapped()
     Keys.onReturnPressed: button.tapped()
     Keys.onEnterPressed: button.tapped()
     Keys.onSpacePressed: button.tapped()

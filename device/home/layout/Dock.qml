@@ -24,7 +24,7 @@ Rectangle {
         Accessible.name: dock.home.ownName
         Accessible.description: qsTr("Starts the application")
         Accessible.focusable: true
-        Accessible.onPressAction: dock.home.tapOwn()
+        Accessible.onPressAction: if (enabled && visible) dock.home.tapOwn()
         Keys.onReturnPressed: dock.home.tapOwn()
         Keys.onEnterPressed: dock.home.tapOwn()
         Keys.onSpacePressed: dock.home.tapOwn()

@@ -2,7 +2,7 @@ import QtQuick
 import DubrixHome
 
 /// A question or a failure, over everything else until it is answered.
-FocusScope {
+LayerScope {
     id: alert
 
     required property HomeScreen home
@@ -17,6 +17,7 @@ FocusScope {
     signal closed
 
     enabled: shown
+    Accessible.role: Accessible.LayeredPane
     opacity: shown ? 1 : 0
     visible: opacity > 0
     onShownChanged: shown ? dismiss.forceActiveFocus() : closed()

@@ -52,7 +52,7 @@ Item {
     Accessible.name: name
     Accessible.description: identifier
     Accessible.focusable: true
-    Accessible.onPressAction: icon.tapped()
+    Accessible.onPressAction: if (icon.enabled && icon.visible) icon.tapped()
     Keys.onReturnPressed: icon.tapped()
     Keys.onEnterPressed: icon.tapped()
     Keys.onSpacePressed: icon.tapped()

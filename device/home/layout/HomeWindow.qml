@@ -28,52 +28,56 @@ Window {
         Accessible.ignored: true
     }
 
-    PagedIcons {
-        id: pages
-
-        anchors {
-            fill: parent
-            topMargin: HomeTheme.points(20)
-            bottomMargin: dock.height + dots.height + HomeTheme.points(22)
-        }
+    LayerScope {
+        anchors.fill: parent
         focus: true
-        home: window.home
         enabled: !window.occupied
-        onMenuAsked: (icon, identifier, name) => menu.open(icon, identifier, name)
-    }
+        Accessible.role: Accessible.LayeredPane
 
-    EmptyHome {
-        anchors.centerIn: pages
-        width: Math.min(pages.width - 2 * HomeTheme.margin, HomeTheme.points(300))
-        visible: window.home.applications.loaded && pages.count === 0
-    }
+        PagedIcons {
+            id: pages
 
-    PageDots {
-        id: dots
-
-        anchors {
-            bottom: dock.top
-            bottomMargin: HomeTheme.points(6)
-            horizontalCenter: parent.horizontalCenter
+            anchors {
+                fill: parent
+                topMargin: HomeTheme.points(20)
+                bottomMargin: dock.height + dots.height + HomeTheme.points(22)
+            }
+            focus: true
+            home: window.home
+            onMenuAsked: (icon, identifier, name) => menu.open(icon, identifier, name)
         }
-        width: parent.width - 2 * HomeTheme.margin
-        pageCount: pages.pageCount
-        page: pages.page
-        enabled: !window.occupied
-        onTurned: page => pages.turnTo(page)
-    }
 
-    Dock {
-        id: dock
-
-        anchors {
-            bottom: parent.bottom
-            bottomMargin: HomeTheme.points(12)
-            horizontalCenter: parent.horizontalCenter
+        EmptyHome {
+            anchors.centerIn: pages
+            width: Math.min(pages.width - 2 * HomeTheme.margin, HomeTheme.points(300))
+            visible: window.home.applications.loaded && pages.count === 0
         }
-        width: Math.min(parent.width - HomeTheme.points(24), HomeTheme.points(460))
-        home: window.home
-        enabled: !window.occupied
+
+        PageDots {
+            id: dots
+
+            anchors {
+                bottom: dock.top
+                bottomMargin: HomeTheme.points(6)
+                horizontalCenter: parent.horizontalCenter
+            }
+            width: parent.width - 2 * HomeTheme.margin
+            pageCount: pages.pageCount
+            page: pages.page
+            onTurned: page => pages.turnTo(page)
+        }
+
+        Dock {
+            id: dock
+
+            anchors {
+                bottom: parent.bottom
+                bottomMargin: HomeTheme.points(12)
+                horizontalCenter: parent.horizontalCenter
+            }
+            width: Math.min(parent.width - HomeTheme.points(24), HomeTheme.points(460))
+            home: window.home
+        }
     }
 
     Banner {
@@ -107,6 +111,8 @@ Window {
 
         anchors.fill: parent
         home: window.home
+        // A failure may be told while it is open.
+        enabled: shown && !alert.shown
         onClosed: pages.forceActiveFocus()
     }
 
@@ -115,6 +121,6 @@ Window {
 
         anchors.fill: parent
         home: window.home
-        onClosed: pages.forceActiveFocus()
+        onClosed: (menu.shown ? menu : pages).forceActiveFocus()
     }
 }

@@ -32,7 +32,7 @@ Item {
                 Accessible.role: Accessible.PageTab
                 Accessible.name: qsTr("Page %1").arg(index + 1)
                 Accessible.selected: index === dots.page
-                Accessible.onPressAction: dots.turned(index)
+                Accessible.onPressAction: if (enabled && visible) dots.turned(index)
 
                 Rectangle {
                     anchors.centerIn: parent

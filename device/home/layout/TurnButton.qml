@@ -17,7 +17,7 @@ Text {
     verticalAlignment: Text.AlignVCenter
     Accessible.role: Accessible.Button
     Accessible.name: name
-    Accessible.onPressAction: button.tapped()
+    Accessible.onPressAction: if (button.enabled && button.visible) button.tapped()
 
     TapHandler {
         id: tap

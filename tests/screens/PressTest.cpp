@@ -1,0 +1,138 @@
+#include "engine/SettingsFile.h"
+#include "tests/screens/WholeWindow.h"
+#include "tests/support/ScreenReader.h"
+
+#include <QTimer>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace dubrix {
+
+/// What a screen reader can press, and when. It reaches what a finger and the keyboard do not:
+/// elements that are covered, and any of them while the event loop leaves user input alone.
+class PressTest : public WholeWindow {
+protected:
+    using Element = ScreenReader::Element;
+
+    Element* find(const QString& name) const { return reader.find(name); }
+    static void press(Element* element) { ScreenReader::press(element); }
+    void pressAll(const QList<Element*>& elements) const {
+        for (Element* element : elements)
+            press(element);
+        QCoreApplication::processEvents();
+    }
+    void dismissAll() {
+        while (ViewController* modal = modals.topmost())
+            modals.dismiss(*modal, false);
+        ASSERT_TRUE(QTest::qWaitFor([this] { return modals.rowCount() == 0; }));
+    }
+    std::string settings() const {
+        return contentsOf(folder / std::string(settingsFilePath).substr(1));
+    }
+    qsizetype logged(const std::string& line) const {
+        return std::count(log.lines.begin(), log.lines.end(), line);
+    }
+
+    const ScreenReader reader{window};
+};
+
+TEST_F(PressTest, WhatIsCoveredIsNeitherFoundNorPressed) {
+    const QStringList names{"Application", "Custom name",       "Select color",
+                            "Duplicate",   "Update duplicates", "About"};
+    QList<Element*> elements;
+    for (const QString& name : names) {
+        elements.append(find(name));
+        ASSERT_TRUE(elements.back()) << name.toStdString();
+    }
+    const struct {
+        const char* what;
+        std::function<void()> cover;
+        std::function<void()> uncover;
+    } covers[] = {
+        {"alert", [&] { prefs().showSimpleAlertWithTitle("T", "M", "Ok"); }, [&] { dismissAll(); }},
+        {"picker", [&] { press(elements[0]); }, [&] { dismissAll(); }},
+        {"overlay", [] { ProgressHUD::show("Busy", false); }, [] { ProgressHUD::withdrawStage(); }},
+        {"work", [&] { modals.setSuspended(true); }, [&] { modals.setSuspended(false); }},
+    };
+    for (const auto& [what, cover, uncover] : covers) {
+        SCOPED_TRACE(what);
+        cover();
+        QCoreApplication::processEvents();
+        const auto state = [this] {
+            return std::tuple(log.lines.size(), modals.rowCount(), root->selectedIndex());
+        };
+        const auto before = state();
+        for (const QString& name : names)
+            EXPECT_FALSE(find(name)) << name.toStdString();
+        pressAll(elements);
+        EXPECT_EQ(state(), before);
+        uncover();
+        QCoreApplication::processEvents();
+        for (int index = 0; index < names.size(); ++index)
+            EXPECT_EQ(find(names[index]), elements[index]) << names[index].toStdString();
+    }
+
+    root->setSelectedIndex(1);
+    const std::size_t lines = log.lines.size();
+    pressAll(elements.first(5));
+    EXPECT_EQ(log.lines.size(), lines) << "on a tab that is not shown";
+    root->setSelectedIndex(0);
+    press(elements[1]); // the switch
+    ASSERT_TRUE(QTest::qWaitFor([&] { return log.lines.size() > lines; }));
+    EXPECT_EQ(log.lines[lines], "Custom Name OFF") << "and what is uncovered works";
+}
+
+TEST_F(PressTest, AScreenThatLeavesTakesNoPress) {
+    press(find("Application"));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return find("One"); }));
+    Element* const row = find("One");
+    const std::string before = settings();
+    modals.dismiss(*modals.topmost(), true);
+    press(row);
+    EXPECT_FALSE(find("One"));
+    EXPECT_EQ(settings(), before);
+}
+
+TEST_F(PressTest, NothingBeginsWhileThePipelineRuns) {
+    // The first `cp` says that it has been started, and waits until it is let go on.
+    const std::string runs = folder / "runs", gate = folder / "gate";
+    ASSERT_EQ(::mkfifo(gate.c_str(), 0600), 0);
+    putFile(folder / "tools/cp", "#!/bin/sh\necho run >>'" + runs + "'\nmkdir '" + runs +
+                                     ".first' && cat '" + gate + "'\nexec /bin/cp \"$@\"\n");
+    std::filesystem::permissions(folder / "tools/cp", std::filesystem::perms(0755));
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", QByteArray((folder / "tools").c_str()) + ':' + path);
+
+    const QList<Element*> rows{find("Duplicate"), find("Update duplicates"), find("Application")};
+    int shown = -1;
+    QTimer inside;
+    QObject::connect(&inside, &QTimer::timeout, window, [&] {
+        const int opened = ::open(gate.c_str(), O_WRONLY | O_NONBLOCK);
+        if (opened < 0)
+            return;
+        inside.stop();
+        ::close(opened);
+        for (Element* row : rows)
+            press(row);
+        // What was queued or timed comes without a row.
+        prefs().showDuplicateAlert();
+        prefs().showUpdateAlert();
+        prefs().DuplicateStartAt(1);
+        prefs().duplicateAppWithNumber("2");
+        shown = modals.rowCount(); // with the question, which fades
+    });
+    press(rows[0]);
+    ASSERT_TRUE(modals.topmost());
+    press(find("Duplicate")); // the alert's
+    inside.start();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !inside.isActive() && !modals.occupied(); }, 20'000));
+    qputenv("PATH", path);
+
+    EXPECT_EQ(contentsOf(runs), "run\n") << "one pipeline";
+    EXPECT_EQ(shown, 2) << "the question and the progress, nothing beside";
+    EXPECT_EQ(logged("Dubrix - Duplicate Cell Clicked"), 1);
+    EXPECT_FALSE(modals.suspended());
+    EXPECT_TRUE(find("Duplicate") == rows[0]) << "there again";
+}
+
+} // namespace dubrix
