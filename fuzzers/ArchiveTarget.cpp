@@ -17,6 +17,7 @@ struct Place {
         const auto archive = device.application(installedBefore, "1", {{"file", "old"}});
         require(bool(device.installer().install(archive)), "a sound archive is installed");
         fs::remove(archive);
+        before = everything();
     }
     Place(const Place&) = delete;
     Place& operator=(const Place&) = delete;
@@ -28,14 +29,15 @@ struct Place {
         return all;
     }
 
-    std::map<std::string, std::string> everythingBesideBundles() const {
-        auto all = everything();
+    std::map<std::string, std::string> besideBundles(std::map<std::string, std::string> all) const {
         const std::string bundles = device.registry().hostPath(Registry::bundlePath).native() + "/";
         std::erase_if(all, [&](const auto& file) { return file.first.starts_with(bundles); });
         return all;
     }
 
     DeviceFolder device;
+    /// Looked at once: as long as every archive is refused, nothing has changed.
+    std::map<std::string, std::string> before;
 };
 
 /// Bundle-relative name to type, permissions and content.
@@ -105,15 +107,17 @@ void requireInstalled(Place& place, const std::string& identifier) {
 void tryInput(std::string_view bytes) {
     static auto place = std::make_unique<Place>();
     const auto archive = place->device.archive("tried.ipa", std::string(bytes));
-    const auto before = place->everything();
-    const auto beside = place->everythingBesideBundles();
     auto installed = place->device.installer().install(archive);
+    require(contentsOf(archive) == bytes, "an archive stays as it was");
+    fs::remove(archive);
+    auto after = place->everything();
     if (!installed) {
         require(!installed.failure().text.empty(), "a refusal has a reason");
-        require(place->everything() == before, "a refused archive changes nothing");
+        require(after == place->before, "a refused archive changes nothing");
         return;
     }
-    require(place->everythingBesideBundles() == beside, "nothing but the bundles is touched");
+    require(place->besideBundles(std::move(after)) == place->besideBundles(place->before),
+            "nothing but the bundles is touched");
     requireInstalled(*place, installed->identifier.value_or(""));
     place = std::make_unique<Place>();
 }
