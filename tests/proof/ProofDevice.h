@@ -3,9 +3,8 @@
 #include "engine/SettingsFile.h"
 #include "tests/device/DeviceFolder.h"
 #include "tests/platform/SamplePng.h"
+#include "tests/proof/ProcessGroup.h"
 
-#include <csignal>
-#include <fcntl.h>
 #include <sys/prctl.h>
 
 namespace dubrix {
@@ -37,6 +36,10 @@ public:
     }
 
     void installSource(const std::string& version) const {
+        const auto result = installer().install(sourceArchive(version));
+        ASSERT_TRUE(result) << result.failure().text;
+    }
+    std::filesystem::path sourceArchive(const std::string& version) const {
         PropertyList info = *PropertyList::parse(infoPlist(source, version));
         info.setValueForKey("CFBundleDisplayName", PropertyList::string("Fine App"));
         PropertyList icons = PropertyList::array();
@@ -52,8 +55,7 @@ public:
         items.push_back({"Payload/X.app/large", std::string(200'000, version[0])});
         items.push_back({"Payload/X.app/link", "data/two", S_IFLNK | 0777});
         items.push_back({"Payload/X.app/Info.plist", info.binary()});
-        const auto result = installer().install(archive("source.ipa", zipOf(items)));
-        ASSERT_TRUE(result) << result.failure().text;
+        return archive("source.ipa", zipOf(items));
     }
 
     /// What an installed application's bundle holds, by paths in it; empty when not installed.
@@ -76,48 +78,28 @@ public:
         return run(words);
     }
 
-    Ended run(std::vector<std::string> words, const std::string& path = "") const {
+    Ended run(const std::vector<std::string>& words, const std::string& path = "") const {
         const std::filesystem::path output = folder() / "output";
-        const pid_t child = ::fork();
-        if (child == 0)
-            become(words, path.empty() ? tools().native() + ":" PROGRAMS ":/usr/bin:/bin" : path,
-                   output);
         int status = -1;
-        ::waitpid(child, &status, 0);
-        ::kill(-child, SIGKILL);
-        while (::waitpid(-1, nullptr, 0) > 0 || errno == EINTR) {
+        {
+            const ProcessGroup program(words, path.empty() ? searchPath() : path, output);
+            status = program.wait();
         }
-        // What commands say stands before it, in lines of their own.
+        return {status, lastLineOf(output)};
+    }
+    /// Where programs look for commands.
+    std::string searchPath() const { return tools().native() + ":" PROGRAMS ":/usr/bin:/bin"; }
+
+    /// What commands say stands before it, in lines of their own.
+    static std::string lastLineOf(const std::filesystem::path& output) {
         const std::string said = contentsOf(output);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-                said.substr(said.rfind('\n') + 1)};
+        return said.substr(said.rfind('\n') + 1);
     }
 
     const std::string source = "com.example.app";
     const std::string duplicate = "com.example.app1";
     const std::string success = "Fine App successfully duplicated.";
     const std::string failure = "Failed to duplicate Fine App.";
-
-private:
-    [[noreturn]] static void become(std::vector<std::string>& words, const std::string& path,
-                                    const std::filesystem::path& output) {
-        ::setpgid(0, 0);
-        const int nothing = ::open("/dev/null", O_RDWR);
-        ::dup2(nothing, STDIN_FILENO);
-        ::dup2(::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), STDOUT_FILENO);
-        ::dup2(nothing, STDERR_FILENO);
-        ::setenv("PATH", path.c_str(), 1);
-        ::setenv("ZIPOPT", "-0yq", 1);
-        ::setenv("LC_ALL", "C", 1);
-        // The leak sanitizer does not work below a tracer.
-        ::setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
-        std::vector<char*> arguments;
-        for (std::string& word : words)
-            arguments.push_back(word.data());
-        arguments.push_back(nullptr);
-        ::execvp(arguments[0], arguments.data());
-        ::_exit(127);
-    }
 
     static Contents contentsBelow(const std::filesystem::path& bundle) {
         Contents contents;
