@@ -46,7 +46,7 @@ int makeDevice(const fs::path& root, int count, const fs::path& bundle) {
         info->setValueForKey("CFBundleIdentifier", PropertyList::string(identifier));
         info->setValueForKey("CFBundleDisplayName",
                              PropertyList::string("Application " + std::to_string(number)));
-        if (!replaceWholeFile(registry.hostPath(path) / "Info.plist", info->xml()) ||
+        if (!replaceWholeFile(registry.hostPath(path) / "Info.plist", info->xml(), Durability::Process) ||
             !registry.enter(identifier, path))
             return 1;
     }

@@ -152,7 +152,7 @@ Result<ArchivedBundle> findBundle(std::vector<ZipEntry> entries) {
         if (const auto folder = bundleFolderOf(entry))
             names.emplace(*folder);
     if (names.empty())
-        return Failure{"holds no application (Payload/*.app)"};
+        return Failure{"holds no application (Payload/*.app)", true};
     if (names.size() > 1)
         return Failure{"holds more than one application (Payload/*.app)"};
 

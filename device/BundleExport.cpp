@@ -1,20 +1,18 @@
 #include "device/BundleExport.h"
 
-#include "device/Descriptor.h"
 #include "device/FileTree.h"
+#include "device/Interruption.h"
+#include "formats/Descriptor.h"
 
 #include <algorithm>
 #include <archive.h>
 #include <archive_entry.h>
-#include <cstdlib>
 #include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
 #include <vector>
 
 namespace dubrix {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -38,21 +36,40 @@ public:
           total_(total),
           progress_(progress) {}
 
-    /// Packs `name` below the open folder `parent` under the name `packedName`.
+    /// Packs the open folder with all that is below it under the name `packedName`.
+    Outcome packFolder(int folder, const std::string& packedName) {
+        struct stat status {};
+        const auto names = namesIn(folder);
+        if (!names || ::fstat(folder, &status) != 0)
+            return systemFailure("cannot read " + packedName);
+        const std::string prefix = packedName + "/";
+        if (Outcome done = packHeader(entryFor(prefix, status).get()); !done)
+            return done;
+        for (const std::string& name : *names)
+            if (Outcome done = pack(folder, name, prefix + name); !done)
+                return done;
+        return Success{};
+    }
+
+private:
     Outcome pack(int parent, const std::string& name, const std::string& packedName) {
         struct stat status {};
+        if (Interruption::isAsked())
+            return Failure{"was interrupted"};
         if (::fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
             return systemFailure("cannot read " + packedName);
-        if (S_ISDIR(status.st_mode))
-            return packFolder(parent, name, packedName, status);
+        if (S_ISDIR(status.st_mode)) {
+            const Descriptor folder = openFolderAt(parent, name);
+            return folder.isOpen() ? packFolder(folder.get(), packedName)
+                                   : systemFailure("cannot read " + packedName);
+        }
         if (S_ISREG(status.st_mode))
-            return packFile(parent, name, packedName, status);
+            return packFile(parent, name, packedName);
         if (S_ISLNK(status.st_mode))
             return packLink(parent, name, packedName, status);
         return Failure{"cannot hold " + packedName + ", which is neither file, folder nor link"};
     }
 
-private:
     Entry entryFor(const std::string& packedName, const struct stat& status) {
         Entry entry(archive_entry_new(), archive_entry_free);
         archive_entry_copy_pathname(entry.get(), packedName.c_str());
@@ -69,27 +86,14 @@ private:
         return Success{};
     }
 
-    Outcome packFolder(int parent, const std::string& name, const std::string& packedName,
-                       const struct stat& status) {
-        const Descriptor folder = openFolderAt(parent, name);
-        const auto names = folder.isOpen() ? namesIn(folder.get()) : std::nullopt;
-        if (!names)
-            return systemFailure("cannot read " + packedName);
-        const std::string prefix = packedName + "/";
-        if (Outcome done = packHeader(entryFor(prefix, status).get()); !done)
-            return done;
-        for (const std::string& below : *names)
-            if (Outcome done = pack(folder.get(), below, prefix + below); !done)
-                return done;
-        return Success{};
-    }
-
-    Outcome packFile(int parent, const std::string& name, const std::string& packedName,
-                     const struct stat& status) {
+    Outcome packFile(int parent, const std::string& name, const std::string& packedName) {
         const Descriptor file(
             ::openat(parent, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-        if (!file.isOpen())
+        struct stat status {};
+        if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
             return systemFailure("cannot read " + packedName);
+        if (!S_ISREG(status.st_mode))
+            return Failure{"cannot hold " + packedName + ", which changes meanwhile"};
         if (Outcome done = packHeader(entryFor(packedName, status).get()); !done)
             return done;
         for (off_t left = status.st_size; left > 0;) {
@@ -98,6 +102,8 @@ private:
                 continue;
             if (got < 0)
                 return systemFailure("cannot read " + packedName);
+            if (Interruption::isAsked())
+                return Failure{"was interrupted"};
             if (got == 0 || got > left)
                 return Failure{"cannot hold " + packedName + ", which changes meanwhile"};
             if (archive_write_data(packer_, buffer_.data(), static_cast<std::size_t>(got)) != got)
@@ -130,49 +136,35 @@ private:
     const Progress& progress_;
 };
 
-std::uint64_t bytesIn(const fs::path& folder) {
+/// In all files below the open folder; links are not followed, and what cannot be read is left out.
+std::uint64_t bytesIn(int folder) {
     std::uint64_t bytes = 0;
-    std::error_code error;
-    for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        std::error_code unreadable;
-        if (entry->is_symlink(unreadable) || !entry->is_regular_file(unreadable))
+    for (const std::string& name : namesIn(folder).value_or(std::vector<std::string>{})) {
+        struct stat status {};
+        if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
             continue;
-        const std::uintmax_t size = entry->file_size(unreadable);
-        bytes += unreadable ? 0 : size;
+        if (S_ISREG(status.st_mode))
+            bytes += static_cast<std::uint64_t>(status.st_size);
+        else if (S_ISDIR(status.st_mode))
+            bytes += bytesIn(openFolderAt(folder, name).get());
     }
     return bytes;
 }
 
-Outcome writeArchive(const fs::path& folder, int file, const Progress& progress) {
+} // namespace
+
+Outcome packBundle(int bundle, const std::string& folderName, int archive,
+                   const Progress& progress) {
     const Archive packer(archive_write_new(), archive_write_free);
     if (archive_write_set_format_zip(packer.get()) != ARCHIVE_OK ||
-        archive_write_open_fd(packer.get(), file) != ARCHIVE_OK)
+        archive_write_open_fd(packer.get(), archive) != ARCHIVE_OK)
         return packingFailure(packer.get());
-    const Descriptor parent = openFolderAt(AT_FDCWD, folder.parent_path().native());
-    const std::string name = folder.filename().native();
-    BundlePacker bundle(packer.get(), progress ? bytesIn(folder) : 0, progress);
-    if (Outcome done = bundle.pack(parent.get(), name, "Payload/" + name); !done)
+    BundlePacker work(packer.get(), progress ? bytesIn(bundle) : 0, progress);
+    if (Outcome done = work.packFolder(bundle, "Payload/" + folderName); !done)
         return done;
     if (archive_write_close(packer.get()) != ARCHIVE_OK)
         return packingFailure(packer.get());
     return Success{};
-}
-
-} // namespace
-
-Outcome exportBundle(const fs::path& folder, const fs::path& file, const Progress& progress) {
-    std::string temporary = (file.parent_path() / ".dubrix-XXXXXX").native();
-    Descriptor output(::mkostemp(temporary.data(), O_CLOEXEC));
-    if (!output.isOpen())
-        return systemFailure("cannot be written");
-    Outcome done = writeArchive(folder, output.get(), progress);
-    if (done && (::fchmod(output.get(), 0644) != 0 || !output.close() ||
-                 ::rename(temporary.c_str(), file.c_str()) != 0))
-        done = systemFailure("cannot be written");
-    if (!done)
-        ::unlink(temporary.c_str());
-    return done;
 }
 
 } // namespace dubrix

@@ -3,15 +3,15 @@
 #include "device/Progress.h"
 #include "device/Result.h"
 
-#include <filesystem>
+#include <string>
 
 namespace dubrix {
 
-/// Packs the bundle at `folder` into the archive `file`, as Payload/<Name>.app/ with permissions
-/// and links, in the order of the names' bytes. The archive is written beside `file` and renamed:
-/// it is there whole or not at all. Fails when the bundle holds anything but files, folders and
-/// links.
-Outcome exportBundle(const std::filesystem::path& folder, const std::filesystem::path& file,
-                     const Progress& progress = {});
+/// Packs the open bundle folder `bundle` into the open empty file `archive`, as
+/// Payload/`folderName`/ with permissions and links, in the order of the names' bytes. No link is
+/// followed on the way. Fails when the bundle holds anything but files, folders and links, and when
+/// an Interruption is asked for.
+Outcome packBundle(int bundle, const std::string& folderName, int archive,
+                   const Progress& progress = {});
 
 } // namespace dubrix

@@ -2,12 +2,15 @@
 
 #include "device/FileTree.h"
 
+#include <condition_variable>
 #include <fcntl.h>
 #include <filesystem>
+#include <mutex>
 #include <set>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <thread>
 
 namespace dubrix {
 
@@ -25,9 +28,7 @@ std::string stagingName(const std::string& uuid) {
 /// The folders of bundles to which the registry leads; nothing when it cannot be read, so that an
 /// unreadable registry never makes every application a leftover.
 std::optional<std::set<std::string>> registeredFolders(const Registry& registry) {
-    const Descriptor folder =
-        openFolderAt(AT_FDCWD, registry.hostPath(Registry::registryPath).native());
-    const auto identifiers = folder.isOpen() ? namesIn(folder.get()) : std::nullopt;
+    Result<std::vector<std::string>> identifiers = registry.names();
     if (!identifiers)
         return std::nullopt;
     const std::string bundles = std::string(Registry::applicationPath) + "/";
@@ -42,6 +43,24 @@ std::optional<std::set<std::string>> registeredFolders(const Registry& registry)
     return folders;
 }
 
+/// Waits for the lock on an open folder; calls `waiting` once when that takes its time.
+bool lock(int folder, const std::function<void()>& waiting) {
+    if (::flock(folder, LOCK_EX | LOCK_NB) == 0)
+        return true;
+    std::mutex mutex;
+    std::condition_variable_any hasLock;
+    const std::jthread notice([&](const std::stop_token& done) {
+        std::unique_lock held(mutex);
+        hasLock.wait_for(held, done, BundleStore::patience, [] { return false; });
+        if (waiting && !done.stop_requested())
+            waiting();
+    });
+    while (::flock(folder, LOCK_EX) != 0)
+        if (errno != EINTR)
+            return false;
+    return true;
+}
+
 } // namespace
 
 BundleStore::BundleStore(const Registry& registry, Descriptor bundle, Descriptor applications)
@@ -49,7 +68,8 @@ BundleStore::BundleStore(const Registry& registry, Descriptor bundle, Descriptor
       bundle_(std::move(bundle)),
       applications_(std::move(applications)) {}
 
-Result<BundleStore> BundleStore::open(const Registry& registry) {
+Result<BundleStore> BundleStore::open(const Registry& registry,
+                                      const std::function<void()>& waiting) {
     for (const std::string_view path : {Registry::applicationPath, Registry::registryPath}) {
         std::error_code error;
         fs::create_directories(registry.hostPath(path), error);
@@ -60,9 +80,8 @@ Result<BundleStore> BundleStore::open(const Registry& registry) {
     Descriptor bundle = openFolderAt(AT_FDCWD, registry.hostPath(path).native());
     if (!bundle.isOpen())
         return systemFailure("cannot open " + path);
-    while (::flock(bundle.get(), LOCK_EX) != 0)
-        if (errno != EINTR)
-            return systemFailure("cannot lock " + path);
+    if (!lock(bundle.get(), waiting))
+        return systemFailure("cannot lock " + path);
     Descriptor applications = openFolderAt(bundle.get(), "Application");
     if (!applications.isOpen())
         return systemFailure("cannot open " + std::string(Registry::applicationPath));
@@ -92,6 +111,25 @@ void BundleStore::discard(const Staging& staging) {
     removeTreeAt(applications_.get(), stagingName(staging.uuid));
 }
 
+Outcome BundleStore::enter(const std::string& identifier, const Staging& staging,
+                           const std::string& folderName) {
+    const std::string path =
+        std::string(Registry::applicationPath) + "/" + staging.uuid + "/" + folderName;
+    // All of the file system at once: each file flushed alone would wait for the disk alone.
+    const auto flushBundle = [this]() -> Outcome {
+        if (::syncfs(bundle_.get()) != 0)
+            return systemFailure("cannot write the application to the disk");
+        return Success{};
+    };
+    Outcome done = registry_.enter(identifier, path, flushBundle);
+    return done ? registry_.flush() : done;
+}
+
+Outcome BundleStore::strike(const std::string& identifier) {
+    Outcome done = registry_.strike(identifier);
+    return done ? registry_.flush() : done;
+}
+
 void BundleStore::sweep(const StepHook& step) {
     const std::vector<std::string> none;
     for (const std::string& name : namesIn(bundle_.get()).value_or(none))
@@ -99,8 +137,18 @@ void BundleStore::sweep(const StepHook& step) {
             ::unlinkat(bundle_.get(), name.c_str(), 0);
 
     const std::optional<std::set<std::string>> registered = registeredFolders(registry_);
+    std::optional<bool> isFlushed;
+    // An installer killed before it could flush them leaves links that are not yet on the disk,
+    // where those before them still lead to what seems to be a leftover.
+    const auto isLeftover = [&](const std::string& name) {
+        if (!registered || !isUuid(name) || registered->contains(name))
+            return false;
+        if (!isFlushed)
+            isFlushed = static_cast<bool>(registry_.flush());
+        return *isFlushed;
+    };
     for (std::string name : namesIn(applications_.get()).value_or(none)) {
-        if (registered && isUuid(name) && !registered->contains(name)) {
+        if (isLeftover(name)) {
             // Aside first: nobody finds half a bundle under a name that was once a whole one.
             const std::string aside = std::string(removalPrefix) + name;
             if (::renameat(applications_.get(), name.c_str(), applications_.get(), aside.c_str()) !=

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "device/BundleUnpacker.h"
-#include "device/Descriptor.h"
 #include "device/Registry.h"
 #include "device/Result.h"
+#include "formats/Descriptor.h"
 
+#include <chrono>
+#include <functional>
 #include <string>
 
 namespace dubrix {
@@ -14,8 +16,11 @@ namespace dubrix {
 class BundleStore {
 public:
     /// Makes the folders when they are missing and waits for the lock, which is held as long as
-    /// the store lives.
-    static Result<BundleStore> open(const Registry& registry);
+    /// the store lives. `waiting` is called, once and by another thread, when the wait has taken
+    /// `patience`.
+    static Result<BundleStore> open(const Registry& registry,
+                                    const std::function<void()>& waiting = {});
+    static constexpr std::chrono::seconds patience{2};
 
     /// A new empty folder, on the same file system as the installed bundles and no part of them.
     struct Staging {
@@ -27,9 +32,18 @@ public:
     Outcome publish(const Staging& staging);
     void discard(const Staging& staging);
 
+    /// Makes the bundle `folderName` of a published folder the one of `identifier`. The bundle is
+    /// on the disk before the registry changes and the change is when this returns, so that a cut
+    /// of power leaves the one before or the new one, whole. A failure of the disk may come after
+    /// the change.
+    Outcome enter(const std::string& identifier, const Staging& staging,
+                  const std::string& folderName);
+    /// Takes the registration away; from the disk, too, when this returns.
+    Outcome strike(const std::string& identifier);
+
     /// Removes what no application owns: staging folders, links that never came into place, bundle
-    /// folders that the registry does not name. Goes on after a failure; what is left, the next
-    /// sweep finds again.
+    /// folders that the registry does not name, and on the disk does not name either. Goes on after
+    /// a failure; what is left, the next sweep finds again.
     void sweep(const StepHook& step);
 
     /// Bytes free for a process without special rights, and the size of the blocks in which they

@@ -1,8 +1,8 @@
 #include "device/BundleUnpacker.h"
 
-#include "device/Descriptor.h"
 #include "device/FileTree.h"
 #include "device/FileUnpacking.h"
+#include "formats/Descriptor.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -29,9 +29,13 @@ struct FileStamp {
         return ::fstat(file, &status) == 0 && status.st_nlink != 0 ? of(status) : FileStamp{};
     }
 
+    bool isSameFile(const FileStamp& other) const {
+        return node != 0 && node == other.node && device == other.device;
+    }
+
     bool operator==(const FileStamp& other) const {
-        return node != 0 && node == other.node && device == other.device && size == other.size &&
-               modified == other.modified && changed == other.changed;
+        return isSameFile(other) && size == other.size && modified == other.modified &&
+               changed == other.changed;
     }
 
     /// The stamp to keep with what was read at `now`: an empty one for a file changed less than

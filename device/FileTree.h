@@ -1,6 +1,6 @@
 #pragma once
 
-#include "device/Descriptor.h"
+#include "formats/Descriptor.h"
 
 #include <filesystem>
 #include <optional>

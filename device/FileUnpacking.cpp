@@ -1,7 +1,7 @@
 #include "device/FileUnpacking.h"
 
-#include "device/Descriptor.h"
 #include "device/FileTree.h"
+#include "formats/Descriptor.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -96,6 +96,10 @@ Outcome FileUnpacking::unpack(const ZipEntry& entry, ZipEntryReader& reader) {
         count(bytes.size());
         return Success{};
     });
+    // The bundle will have to be on the disk before it is registered: the disk may begin while the
+    // rest is unpacked. Small files are better left for the end, when they are many at once.
+    if (done && entry.size >= largeFile)
+        ::sync_file_range(file.get(), 0, 0, SYNC_FILE_RANGE_WRITE);
     // After the writing and past the process's mask, which would take bits away.
     if (done && (::fchmod(file.get(), entry.permissions) != 0 || !file.close()))
         return cannotUnpack(entry);

@@ -25,12 +25,18 @@ std::optional<std::string> InstalledApplications::pathOf(const std::string& iden
 }
 
 std::optional<BundleInfo> InstalledApplications::infoOf(const std::string& identifier) const {
-    const std::optional<std::string> path = links_.pathOf(identifier);
-    if (!path)
-        return std::nullopt;
+    std::optional<std::string> path = links_.pathOf(identifier);
     const std::scoped_lock lock(mutex_);
-    const BundleInfo* const info = asked_.read(registry_.hostPathText(*path));
-    return info ? std::optional(*info) : std::nullopt;
+    // The Info.plist of one that is replaced meanwhile lies elsewhere.
+    for (int tries = 0; path && tries < Registry::mostReplacements; ++tries) {
+        if (const BundleInfo* const info = asked_.read(registry_.hostPathText(*path)))
+            return *info;
+        std::optional<std::string> next = links_.pathOf(identifier);
+        if (next == path)
+            break;
+        path = std::move(next);
+    }
+    return std::nullopt;
 }
 
 } // namespace dubrix

@@ -2,8 +2,12 @@
 
 #include "device/ArchivedBundle.h"
 #include "device/BundleExport.h"
+#include "device/FileStamp.h"
+#include "device/FileTree.h"
+#include "device/Interruption.h"
 #include "device/ZipDirectory.h"
 #include "device/ZipEntryReader.h"
+#include "formats/ReplacementFile.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -51,15 +55,32 @@ Result<LinkTargets> readLinks(const ArchivedBundle& bundle, ZipEntryReader& read
 }
 
 Failure about(const std::string& subject, const Failure& failure) {
-    return Failure{subject + ": " + failure.text};
+    return Failure{subject + ": " + failure.text, failure.isOfAnotherKind};
+}
+
+/// Whether the open file can take an archive.
+Outcome checkEmptyFile(int file) {
+    struct stat status {};
+    const int flags = ::fcntl(file, F_GETFL);
+    if (flags < 0 || ::fstat(file, &status) != 0)
+        return systemFailure("cannot be written");
+    if (!S_ISREG(status.st_mode) || (flags & O_ACCMODE) == O_RDONLY || (flags & O_PATH) != 0 ||
+        status.st_size != 0)
+        return Failure{"cannot be written: not an empty regular file open for writing"};
+    return Success{};
+}
+
+bool makeEmpty(int file) {
+    return ::ftruncate(file, 0) == 0 && ::lseek(file, 0, SEEK_SET) == 0;
 }
 
 } // namespace
 
-Installer::Installer(fs::path root, StepHook step, Progress progress)
+Installer::Installer(fs::path root, StepHook step, Progress progress, std::function<void()> waiting)
     : registry_(std::move(root)),
       step_(step ? std::move(step) : [](std::string_view) {}),
-      progress_(std::move(progress)) {}
+      progress_(std::move(progress)),
+      waiting_(std::move(waiting)) {}
 
 Result<BundleInfo> Installer::install(const fs::path& file) {
     const std::string subject = file.filename().native();
@@ -94,7 +115,7 @@ Result<BundleInfo> Installer::installArchive(int archive) {
 
 Outcome Installer::place(const ArchivedBundle& bundle, const LinkTargets& links,
                          const std::string& identifier, int archive) {
-    Result<BundleStore> store = BundleStore::open(registry_);
+    Result<BundleStore> store = BundleStore::open(registry_, waiting_);
     if (!store)
         return store.failure();
     step_("locked");
@@ -118,8 +139,7 @@ Outcome Installer::place(const ArchivedBundle& bundle, const LinkTargets& links,
         return done;
     }
     step_("bundle in place");
-    done = registry_.enter(identifier, std::string(Registry::applicationPath) + "/" +
-                                           staging->uuid + "/" + bundle.folderName);
+    done = store->enter(identifier, *staging, bundle.folderName);
     step_("registry asked");
     // Whichever bundle the registry does not name is a leftover now: the old one after a success,
     // the new one otherwise.
@@ -138,7 +158,7 @@ Outcome Installer::uninstallApplication(const std::string& identifier) {
         return Failure{"is a system application and cannot be removed"};
     if (!registry_.isInstalled(identifier))
         return Failure{"is not installed"};
-    Result<BundleStore> store = BundleStore::open(registry_);
+    Result<BundleStore> store = BundleStore::open(registry_, waiting_);
     if (!store)
         return store.failure();
     step_("locked");
@@ -147,7 +167,7 @@ Outcome Installer::uninstallApplication(const std::string& identifier) {
     // Asked again: another installer may have been first.
     if (!registry_.isInstalled(identifier))
         return Failure{"is not installed"};
-    if (Outcome done = registry_.strike(identifier); !done)
+    if (Outcome done = store->strike(identifier); !done)
         return done;
     step_("unregistered");
     store->sweep(step_);
@@ -155,25 +175,69 @@ Outcome Installer::uninstallApplication(const std::string& identifier) {
 }
 
 Outcome Installer::exportTo(const std::string& identifier, const fs::path& file) const {
-    const std::optional<std::string> path = registry_.pathOf(identifier);
-    if (!path)
-        return Failure{identifier + ": is not installed"};
-    if (Outcome done = exportBundle(registry_.hostPath(*path), file, progress_); !done)
-        return about(file.filename().native(), done.failure());
+    const std::string name = file.filename().native();
+    std::optional<ReplacementFile> archive = ReplacementFile::make(file, 0666);
+    if (!archive)
+        return systemFailure(name + ": cannot be written");
+    if (Outcome done = pack(identifier, name, archive->descriptor()); !done)
+        return done;
+    if (!archive->putInPlace(Durability::PowerCut))
+        return systemFailure(name + ": cannot be written");
+    // The name, too; a folder that cannot be flushed has nothing to be flushed.
+    const Descriptor folder = openFolderAt(AT_FDCWD, (file.parent_path() / ".").native());
+    if (folder.isOpen())
+        ::fsync(folder.get());
     return Success{};
 }
 
-std::vector<Installer::Application> Installer::list() const {
-    std::vector<Application> applications;
-    for (const std::string& identifier : registry_.identifiers()) {
+Outcome Installer::exportTo(const std::string& identifier, const fs::path& file,
+                            int archive) const {
+    const std::string name = file.filename().native();
+    if (Outcome done = checkEmptyFile(archive); !done)
+        return about(name, done.failure());
+    Outcome done = makeEmpty(archive) ? pack(identifier, name, archive) : systemFailure(name);
+    if (done && ::fsync(archive) != 0)
+        done = systemFailure(name + ": cannot be written");
+    if (!done)
+        makeEmpty(archive);
+    return done;
+}
+
+Outcome Installer::pack(const std::string& identifier, const std::string& fileName,
+                        int archive) const {
+    for (int tries = 0; tries < Registry::mostReplacements; ++tries) {
         const std::optional<std::string> path = registry_.pathOf(identifier);
+        if (!path && registry_.isRegistered(identifier))
+            return Failure{identifier + ": is registered, but leads to no application's folder"};
         if (!path)
-            continue; // removed since
-        const std::optional<BundleInfo> info = BundleInfo::read(registry_.hostPath(*path));
-        applications.push_back({identifier,
-                                info ? info->displayName : fs::path(*path).stem().native(),
-                                info ? info->version.value_or("") : "", *path});
+            return Failure{identifier + ": is not installed"};
+        const Descriptor bundle = registry_.openFolder(*path);
+        if (!bundle.isOpen())
+            return systemFailure(identifier + ": cannot read " + *path);
+        Outcome done =
+            packBundle(bundle.get(), fs::path(*path).filename().native(), archive, progress_);
+        // What is removed is moved aside first: what is in place still has been whole all along.
+        if (FileStamp::of(registry_.openFolder(*path).get())
+                .isSameFile(FileStamp::of(bundle.get())))
+            return done ? done : about(fileName, done.failure());
+        if (Interruption::isAsked() || !makeEmpty(archive))
+            break;
     }
+    return Failure{fileName + ": cannot be written: the application changes all the time"};
+}
+
+Result<std::vector<Installer::Application>> Installer::list() const {
+    Result<std::vector<std::string>> identifiers = registry_.names();
+    if (!identifiers)
+        return identifiers.failure();
+    std::vector<Application> applications;
+    for (const std::string& identifier : *identifiers)
+        if (const std::optional<Registry::Bundle> bundle = registry_.bundleOf(identifier)) {
+            const std::optional<BundleInfo>& info = bundle->info;
+            applications.push_back(
+                {identifier, info ? info->displayName : fs::path(bundle->path).stem().native(),
+                 info ? info->version.value_or("") : "", bundle->path});
+        }
     return applications;
 }
 

@@ -55,7 +55,10 @@ const std::vector<RegisteredBundles::Bundle>& RegisteredBundles::current() {
 void RegisteredBundles::takeNames() {
     std::vector<Bundle> earlier = std::exchange(bundles_, {});
     auto known = earlier.begin();
-    for (std::string& name : registry_.names()) {
+    Result<std::vector<std::string>> names = registry_.names();
+    if (!names)
+        return;
+    for (std::string& name : *names) {
         while (known != earlier.end() && known->identifier < name)
             ++known;
         if (known != earlier.end() && known->identifier == name)
@@ -69,26 +72,33 @@ void RegisteredBundles::takeNames() {
 void RegisteredBundles::update(Bundle& bundle, const Look& look) const {
     if (look.linksChanged || bundle.path.empty())
         follow(bundle);
-    if (bundle.path.empty())
-        return;
+    // The Info.plist of one that is replaced meanwhile lies elsewhere.
+    for (int tries = 0; tries < Registry::mostReplacements && !bundle.path.empty(); ++tries)
+        if (read(bundle, look) || !follow(bundle))
+            break;
+}
+
+bool RegisteredBundles::read(Bundle& bundle, const Look& look) const {
     // Looked at before it is read: a change between the two shows at the next look.
     const FileStamp stamp = FileStamp::of(bundle.file.c_str(), look.applications);
     if (stamp == bundle.stamp)
-        return;
+        return bundle.info.has_value();
     bundle.stamp = stamp.keptAt(look.time, settling_);
     const std::string_view path = bundle.path;
     bundle.info = BundleInfo::readFile(registry_.hostPathText(path) + "/Info.plist",
                                        path.substr(path.rfind('/') + 1));
+    return bundle.info.has_value();
 }
 
-void RegisteredBundles::follow(Bundle& bundle) const {
+bool RegisteredBundles::follow(Bundle& bundle) const {
     const std::string path = registry_.pathOf(bundle.identifier).value_or("");
     if (path == bundle.path)
-        return;
+        return false;
     bundle.file = registry_.pathBelowApplications(path) + "/Info.plist";
     bundle.path = path;
     bundle.info.reset();
     bundle.stamp = {};
+    return true;
 }
 
 } // namespace dubrix

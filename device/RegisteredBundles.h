@@ -44,7 +44,10 @@ private:
     };
     void takeNames();
     void update(Bundle& bundle, const Look& look) const;
-    void follow(Bundle& bundle) const;
+    /// Whether it leads elsewhere than before.
+    bool follow(Bundle& bundle) const;
+    /// Whether the bundle says something of itself.
+    bool read(Bundle& bundle, const Look& look) const;
 
     Registry registry_;
     FileStamp::Time settling_;

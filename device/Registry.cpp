@@ -1,6 +1,7 @@
 #include "device/Registry.h"
 
 #include "device/FileTree.h"
+#include "device/PlainText.h"
 
 #include <algorithm>
 #include <array>
@@ -21,10 +22,24 @@ bool isFolder(const std::string& path) {
     return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-std::vector<std::string> namesBelow(const std::string& path) {
-    const Descriptor folder = openFolderAt(AT_FDCWD, path);
-    return folder.isOpen() ? namesIn(folder.get()).value_or(std::vector<std::string>{})
-                           : std::vector<std::string>{};
+/// Whether `name` can be a link's, and what it says stays one name in paths and on one line.
+bool isName(std::string_view name) {
+    const auto isControl = [](unsigned char byte) { return byte < 0x20 || byte == 0x7f; };
+    return !name.empty() && name.size() <= 255 && name != "." && name != ".." &&
+           name.find('/') == std::string_view::npos &&
+           std::none_of(name.begin(), name.end(), isControl);
+}
+
+/// What follows `folder` and a slash in `path`; empty for a path that does not begin with them.
+std::string_view below(std::string_view folder, std::string_view path) {
+    const bool isBelow = path.starts_with(folder) && path.substr(folder.size()).starts_with('/');
+    return isBelow ? path.substr(folder.size() + 1) : std::string_view{};
+}
+
+bool isBundleName(std::string_view name) {
+    constexpr std::string_view extension = ".app";
+    return name.size() > extension.size() && name.ends_with(extension) && isPlainPath(name) &&
+           name.find('/') == std::string_view::npos;
 }
 
 /// Where a link in the registry's folder leads by its words and not by following it: an absolute
@@ -52,10 +67,16 @@ std::string prefixOf(std::string root) {
 Registry::Registry(const fs::path& root) : root_(prefixOf(root.native())) {}
 
 bool Registry::isUsableIdentifier(std::string_view identifier) {
-    const auto isControl = [](unsigned char byte) { return byte < 0x20 || byte == 0x7f; };
-    return !identifier.empty() && identifier.size() <= 255 && identifier != "." &&
-           identifier != ".." && identifier.find('/') == std::string_view::npos &&
-           std::none_of(identifier.begin(), identifier.end(), isControl);
+    return isName(identifier) && !identifier.starts_with('-') && !actsOnLine(identifier);
+}
+
+bool Registry::isBundlePath(std::string_view devicePath) {
+    const std::string_view place = below(applicationPath, devicePath);
+    const std::size_t slash = place.find('/');
+    // What is being unpacked or removed lies in hidden folders.
+    const bool isApplication = slash != std::string_view::npos && !place.starts_with('.') &&
+                               isPlainPath(place) && isBundleName(place.substr(slash + 1));
+    return isApplication || isBundleName(below(systemPath, devicePath));
 }
 
 bool Registry::isInstalled(const std::string& identifier) const {
@@ -64,29 +85,67 @@ bool Registry::isInstalled(const std::string& identifier) const {
 
 std::optional<std::string> Registry::pathOf(const std::string& identifier) const {
     std::optional<std::string> target = targetOf(identifier);
-    return target && isFolder(hostPathText(*target)) ? target : std::nullopt;
+    // A bundle goes only after its link has changed: where none is, the link may tell of the next.
+    for (int tries = 0; target && tries < mostReplacements; ++tries) {
+        if (isBundleThere(*target))
+            return target;
+        std::optional<std::string> next = targetOf(identifier);
+        if (next == target)
+            break;
+        target = std::move(next);
+    }
+    return std::nullopt;
+}
+
+bool Registry::isBundleThere(const std::string& devicePath) const {
+    const std::string path = hostPathText(devicePath);
+    return isFolder(path.substr(0, path.rfind('/'))) && isFolder(path);
 }
 
 std::optional<BundleInfo> Registry::infoOf(const std::string& identifier) const {
-    const std::optional<std::string> path = pathOf(identifier);
-    return path ? BundleInfo::read(hostPath(*path)) : std::nullopt;
+    const std::optional<Bundle> bundle = bundleOf(identifier);
+    return bundle ? bundle->info : std::nullopt;
 }
 
-std::vector<std::string> Registry::names() const {
-    return namesBelow(hostPathText(registryPath));
+std::optional<Registry::Bundle> Registry::bundleOf(const std::string& identifier) const {
+    std::optional<std::string> path = pathOf(identifier);
+    for (int tries = 0; path && tries < mostReplacements; ++tries) {
+        std::optional<BundleInfo> info = BundleInfo::read(hostPath(*path));
+        std::optional<std::string> next = info ? path : pathOf(identifier);
+        if (next == path)
+            return Bundle{std::move(*path), std::move(info)};
+        path = std::move(next);
+    }
+    return std::nullopt;
+}
+
+Result<std::vector<std::string>> Registry::names() const {
+    const Descriptor folder = openFolderAt(AT_FDCWD, hostPathText(registryPath));
+    if (!folder.isOpen() && errno == ENOENT)
+        return std::vector<std::string>{};
+    std::optional<std::vector<std::string>> names =
+        folder.isOpen() ? namesIn(folder.get()) : std::nullopt;
+    if (!names)
+        return systemFailure("cannot read " + std::string(registryPath));
+    return std::move(*names);
 }
 
 std::vector<std::string> Registry::identifiers() const {
-    std::vector<std::string> names = this->names();
+    Result<std::vector<std::string>> found = this->names();
+    if (!found)
+        return {};
+    std::vector<std::string> names = std::move(*found);
     std::erase_if(names, [this](const std::string& name) { return !isInstalled(name); });
     return names;
 }
 
 std::vector<std::string> Registry::systemBundles() const {
     std::vector<std::string> bundles;
-    for (const std::string& name : namesBelow(hostPathText(systemPath))) {
+    const Descriptor folder = openFolderAt(AT_FDCWD, hostPathText(systemPath));
+    const auto names = folder.isOpen() ? namesIn(folder.get()) : std::nullopt;
+    for (const std::string& name : names.value_or(std::vector<std::string>{})) {
         std::string path = std::string(systemPath) + "/" + name;
-        if (fs::path(name).extension() == ".app" && isFolder(hostPathText(path)))
+        if (isBundlePath(path) && isFolder(hostPathText(path)))
             bundles.push_back(std::move(path));
     }
     return bundles;
@@ -100,17 +159,25 @@ bool Registry::isSystemApplication(const std::string& identifier) const {
     });
 }
 
+bool Registry::isRegistered(const std::string& identifier) const {
+    struct stat status {};
+    return isName(identifier) && ::lstat(linkOf(identifier).c_str(), &status) == 0 &&
+           S_ISLNK(status.st_mode);
+}
+
 std::optional<std::string> Registry::targetOf(const std::string& identifier) const {
-    if (!isUsableIdentifier(identifier))
+    if (!isName(identifier))
         return std::nullopt;
     std::array<char, PATH_MAX> text; // not cleared: this is asked for every number and application
     const ssize_t length = ::readlink(linkOf(identifier).c_str(), text.data(), text.size());
     if (length <= 0)
         return std::nullopt;
-    return targetOfText({text.data(), static_cast<std::size_t>(length)});
+    std::string target = targetOfText({text.data(), static_cast<std::size_t>(length)});
+    return isBundlePath(target) ? std::optional(std::move(target)) : std::nullopt;
 }
 
-Outcome Registry::enter(const std::string& identifier, std::string_view devicePath) const {
+Outcome Registry::enter(const std::string& identifier, std::string_view devicePath,
+                        const std::function<Outcome()>& beforeChange) const {
     if (!isUsableIdentifier(identifier))
         return Failure{"\"" + identifier + "\" cannot be an application's identifier"};
     // Relative, so that it leads to the bundle from inside the device and from outside.
@@ -119,18 +186,34 @@ Outcome Registry::enter(const std::string& identifier, std::string_view devicePa
         hostPathText(bundlePath) + "/" + std::string(temporaryLinkPrefix) + randomUuid();
     if (::symlink(text.c_str(), temporary.c_str()) != 0)
         return systemFailure("cannot register " + identifier);
-    if (::rename(temporary.c_str(), linkOf(identifier).c_str()) != 0) {
-        const Failure failure = systemFailure("cannot register " + identifier);
+    Outcome done = beforeChange ? beforeChange() : Success{};
+    if (done && ::rename(temporary.c_str(), linkOf(identifier).c_str()) != 0)
+        done = systemFailure("cannot register " + identifier);
+    if (!done)
         ::unlink(temporary.c_str());
-        return failure;
-    }
-    return Success{};
+    return done;
 }
 
 Outcome Registry::strike(const std::string& identifier) const {
-    if (!isUsableIdentifier(identifier) || ::unlink(linkOf(identifier).c_str()) != 0)
+    if (!isName(identifier) || ::unlink(linkOf(identifier).c_str()) != 0)
         return systemFailure("cannot unregister " + identifier);
     return Success{};
+}
+
+Outcome Registry::flush() const {
+    const Descriptor links = openFolder(registryPath);
+    // Some file systems have nothing to flush of a folder and say so.
+    if (!links.isOpen() || (::fsync(links.get()) != 0 && errno != EINVAL))
+        return systemFailure("cannot write " + std::string(registryPath) + " to the disk");
+    return Success{};
+}
+
+Descriptor Registry::openFolder(std::string_view devicePath) const {
+    Descriptor folder(::open(hostPathText("/").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    for (const fs::path& name : fs::path(devicePath).relative_path())
+        if (folder.isOpen())
+            folder = openFolderAt(folder.get(), name.native());
+    return folder;
 }
 
 std::string Registry::hostPathText(std::string_view devicePath) const {

@@ -20,13 +20,26 @@ const RegistryLinks::Target* RegistryLinks::installed(const std::string& identif
     auto known = targets_.find(identifier);
     if (known == targets_.end())
         known = targets_.emplace(identifier, read(identifier)).first;
-    const std::optional<Target>& target = known->second;
-    struct stat status {};
-    const bool isThere =
-        target &&
-        ::fstatat(bundles_.get(), target->folder.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-        S_ISDIR(status.st_mode);
-    return isThere ? &*target : nullptr;
+    std::optional<Target>& target = known->second;
+    // A bundle goes only after its link has changed: where none is, the link may tell of the next.
+    for (int tries = 0; target && tries < Registry::mostReplacements; ++tries) {
+        if (isThere(*target))
+            return &*target;
+        std::optional<Target> next = read(identifier);
+        if (next && next->path == target->path)
+            break;
+        target = std::move(next);
+    }
+    return nullptr;
+}
+
+bool RegistryLinks::isThere(const Target& target) const {
+    const auto isFolder = [&](const std::string& path) {
+        struct stat status {};
+        return ::fstatat(bundles_.get(), path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+               S_ISDIR(status.st_mode);
+    };
+    return isFolder(target.folder.substr(0, target.folder.rfind('/'))) && isFolder(target.folder);
 }
 
 void RegistryLinks::forgetChanged() {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "device/Descriptor.h"
 #include "device/FileStamp.h"
 #include "device/Registry.h"
+#include "formats/Descriptor.h"
 
 #include <mutex>
 #include <optional>
@@ -37,6 +37,7 @@ private:
         std::string folder;
     };
     const Target* installed(const std::string& identifier);
+    bool isThere(const Target& target) const;
     void forgetChanged();
     std::optional<Target> read(const std::string& identifier) const;
 

@@ -11,6 +11,8 @@ namespace dubrix {
 /// Why an operation failed, as one line for the user without a final stop.
 struct Failure {
     std::string text;
+    /// Whether what was given is no archive of an application at all, not even a damaged one.
+    bool isOfAnotherKind = false;
 };
 
 /// The failure of a system call, with the reason of `error` (an errno value) in words.

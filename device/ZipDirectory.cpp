@@ -50,7 +50,7 @@ Failure damaged() {
     return Failure{"is damaged"};
 }
 Failure notAnArchive() {
-    return Failure{"is not an archive"};
+    return Failure{"is not an archive", true};
 }
 Failure severalVolumes() {
     return Failure{"is spread over several volumes"};

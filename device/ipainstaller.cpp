@@ -1,7 +1,10 @@
 #include "device/Installer.h"
+#include "device/Interruption.h"
+#include "device/PlainText.h"
 #include "device/ProgressBar.h"
 
-#include <algorithm>
+#include <charconv>
+#include <csignal>
 #include <cstdio>
 #include <optional>
 #include <span>
@@ -12,9 +15,12 @@
 namespace {
 
 using dubrix::Installer;
+using dubrix::Interruption;
+using dubrix::onOneLine;
 
 constexpr int failed = 1;
 constexpr int mistaken = 2;
+constexpr int ofAnotherKind = 3;
 
 constexpr const char* usage =
     "Usage: ipainstaller [--root DIR] COMMAND\n"
@@ -23,13 +29,20 @@ constexpr const char* usage =
     "  -l                        list installed applications: identifier, name, version, path\n"
     "  -u IDENTIFIER             remove an application\n"
     "  -b IDENTIFIER FILE.ipa    save an application as an archive\n"
+    "  --                        what follows are files and identifiers, even \"-l\"\n"
+    "  --descriptor NUMBER       with -b: write the archive into this open file, which must be "
+    "empty;\n"
+    "                            FILE.ipa is what messages call it\n"
     "  --root DIR                work on the device in the folder DIR instead of \"/\"\n"
     "  --progress bar|lines      how far -f and -b are: a bar on a terminal at the standard "
     "error,\n"
     "                            or a line \"progress PERCENT\" at each step on the standard "
     "output;\n"
     "                            several archives are summed up in a last line\n"
-    "  --help                    show this text\n";
+    "  --help                    show this text\n"
+    "\n"
+    "Status: 0 done, 1 failed, 2 wrong command line, 3 the one FILE.ipa is no archive of an\n"
+    "application at all.\n";
 
 struct Request {
     std::string root = "/";
@@ -37,41 +50,60 @@ struct Request {
     std::vector<std::string> arguments;
     /// "bar", "lines", or empty for none.
     std::string progress;
+    std::optional<int> descriptor;
 };
+
+/// The number of a descriptor that is none of the standard streams.
+std::optional<int> descriptorOf(std::string_view word) {
+    int number = -1;
+    const auto [end, error] = std::from_chars(word.begin(), word.end(), number);
+    const bool fits = error == std::errc() && end == word.end() && number > STDERR_FILENO;
+    return fits ? std::optional(number) : std::nullopt;
+}
+
+/// Takes the option at `words[index]`, and its value; false when it is none or lacks its value.
+bool takeOption(Request& request, std::span<char* const> words, std::size_t& index) {
+    const std::string_view option = words[index];
+    const std::string_view value = index + 1 < words.size() ? words[index + 1] : "";
+    if (option == "--root" && !value.empty())
+        request.root = value;
+    else if (option == "--progress" && (value == "bar" || value == "lines"))
+        request.progress = value;
+    else if (option == "--descriptor" && descriptorOf(value))
+        request.descriptor = descriptorOf(value);
+    else
+        return false;
+    ++index;
+    return true;
+}
+
+bool isComplete(const Request& request) {
+    const std::size_t count = request.arguments.size();
+    if (request.descriptor && request.command != "-b")
+        return false;
+    return (request.command == "-f" && count >= 1) || (request.command == "-l" && count == 0) ||
+           (request.command == "-u" && count == 1) || (request.command == "-b" && count == 2);
+}
 
 /// What is asked for; nothing when the command line makes no sense.
 std::optional<Request> parse(std::span<char* const> words) {
     Request request;
+    bool optionsEnded = false;
     for (std::size_t index = 0; index < words.size(); ++index) {
         const std::string word = words[index];
         const bool isCommand = word == "-f" || word == "-l" || word == "-u" || word == "-b";
-        if (word == "--root" && index + 1 < words.size() && *words[index + 1] != '\0')
-            request.root = words[++index];
-        else if (word == "--progress" && index + 1 < words.size() &&
-                 (words[index + 1] == std::string_view("bar") ||
-                  words[index + 1] == std::string_view("lines")))
-            request.progress = words[++index];
-        else if (word == "--help")
-            return Request{"/", word, {}, {}};
-        else if (isCommand && request.command.empty())
+        if (word == "--" && !optionsEnded)
+            optionsEnded = true;
+        else if (word == "--help" && !optionsEnded)
+            return Request{"/", word, {}, {}, {}};
+        else if (isCommand && !optionsEnded && request.command.empty())
             request.command = word;
-        else if (!request.command.empty() && !word.empty() && word[0] != '-')
+        else if (!request.command.empty() && !word.empty() && (optionsEnded || word[0] != '-'))
             request.arguments.push_back(word);
-        else
+        else if (optionsEnded || !takeOption(request, words, index))
             return std::nullopt;
     }
-    const std::size_t count = request.arguments.size();
-    const bool fits =
-        (request.command == "-f" && count >= 1) || (request.command == "-l" && count == 0) ||
-        (request.command == "-u" && count == 1) || (request.command == "-b" && count == 2);
-    return fits ? std::optional(request) : std::nullopt;
-}
-
-/// The text on one line and in one field of it: control characters become blanks.
-std::string onOneLine(std::string text) {
-    const auto isControl = [](unsigned char byte) { return byte < 0x20 || byte == 0x7f; };
-    std::replace_if(text.begin(), text.end(), isControl, ' ');
-    return text;
+    return isComplete(request) ? std::optional(request) : std::nullopt;
 }
 
 /// Shows how far the work on one file after the other is, in the way that was asked for.
@@ -135,6 +167,7 @@ void sumUp(std::size_t installed, const std::vector<std::string>& refused) {
 int installAll(Installer& installer, ProgressReport& progress, const Request& request) {
     const std::vector<std::string>& files = request.arguments;
     std::vector<std::string> refused;
+    bool isOfAnotherKind = false;
     for (std::size_t index = 0; index < files.size(); ++index) {
         const std::string count = files.size() == 1 ? ""
                                                     : std::to_string(index + 1) + " of " +
@@ -146,20 +179,44 @@ int installAll(Installer& installer, ProgressReport& progress, const Request& re
             say("Installed " + *installed->identifier + " (" + installed->displayName + ")");
         } else {
             refused.push_back(fileName(files[index]));
+            isOfAnotherKind = installed.failure().isOfAnotherKind;
             report(installed.failure());
         }
         std::fflush(stdout); // line by line, also into a pipe
     }
     if (!request.progress.empty() && files.size() > 1)
         sumUp(files.size() - refused.size(), refused);
+    if (files.size() == 1 && isOfAnotherKind)
+        return ofAnotherKind;
     return refused.empty() ? 0 : failed;
 }
 
 int list(const Installer& installer) {
-    for (const Installer::Application& application : installer.list())
+    auto applications = installer.list();
+    if (!applications)
+        return report(applications.failure());
+    for (const Installer::Application& application : *applications)
         std::printf("%s\t%s\t%s\t%s\n", onOneLine(application.identifier).c_str(),
                     onOneLine(application.name).c_str(), onOneLine(application.version).c_str(),
                     onOneLine(application.path).c_str());
+    return 0;
+}
+
+int save(const Installer& installer, ProgressReport& progress, const Request& request) {
+    const std::string& identifier = request.arguments[0];
+    const std::string& file = request.arguments[1];
+    // What would be left of the archive is taken away first.
+    Interruption::note();
+    progress.start(fileName(file));
+    auto done = request.descriptor ? installer.exportTo(identifier, file, *request.descriptor)
+                                   : installer.exportTo(identifier, file);
+    progress.clear();
+    if (!done) {
+        report(done.failure());
+        Interruption::follow();
+        return failed;
+    }
+    say("Saved " + identifier + " (" + fileName(file) + ")");
     return 0;
 }
 
@@ -168,33 +225,31 @@ int carryOut(const Request& request) {
     if (!std::filesystem::is_directory(request.root, error))
         return report({request.root + " is not a folder"});
     ProgressReport progress(request.progress);
-    Installer installer(request.root, {}, [&progress](std::uint64_t done, std::uint64_t total) {
-        progress.show(done, total);
-    });
+    Installer installer(
+        request.root, {},
+        [&progress](std::uint64_t done, std::uint64_t total) { progress.show(done, total); },
+        [&progress] {
+            progress.clear();
+            report({"waiting for another installer to finish"});
+        });
     if (request.command == "-f")
         return installAll(installer, progress, request);
     if (request.command == "-l")
         return list(installer);
+    if (request.command == "-b")
+        return save(installer, progress, request);
     const std::string& identifier = request.arguments[0];
-    if (request.command == "-u") {
-        if (auto done = installer.uninstall(identifier); !done)
-            return report(done.failure());
-        say("Removed " + identifier);
-        return 0;
-    }
-    const std::string& file = request.arguments[1];
-    progress.start(fileName(file));
-    auto done = installer.exportTo(identifier, file);
-    progress.clear();
-    if (!done)
+    if (auto done = installer.uninstall(identifier); !done)
         return report(done.failure());
-    say("Saved " + identifier + " (" + fileName(file) + ")");
+    say("Removed " + identifier);
     return 0;
 }
 
 } // namespace
 
 int main(int count, char* words[]) {
+    // A file that may not become so large is a failure like another.
+    std::signal(SIGXFSZ, SIG_IGN);
     const std::optional<Request> request =
         parse(std::span<char* const>(words, static_cast<std::size_t>(count)).subspan(1));
     if (!request) {

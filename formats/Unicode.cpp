@@ -44,15 +44,21 @@ bool isUtf8(std::string_view text) {
     return true;
 }
 
+std::optional<char32_t> takeScalar(std::string_view text, std::size_t& index) {
+    const std::size_t start = index;
+    const char32_t scalar = nextScalar(text, index);
+    if (scalar != invalid)
+        return scalar;
+    index = start + 1;
+    return std::nullopt;
+}
+
 std::string repairedUtf8(std::string_view text) {
     std::string repaired;
     repaired.reserve(text.size());
     for (std::size_t index = 0; index < text.size();) {
-        const std::size_t start = index;
-        const char32_t scalar = nextScalar(text, index);
-        if (scalar == invalid)
-            index = start + 1;
-        appendUtf8(repaired, scalar == invalid || scalar == 0 ? U'\uFFFD' : scalar);
+        const char32_t scalar = takeScalar(text, index).value_or(0);
+        appendUtf8(repaired, scalar == 0 ? U'\uFFFD' : scalar);
     }
     return repaired;
 }

@@ -9,6 +9,10 @@ namespace dubrix {
 /// Whether `text` is UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
 bool isUtf8(std::string_view text);
 
+/// The scalar value at `index`, which moves past it; nothing, and `index` one byte further, where
+/// the bytes are not UTF-8.
+std::optional<char32_t> takeScalar(std::string_view text, std::size_t& index);
+
 /// Appends the UTF-8 form of a Unicode scalar value; false, and nothing appended, for other
 /// numbers.
 bool appendUtf8(std::string& text, char32_t scalar);

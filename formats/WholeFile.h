@@ -1,5 +1,7 @@
 #pragma once
 
+#include "formats/ReplacementFile.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -13,13 +15,15 @@ namespace dubrix {
 std::optional<std::string> readWholeFile(const std::filesystem::path& path,
                                          std::uintmax_t limit = std::uintmax_t{1} << 31);
 
-/// Puts `bytes` at `path` whole or not at all: writes a temporary file in the same folder and
-/// renames it over `path` (no flush to the disk: file systems order the data before a rename that
-/// replaces, and settings are written on every key stroke). A replaced regular file hands its
-/// permission bits on; a new one gets 0644. A symbolic link at `path` is replaced, not followed.
-/// False on any failure, with the old file as it was and no temporary file left. A temporary file
-/// whose writer was killed is swept by the next write in the folder; writers that work at the same
-/// time leave one another's alone.
-bool replaceWholeFile(const std::filesystem::path& path, std::string_view bytes);
+/// Puts `bytes` at `path` whole or not at all. A replaced regular file hands its permission bits
+/// on; a new one gets 0644. A symbolic link at `path` is replaced, not followed. False on any
+/// failure, with the old file as it was. Writers that work at the same time leave one another
+/// alone; what one that was killed has left is swept by the next for the same path (see
+/// ReplacementFile).
+///
+/// With Durability::PowerCut a cut of power may undo the last writes, but tears none.
+/// Durability::Process spares the wait for the disk, for files that are made again anyway.
+bool replaceWholeFile(const std::filesystem::path& path, std::string_view bytes,
+                      Durability durability = Durability::PowerCut);
 
 } // namespace dubrix

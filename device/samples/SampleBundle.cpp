@@ -86,7 +86,7 @@ std::string infoPropertyList(const SampleBundle& sample) {
 bool writeFile(const fs::path& path, const std::string& text, fs::perms permissions) {
     std::error_code error;
     fs::create_directories(path.parent_path(), error);
-    if (error || !replaceWholeFile(path, text))
+    if (error || !replaceWholeFile(path, text, Durability::Process))
         return false;
     fs::permissions(path, permissions, error);
     return !error;

@@ -1,6 +1,6 @@
 #include "platform/linux/FolderSizes.h"
 
-#include "device/Descriptor.h"
+#include "formats/Descriptor.h"
 
 #include <algorithm>
 #include <condition_variable>

@@ -103,7 +103,10 @@ std::optional<std::string> LinuxFileManager::contentsAtPath(const std::string& p
 }
 
 bool LinuxFileManager::writeToFile(const std::string& path, std::string_view bytes) {
-    return staysInPlace(path) && replaceWholeFile(resolve(path), bytes);
+    // A duplicate that was staged when power was cut is made again.
+    const Durability durability =
+        path.starts_with("/tmp/") ? Durability::Process : Durability::PowerCut;
+    return staysInPlace(path) && replaceWholeFile(resolve(path), bytes, durability);
 }
 
 } // namespace dubrix

@@ -1,4 +1,8 @@
+#include "device/Interruption.h"
+#include "formats/WholeFile.h"
 #include "tests/device/DeviceFolder.h"
+
+#include <csignal>
 
 namespace dubrix {
 
@@ -197,6 +201,71 @@ TEST(Installer, AnExportInstallsAgainAsItWas) {
     EXPECT_FALSE(device.installer().exportTo("com.example.none", first));
     for (const auto& entry : fs::directory_iterator(device.folder().path()))
         EXPECT_NE(entry.path().filename().native()[0], '.') << entry.path();
+}
+
+TEST(Installer, AnExportHoldsOneVersionWholeOrLeavesNothing) {
+    const DeviceFolder device;
+    const std::string large(3'000'000, 'l');
+    const auto archiveOf = [&](const std::string& version) {
+        return device.application("com.example.app", version,
+                                  {{"a/" + version, large}, {"b/" + version, large}});
+    };
+    const auto second = archiveOf("2");
+    ASSERT_TRUE(device.installer().install(archiveOf("1")));
+    const fs::path saved = device.folder() / "saved/a.ipa", other = device.folder() / "saved/other";
+    putFile(other, "old");
+    const auto exportWith = [&](const std::function<void()>& meanwhile) {
+        bool done = false;
+        const Installer installer(device.root(), {}, [&](std::uint64_t, std::uint64_t) {
+            if (!std::exchange(done, true))
+                meanwhile();
+        });
+        return static_cast<bool>(installer.exportTo("com.example.app", saved));
+    };
+    // Files are written beside it, and the application is replaced under its hands.
+    EXPECT_TRUE(exportWith([&] {
+        EXPECT_TRUE(replaceWholeFile(other, "new"));
+        EXPECT_TRUE(device.installer().install(second));
+    }));
+    const DeviceFolder another;
+    ASSERT_TRUE(another.installer().install(saved));
+    EXPECT_EQ(another.versionOf("com.example.app"), "2");
+    EXPECT_TRUE(contentsOf(another.installed("com.example.app", "b/2")) == large);
+    EXPECT_FALSE(exportWith([&] { EXPECT_TRUE(device.installer().uninstall("com.example.app")); }));
+
+    ASSERT_TRUE(device.installer().install(second));
+    fs::remove(saved);
+    inChild([&] { return exportWith([] { ::kill(::getpid(), SIGKILL); }); });
+    inChild([&] {
+        Interruption::note();
+        return exportWith([] { ::kill(::getpid(), SIGTERM); });
+    });
+    EXPECT_EQ(std::distance(fs::directory_iterator(saved.parent_path()), {}), 1);
+}
+
+TEST(Installer, AnExportStaysInTheFoldersOfApplications) {
+    const DeviceFolder device;
+    ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1")));
+    const fs::path bundles = device.root() / "var/containers/Bundle";
+    putFile(device.root() / "export/Docs.app/secret", "secret");
+    fs::create_directory_symlink(device.root() / "export", bundles / "Application/linked");
+    const std::string places[] = {"/export/Docs.app", "../../../../export/Docs.app",
+                                  "../Application/linked/Docs.app", "/etc", "../Application"};
+    for (const std::string& place : places) {
+        fs::remove(bundles / "Registry/com.example.nice");
+        fs::create_symlink(place, bundles / "Registry/com.example.nice");
+        const auto result =
+            device.installer().exportTo("com.example.nice", device.folder() / "nice.ipa");
+        ASSERT_FALSE(result) << place;
+        EXPECT_EQ(result.failure().text,
+                  "com.example.nice: is registered, but leads to no application's folder");
+    }
+    // The whole way there is a link.
+    fs::rename(device.root() / "var/containers", device.root() / "export/containers");
+    fs::create_directory_symlink(device.root() / "export/containers",
+                                 device.root() / "var/containers");
+    EXPECT_FALSE(device.installer().exportTo("com.example.app", device.folder() / "nice.ipa"));
+    EXPECT_FALSE(fs::exists(device.folder() / "nice.ipa"));
 }
 
 TEST(Installer, WorksForAnOrdinaryUserToo) {

@@ -1,4 +1,8 @@
+#include "device/RegisteredBundles.h"
+#include "device/RegistryLinks.h"
 #include "tests/device/DeviceFolder.h"
+
+#include <thread>
 
 namespace dubrix {
 
@@ -16,6 +20,13 @@ TEST(Registry, ALinkThatLeadsToAFolderIsAnInstalledApplication) {
     fs::create_directories(registry.hostPath(place));
     fs::create_directory_symlink(registry.hostPath(place), registry.hostPath(place + "/link.app"));
     putFile(registry.hostPath("/file"), "");
+    // What lies elsewhere, or is reached through a link, is no installed application.
+    const fs::path applications = registry.hostPath(Registry::applicationPath);
+    fs::create_directories(device.root() / "export/Docs.app");
+    fs::create_directories(applications / ".installing-1/X.app");
+    fs::create_directories(applications / "1/X.app/Inner.app");
+    fs::create_directories(applications / "1/plain");
+    fs::create_directory_symlink(device.root() / "export", applications / "linked");
     const struct {
         std::string identifier;
         std::string text;
@@ -30,12 +41,21 @@ TEST(Registry, ALinkThatLeadsToAFolderIsAnInstalledApplication) {
         {"com.example.file", "/file", std::nullopt},
         {"com.example.link", "../Application/1/X.app/link.app", std::nullopt},
         {"com.example.outside", "../../../../../device/file", std::nullopt},
+        {"com.example.export", "/export/Docs.app", std::nullopt},
+        {"com.example.linked", "../Application/linked/Docs.app", std::nullopt},
+        {"com.example.climbs", "../Application/../../../../export/Docs.app", std::nullopt},
+        {"com.example.hidden", "../Application/.installing-1/X.app", std::nullopt},
+        {"com.example.inner", "../Application/1/X.app/Inner.app", std::nullopt},
+        {"com.example.plain", "../Application/1/plain", std::nullopt},
+        {"-old", "../Application/1/X.app", place},
+        {"com.example.\u202edirection", "../Application/1/X.app", place},
     };
     std::vector<std::string> installed;
     for (const auto& [identifier, text, path] : cases) {
         fs::create_symlink(text, links / identifier);
         EXPECT_EQ(registry.pathOf(identifier), path) << identifier;
         EXPECT_EQ(registry.isInstalled(identifier), path.has_value()) << identifier;
+        EXPECT_EQ(RegistryLinks(registry).pathOf(identifier), path) << identifier;
         if (path)
             installed.push_back(identifier);
     }
@@ -46,6 +66,33 @@ TEST(Registry, ALinkThatLeadsToAFolderIsAnInstalledApplication) {
           std::string("com.example.folder"), std::string("../Registry/com.example.app"),
           std::string("com.example.app\0", 16), std::string(256, 'a')})
         EXPECT_FALSE(registry.isInstalled(wrong)) << wrong;
+}
+
+TEST(Registry, AnApplicationIsNeverMissedWhileItIsReplaced) {
+    const DeviceFolder device;
+    const Registry registry = device.registry();
+    fs::create_directories(registry.hostPath(Registry::registryPath));
+    const auto pathOf = [](int number) {
+        return std::string(Registry::applicationPath) + "/" + std::to_string(number) + "/X.app";
+    };
+    const auto put = [&](int number) {
+        fs::create_directories(registry.hostPath(pathOf(number)));
+        std::ofstream(registry.hostPath(pathOf(number)) / "Info.plist") << "{CFBundleName = N;}";
+        return static_cast<bool>(registry.enter("com.example.app", pathOf(number)));
+    };
+    ASSERT_TRUE(put(0));
+    const std::jthread replacing([&](const std::stop_token& stop) {
+        for (int number = 1; !stop.stop_requested() && put(number); ++number)
+            fs::remove_all(registry.hostPath(pathOf(number - 1)).parent_path());
+    });
+    RegistryLinks links(registry);
+    RegisteredBundles bundles(registry);
+    for (int round = 0; round < 3000; ++round) {
+        ASSERT_TRUE(registry.infoOf("com.example.app")) << round;
+        ASSERT_TRUE(links.isInstalled("com.example.app")) << round;
+        ASSERT_EQ(bundles.current().size(), 1U);
+        ASSERT_TRUE(bundles.current()[0].info) << round;
+    }
 }
 
 TEST(Registry, EntersRelativeLinksInPlaceOfEarlierOnes) {

@@ -1,14 +1,59 @@
 #include "formats/WholeFile.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <cstddef>
 #include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <sys/file.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace dubrix {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+template<class Work>
+pid_t start(Work work) {
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit(work() ? 0 : 1);
+    return child;
+}
+
+bool endsWell(pid_t child) {
+    int status = -1;
+    return ::waitpid(child, &status, 0) == child && status == 0;
+}
+
+template<class Work>
+bool inChild(Work work) {
+    return endsWell(start(work));
+}
+
+/// From here on this process is on a system that makes no files without a name.
+bool forbidUnnamedFiles() {
+    constexpr unsigned flagsOfOpenat = offsetof(seccomp_data, args) + 2 * sizeof(std::uint64_t);
+    sock_filter steps[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_openat, 0, 3),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, flagsOfOpenat),
+        BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, O_TMPFILE & ~O_DIRECTORY, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EOPNOTSUPP),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog filter{std::size(steps), steps};
+    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
+}
+
+} // namespace
 
 TEST(WholeFile, ReplacesWholeAndKeepsPermissions) {
     const TemporaryFolder folder;
@@ -29,21 +74,49 @@ TEST(WholeFile, AFailureLeavesTheOldFileAndNoLeftovers) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 1);
 }
 
-TEST(WholeFile, TheNextWriteSweepsWhatAKilledWriterLeft) {
-    const TemporaryFolder folder;
-    for (const char* name :
-         {".dubrix-killed", ".dubrix-atwork", ".dubrix-sevenxx", "dubrix-killed"})
-        putFile(folder / name, "half");
-    fs::create_symlink("target", folder / ".dubrix-linked");
-    const int atWork = ::open((folder / ".dubrix-atwork").c_str(), O_RDONLY | O_CLOEXEC);
-    ASSERT_EQ(::flock(atWork, LOCK_EX), 0);
-    EXPECT_TRUE(replaceWholeFile(folder / "a", "new"));
-    ::close(atWork);
-    EXPECT_FALSE(fs::exists(folder / ".dubrix-killed"));
-    for (const char* name : {".dubrix-atwork", ".dubrix-sevenxx", "dubrix-killed"})
-        EXPECT_EQ(contentsOf(folder / name), "half") << name;
-    EXPECT_TRUE(fs::is_symlink(folder / ".dubrix-linked"));
-    EXPECT_EQ(contentsOf(folder / "a"), "new");
+TEST(WholeFile, TheNextWriteSweepsWhatAKilledWriterLeftAndNothingElse) {
+    for (const bool named : {false, true}) {
+        const TemporaryFolder folder;
+        putFile(folder / "a", "old");
+        for (const char* name : {".a.dubrix-0", ".a.dubrix-2", ".dubrix-backup", ".b.dubrix-0"})
+            putFile(folder / name, "half");
+        fs::create_symlink("target", folder / ".a.dubrix-1");
+        const int atWork = ::open((folder / ".a.dubrix-2").c_str(), O_RDONLY | O_CLOEXEC);
+        ASSERT_EQ(::flock(atWork, LOCK_EX), 0);
+        EXPECT_TRUE(inChild([&] {
+            return (!named || forbidUnnamedFiles()) && replaceWholeFile(folder / "a", "new");
+        }));
+        ::close(atWork);
+        EXPECT_FALSE(fs::exists(folder / ".a.dubrix-0"));
+        for (const char* name : {".a.dubrix-2", ".dubrix-backup", ".b.dubrix-0"})
+            EXPECT_EQ(contentsOf(folder / name), "half") << name;
+        EXPECT_TRUE(fs::is_symlink(folder / ".a.dubrix-1"));
+        EXPECT_EQ(contentsOf(folder / "a"), "new");
+    }
+}
+
+TEST(WholeFile, WritersAtTheSameTimeTakeNothingFromOneAnother) {
+    for (const bool named : {false, true}) {
+        const TemporaryFolder folder;
+        const auto write = [&](int writer) {
+            if (named && !forbidUnnamedFiles())
+                return false;
+            const std::string bytes(100, static_cast<char>('a' + writer));
+            for (int round = 0; round < 300; ++round)
+                if (!replaceWholeFile(folder / (round % 2 == 0 ? "shared" : bytes.substr(0, 1)),
+                                      bytes, Durability::Process))
+                    return false;
+            return true;
+        };
+        std::vector<pid_t> writers;
+        for (int writer = 0; writer < 4; ++writer)
+            writers.push_back(start([&] { return write(writer); }));
+        for (const pid_t writer : writers)
+            EXPECT_TRUE(endsWell(writer));
+        const std::string shared = contentsOf(folder / "shared");
+        EXPECT_EQ(shared, std::string(100, shared[0]));
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 5);
+    }
 }
 
 TEST(WholeFile, ALinkIsReplacedNotFollowed) {

@@ -9,10 +9,11 @@ using Contents = ProofDevice::Contents;
 
 /// The system calls that change files or processes, or wait for them: what lies between two of
 /// them leaves nothing different behind.
-const std::string changes = "?rename,?renameat,?renameat2,?unlink,?unlinkat,?rmdir,?mkdir,?mkdirat,"
-                            "?link,?linkat,?symlink,?symlinkat,?write,?pwrite64,?writev,"
-                            "?copy_file_range,?ftruncate,?chmod,?fchmod,?fchmodat,?utimensat,"
-                            "?fork,?vfork,?clone,?clone3,?wait4";
+const std::string changes =
+    "?rename,?renameat,?renameat2,?unlink,?unlinkat,?rmdir,?mkdir,?mkdirat,"
+    "?link,?linkat,?symlink,?symlinkat,?fsync,?syncfs,?write,?pwrite64,?writev,"
+    "?copy_file_range,?ftruncate,?chmod,?fchmod,?fchmodat,?utimensat,"
+    "?fork,?vfork,?clone,?clone3,?wait4";
 
 /// The n-th call of one name.
 struct Point {
@@ -97,7 +98,7 @@ protected:
     static void checkStaged(const ProofDevice& device, const Contents& after) {
         const Contents source = device.bundle(device.source);
         for (const auto& [name, content] : device.staged()) {
-            if (fs::path(name).filename().native().starts_with(".dubrix-"))
+            if (name.find(".dubrix-") != std::string::npos)
                 continue; // for the next run to sweep
             ASSERT_TRUE(source.contains(name)) << name;
             EXPECT_TRUE(content == source.at(name) || content == after.at(name)) << name;

@@ -64,6 +64,19 @@ public:
     }
     Contents staged() const { return contentsBelow(root() / "tmp/Fine App/Payload/X.app"); }
 
+    static Contents contentsBelow(const std::filesystem::path& bundle) {
+        Contents contents;
+        std::error_code error;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(bundle, error)) {
+            std::string& content = contents[entry.path().lexically_relative(bundle).native()];
+            if (entry.is_symlink())
+                content = "-> " + std::filesystem::read_symlink(entry.path()).native();
+            else if (entry.is_regular_file())
+                content = contentsOf(entry.path());
+        }
+        return contents;
+    }
+
     std::filesystem::path settingsPath() const { return root() / (settingsFilePath + 1); }
     /// A folder in which commands are looked for first.
     std::filesystem::path tools() const { return folder() / "tools"; }
@@ -100,19 +113,6 @@ public:
     const std::string duplicate = "com.example.app1";
     const std::string success = "Fine App successfully duplicated.";
     const std::string failure = "Failed to duplicate Fine App.";
-
-    static Contents contentsBelow(const std::filesystem::path& bundle) {
-        Contents contents;
-        std::error_code error;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(bundle, error)) {
-            std::string& content = contents[entry.path().lexically_relative(bundle).native()];
-            if (entry.is_symlink())
-                content = "-> " + std::filesystem::read_symlink(entry.path()).native();
-            else if (entry.is_regular_file())
-                content = contentsOf(entry.path());
-        }
-        return contents;
-    }
 };
 
 } // namespace dubrix

@@ -12,9 +12,9 @@ namespace dubrix {
 /// A fresh folder of its own for one test, removed with everything in it at the end.
 class TemporaryFolder {
 public:
-    TemporaryFolder() {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "dubrix-test-XXXXXX").string();
+    explicit TemporaryFolder(
+        const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+        std::string pattern = (parent / "dubrix-test-XXXXXX").string();
         path_ = ::mkdtemp(pattern.data());
     }
     ~TemporaryFolder() {
