@@ -42,13 +42,15 @@ public:
     /// its own work; any other command with its application, which does not ask what became of it.
     /// Its name, or nothing where the last one has just ended.
     std::optional<std::string> killOne(std::mt19937& random) {
+        // They stand still while one is chosen: that takes longer than much of their work.
+        ::kill(-group.leader(), SIGSTOP);
         const auto members = group.members();
         if (members.empty())
             return std::nullopt;
         const auto& victim = members[random() % members.size()];
         const bool alone = victim.process == group.leader() || victim.program == "ipainstaller";
-        if (::kill(alone ? victim.process : -group.leader(), SIGKILL) != 0)
-            return std::nullopt;
+        ::kill(alone ? victim.process : -group.leader(), SIGKILL);
+        ::kill(-group.leader(), SIGCONT);
         killed = true;
         return victim.program;
     }
