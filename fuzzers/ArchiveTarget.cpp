@@ -17,6 +17,7 @@ struct Place {
         const auto archive = device.application(installedBefore, "1", {{"file", "old"}});
         require(bool(device.installer().install(archive)), "a sound archive is installed");
         fs::remove(archive);
+        before = everything();
     }
     Place(const Place&) = delete;
     Place& operator=(const Place&) = delete;
@@ -28,15 +29,27 @@ struct Place {
         return all;
     }
 
-    std::map<std::string, std::string> everythingBesideBundles() const {
-        auto all = everything();
+    std::map<std::string, std::string> besideBundles(std::map<std::string, std::string> all) const {
         const std::string bundles = device.registry().hostPath(Registry::bundlePath).native() + "/";
         std::erase_if(all, [&](const auto& file) { return file.first.starts_with(bundles); });
         return all;
     }
 
     DeviceFolder device;
+    /// Looked at once: as long as every archive is refused, nothing has changed.
+    std::map<std::string, std::string> before;
 };
+
+/// Whether a link leads to something of the bundle, present or not, or to nothing that there could
+/// be: no file has a name of more than 255 bytes.
+bool leadsInside(const fs::path& link, const fs::path& bundle) {
+    std::error_code error;
+    const auto target = fs::weakly_canonical(link, error).native();
+    if (error != std::errc::filename_too_long)
+        return !error && (target + "/").starts_with(bundle.native() + "/");
+    struct stat status {};
+    return ::stat(link.c_str(), &status) != 0 && errno == ENAMETOOLONG;
+}
 
 /// Bundle-relative name to type, permissions, time and content.
 std::map<std::string, std::string> treeOf(const fs::path& bundle) {
@@ -49,10 +62,7 @@ std::map<std::string, std::string> treeOf(const fs::path& bundle) {
             std::to_string(status.st_mode) + " " + std::to_string(status.st_mtim.tv_sec) + " ";
         if (S_ISLNK(status.st_mode)) {
             content += fs::read_symlink(entry.path()).native();
-            std::error_code circular;
-            const auto target = fs::weakly_canonical(entry.path(), circular).native();
-            require(!circular && (target + "/").starts_with(bundle.native() + "/"),
-                    "no link leads out of its bundle");
+            require(leadsInside(entry.path(), bundle), "no link leads out of its bundle");
             continue;
         }
         require(S_ISDIR(status.st_mode) || S_ISREG(status.st_mode),
@@ -106,15 +116,17 @@ void requireInstalled(Place& place, const std::string& identifier) {
 void tryInput(std::string_view bytes) {
     static auto place = std::make_unique<Place>();
     const auto archive = place->device.archive("tried.ipa", std::string(bytes));
-    const auto before = place->everything();
-    const auto beside = place->everythingBesideBundles();
     auto installed = place->device.installer().install(archive);
+    require(contentsOf(archive) == bytes, "an archive stays as it was");
+    fs::remove(archive);
+    auto after = place->everything();
     if (!installed) {
         require(!installed.failure().text.empty(), "a refusal has a reason");
-        require(place->everything() == before, "a refused archive changes nothing");
+        require(after == place->before, "a refused archive changes nothing");
         return;
     }
-    require(place->everythingBesideBundles() == beside, "nothing but the bundles is touched");
+    require(place->besideBundles(std::move(after)) == place->besideBundles(place->before),
+            "nothing but the bundles is touched");
     requireInstalled(*place, installed->identifier.value_or(""));
     place = std::make_unique<Place>();
 }

@@ -1,7 +1,7 @@
 #include "formats/CrushedPng.h"
 #include "formats/ImageDecoding.h"
 #include "fuzzers/Target.h"
-#include "platform/linux/LinuxMonochromeFilter.h"
+#include "platform/linux/MonochromePng.h"
 #include "platform/linux/PngEncoding.h"
 
 namespace dubrix::fuzz {
@@ -26,7 +26,7 @@ void tryInput(std::string_view bytes) {
         require(image && again && samePixels(*image, *again, 0),
                 "a crushed image in standard form is the same image");
     }
-    const auto tinted = LinuxMonochromeFilter().monochromePng(bytes, 0.2F, 0.6F, 0.9F);
+    const auto tinted = monochromePng(bytes, 0.2F, 0.6F, 0.9F);
     require(tinted.has_value() == image.has_value(), "what can be decoded can be tinted");
     if (!image)
         return;

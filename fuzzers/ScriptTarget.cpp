@@ -43,7 +43,10 @@ std::string quoted(const std::string& text) {
     for (char character : text) {
         if (character == '"' || character == '\\')
             result += '\\';
-        result += character == '\n' ? "\\n" : std::string(1, character);
+        if (character == '\n')
+            result += "\\n";
+        else
+            result += character;
     }
     return result + '"';
 }

@@ -145,7 +145,7 @@ TEST_F(IconTintTest, TheRealFilterLeavesPngFiles) {
 TEST_F(IconTintTest, EveryWayOfMentioningAFileGivesTheSameBytes) {
     LinuxMonochromeFilter real;
     LoadedEngine withFilter(
-        {commands, files, catalogue, catalogue, real, byteCounts, log, downloader, deviceClaim}, alerts);
+        {commands, files, catalogue, catalogue, real, byteCounts, log, downloader, claim}, alerts);
     chooseSource("com.example.app", "Red = \"0.8\"; Green = \"0.2\"; Blue = \"0.4\";");
     RgbaImage white(4, 4);
     std::fill_n(white.bytes.get(), white.pixelCount() * RgbaImage::pixelSize, std::uint8_t{255});

@@ -3,9 +3,8 @@
 #include "engine/SettingsFile.h"
 #include "tests/device/DeviceFolder.h"
 #include "tests/platform/SamplePng.h"
+#include "tests/proof/ProcessGroup.h"
 
-#include <csignal>
-#include <fcntl.h>
 #include <sys/prctl.h>
 
 namespace dubrix {
@@ -37,6 +36,10 @@ public:
     }
 
     void installSource(const std::string& version) const {
+        const auto result = installer().install(sourceArchive(version));
+        ASSERT_TRUE(result) << result.failure().text;
+    }
+    std::filesystem::path sourceArchive(const std::string& version) const {
         PropertyList info = *PropertyList::parse(infoPlist(source, version));
         info.setValueForKey("CFBundleDisplayName", PropertyList::string("Fine App"));
         PropertyList icons = PropertyList::array();
@@ -52,8 +55,7 @@ public:
         items.push_back({"Payload/X.app/large", std::string(200'000, version[0])});
         items.push_back({"Payload/X.app/link", "data/two", S_IFLNK | 0777});
         items.push_back({"Payload/X.app/Info.plist", info.binary()});
-        const auto result = installer().install(archive("source.ipa", zipOf(items)));
-        ASSERT_TRUE(result) << result.failure().text;
+        return archive("source.ipa", zipOf(items));
     }
 
     /// What an installed application's bundle holds, by paths in it; empty when not installed.
@@ -94,31 +96,27 @@ public:
     }
 
     /// Several programs at once.
-    std::vector<Ended> runTogether(std::vector<std::vector<std::string>> programs,
+    std::vector<Ended> runTogether(const std::vector<std::vector<std::string>>& programs,
                                    const std::string& path = "") const {
-        std::vector<pid_t> children;
-        for (std::vector<std::string>& words : programs) {
-            const pid_t child = ::fork();
-            if (child == 0)
-                become(words,
-                       path.empty() ? tools().native() + ":" PROGRAMS ":/usr/bin:/bin" : path,
-                       outputOf(children.size()));
-            children.push_back(child);
-        }
+        std::vector<std::unique_ptr<ProcessGroup>> running;
+        for (const std::vector<std::string>& words : programs)
+            running.push_back(std::make_unique<ProcessGroup>(
+                words, path.empty() ? searchPath() : path, outputOf(running.size())));
         std::vector<Ended> ends;
-        for (const pid_t child : children) {
-            int status = -1;
-            ::waitpid(child, &status, 0);
-            // What commands say stands before it, in lines of their own.
-            const std::string said = contentsOf(outputOf(ends.size()));
-            ends.push_back({WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-                            said.substr(said.rfind('\n') + 1)});
-        }
-        for (const pid_t child : children)
-            ::kill(-child, SIGKILL);
-        while (::waitpid(-1, nullptr, 0) > 0 || errno == EINTR) {
+        for (const auto& program : running) {
+            const int status = program->wait();
+            ends.push_back({status, lastLineOf(outputOf(ends.size()))});
         }
         return ends;
+    }
+
+    /// Where programs look for commands.
+    std::string searchPath() const { return tools().native() + ":" PROGRAMS ":/usr/bin:/bin"; }
+
+    /// What commands say stands before it, in lines of their own.
+    static std::string lastLineOf(const std::filesystem::path& output) {
+        const std::string said = contentsOf(output);
+        return said.substr(said.rfind('\n') + 1);
     }
 
     const std::string source = "com.example.app";
@@ -129,26 +127,6 @@ public:
 private:
     std::filesystem::path outputOf(std::size_t program) const {
         return folder() / ("output" + std::to_string(program));
-    }
-
-    [[noreturn]] static void become(std::vector<std::string>& words, const std::string& path,
-                                    const std::filesystem::path& output) {
-        ::setpgid(0, 0);
-        const int nothing = ::open("/dev/null", O_RDWR);
-        ::dup2(nothing, STDIN_FILENO);
-        ::dup2(::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), STDOUT_FILENO);
-        ::dup2(nothing, STDERR_FILENO);
-        ::setenv("PATH", path.c_str(), 1);
-        ::setenv("ZIPOPT", "-0yq", 1);
-        ::setenv("LC_ALL", "C", 1);
-        // The leak sanitizer does not work below a tracer.
-        ::setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
-        std::vector<char*> arguments;
-        for (std::string& word : words)
-            arguments.push_back(word.data());
-        arguments.push_back(nullptr);
-        ::execvp(arguments[0], arguments.data());
-        ::_exit(127);
     }
 };
 
