@@ -32,7 +32,7 @@ void tryInput(std::string_view bytes) {
         return;
     const auto again = decodePng(*tinted);
     require(again && samePixels(*image, *again, 3), "a tint keeps the size and the alpha");
-    require(LinuxMonochromeFilter().monochromePng(*tinted, 0.2F, 0.6F, 0.9F) == tinted,
+    require(monochromePng(*tinted, 0.2F, 0.6F, 0.9F) == tinted,
             "a tint of a tint is the same file");
     const auto encoded = encodePng(*image);
     const auto decoded = encoded ? decodePng(*encoded) : std::nullopt;
