@@ -23,13 +23,6 @@ bool isFolder(const std::string& path) {
 }
 
 /// Whether `name` can be a link's, and what it says stays one name in paths and on one line.
-bool isName(std::string_view name) {
-    const auto isControl = [](unsigned char byte) { return byte < 0x20 || byte == 0x7f; };
-    return !name.empty() && name.size() <= 255 && name != "." && name != ".." &&
-           name.find('/') == std::string_view::npos &&
-           std::none_of(name.begin(), name.end(), isControl);
-}
-
 /// What follows `folder` and a slash in `path`; empty for a path that does not begin with them.
 std::string_view below(std::string_view folder, std::string_view path) {
     const bool isBelow = path.starts_with(folder) && path.substr(folder.size()).starts_with('/');
@@ -66,8 +59,15 @@ std::string prefixOf(std::string root) {
 
 Registry::Registry(const fs::path& root) : root_(prefixOf(root.native())) {}
 
+bool Registry::mayBeRegistered(std::string_view identifier) {
+    const auto isControl = [](unsigned char byte) { return byte < 0x20 || byte == 0x7f; };
+    return !identifier.empty() && identifier.size() <= 255 && identifier != "." &&
+           identifier != ".." && identifier.find('/') == std::string_view::npos &&
+           std::ranges::none_of(identifier, isControl);
+}
+
 bool Registry::isUsableIdentifier(std::string_view identifier) {
-    return isName(identifier) && !identifier.starts_with('-') && !actsOnLine(identifier);
+    return mayBeRegistered(identifier) && !identifier.starts_with('-') && !actsOnLine(identifier);
 }
 
 bool Registry::isBundlePath(std::string_view devicePath) {
@@ -161,12 +161,12 @@ bool Registry::isSystemApplication(const std::string& identifier) const {
 
 bool Registry::isRegistered(const std::string& identifier) const {
     struct stat status {};
-    return isName(identifier) && ::lstat(linkOf(identifier).c_str(), &status) == 0 &&
+    return mayBeRegistered(identifier) && ::lstat(linkOf(identifier).c_str(), &status) == 0 &&
            S_ISLNK(status.st_mode);
 }
 
 std::optional<std::string> Registry::targetOf(const std::string& identifier) const {
-    if (!isName(identifier))
+    if (!mayBeRegistered(identifier))
         return std::nullopt;
     std::array<char, PATH_MAX> text; // not cleared: this is asked for every number and application
     const ssize_t length = ::readlink(linkOf(identifier).c_str(), text.data(), text.size());
@@ -195,7 +195,7 @@ Outcome Registry::enter(const std::string& identifier, std::string_view devicePa
 }
 
 Outcome Registry::strike(const std::string& identifier) const {
-    if (!isName(identifier) || ::unlink(linkOf(identifier).c_str()) != 0)
+    if (!mayBeRegistered(identifier) || ::unlink(linkOf(identifier).c_str()) != 0)
         return systemFailure("cannot unregister " + identifier);
     return Success{};
 }

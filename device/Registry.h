@@ -32,9 +32,11 @@ public:
 
     /// Whether `identifier` may name an application that is to be installed: 1 to 255 bytes, none
     /// of them '/', that are neither "." nor ".." nor begin like an option, and without what
-    /// `actsOnLine`. What is registered under another name can be looked up and struck all the
-    /// same, as long as it has no ASCII control characters.
+    /// `actsOnLine`.
     static bool isUsableIdentifier(std::string_view identifier);
+    /// Whether it may name one that is there already, and be looked up and struck: the same, however
+    /// it begins, and without ASCII control characters only.
+    static bool mayBeRegistered(std::string_view identifier);
     /// Whether `devicePath` is where bundles lie: applicationPath/FOLDER/NAME.app or
     /// systemPath/NAME.app, where FOLDER is not hidden. Nothing else is ever taken for an installed
     /// application, wherever a link leads.

@@ -47,7 +47,7 @@ void tryRequests(std::string_view bytes, Random& random) {
     std::vector<DeskRequest> allowed = requests;
     for (DeskRequest& request : allowed) {
         const std::string& argument = request.argument;
-        const bool isIdentifier = Registry::isUsableIdentifier(argument);
+        const bool isIdentifier = Registry::mayBeRegistered(argument);
         require((request.verb.empty() && argument.empty()) ||
                     (request.verb == "install" && argument.starts_with('/') &&
                      argument.size() <= RequestReader::longest) ||

@@ -12,7 +12,7 @@ bool fits(std::string_view verb, std::string_view argument) {
     if (verb == "install")
         return argument.starts_with('/');
     if (verb == "remove" || verb == "export")
-        return Registry::isUsableIdentifier(argument);
+        return Registry::mayBeRegistered(argument);
     return verb == "start" && argument.empty();
 }
 
