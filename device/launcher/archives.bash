@@ -29,10 +29,11 @@ pack_folder() {
             "${packing_programs[@]}" --clearenv --setenv PATH /usr/bin:/bin --bind "$work" /packed
             --chdir /packing --new-session -- zip -0qry "/packed/$name" Payload)
     else
-        mkdir -- "$work/Payload" && ln -s -- "$folder" "$work/Payload/$name" || return
+        mkdir -- "$work/Payload" || return
+        # shellcheck disable=SC2016 # the other shell's
         line=("$confine" --bare --device "$device" "--${asked}folder" "$folder" . --
-            bash -c 'cd -- "$1" && rm Payload/"$2" && cp -a -- "$3" Payload/ &&
-                exec zip -0qry "./$2" Payload' - "$work" "$name" "$folder")
+            bash -c 'cp -a -- "$1" "$2/Payload/" && cd -- "$2" && exec zip -0qry "./$3" Payload'
+            - "$folder" "$work" "$name")
     fi
     run_child "${line[@]}"
     local status=$?

@@ -29,7 +29,8 @@ open_device() {
 require_own_device() {
     [[ -O $device ]] || fail "$device belongs to another user"
     [[ $(stat -c %a -- "$device") != 700 ]] || return 0
-    chmod 700 -- "$device" && [[ $(stat -c %a -- "$device") == 700 ]] ||
+    chmod 700 -- "$device"
+    [[ $(stat -c %a -- "$device") == 700 ]] ||
         fail "$device cannot be closed to other users"
     say "$device was open to other users and is closed to them now"
 }
