@@ -110,7 +110,7 @@ void attackKernel() {
     refused("io_uring_setup", ENOSYS, SYS_io_uring_setup, 1, nullptr);
     refused("openat2", ENOSYS, SYS_openat2, AT_FDCWD, "/tmp", nullptr, 0);
     refused("clone3", ENOSYS, SYS_clone3, nullptr, 0);
-    refused("a call of tomorrow", ENOSYS, 999);
+    refused("a call of tomorrow", ENOSYS, 500);
 }
 
 void attackNamespaces() {
