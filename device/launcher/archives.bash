@@ -50,7 +50,7 @@ install_archives() {
     local -A taken=()
     for file; do
         packed=$file
-        if [[ $file == *.app || $file == *.app/ || -d $file ]]; then
+        if [[ -d $file || (-n $asked && $file =~ \.app/*$) ]]; then
             pack_folder "$file"
             status=$?
             ((status != 66)) || [[ -z $asked ]] || return 66
