@@ -16,9 +16,9 @@ int main(int argumentCount, char** arguments) {
         std::fprintf(stderr, "tint-file: cannot read %s\n", arguments[1]);
         return 1;
     }
-    const auto tinted = dubrix::monochromePng(
-        *image, std::strtof(arguments[3], nullptr), std::strtof(arguments[4], nullptr),
-        std::strtof(arguments[5], nullptr));
+    const auto tinted = dubrix::monochromePng(*image, std::strtof(arguments[3], nullptr),
+                                              std::strtof(arguments[4], nullptr),
+                                              std::strtof(arguments[5], nullptr));
     if (!tinted || !dubrix::replaceWholeFile(arguments[2], *tinted, dubrix::Durability::Process)) {
         std::fprintf(stderr, "tint-file: %s\n", tinted ? "cannot write" : "not a sound image");
         return 1;

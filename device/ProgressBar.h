@@ -21,7 +21,8 @@ public:
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
-    /// Begins with new work, of which `percent` is done. `title` is UTF-8 without control characters.
+    /// Begins with new work, of which `percent` is done. `title` is UTF-8 without control
+    /// characters.
     void start(std::string title, unsigned percent = 0);
     /// `done` of `total`; of nothing, all is done.
     void show(std::uint64_t done, std::uint64_t total);

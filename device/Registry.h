@@ -34,8 +34,8 @@ public:
     /// of them '/', that are neither "." nor ".." nor begin like an option, and without what
     /// `actsOnLine`.
     static bool isUsableIdentifier(std::string_view identifier);
-    /// Whether it may name one that is there already, and be looked up and struck: the same, however
-    /// it begins, and without ASCII control characters only.
+    /// Whether it may name one that is there already, and be looked up and struck: the same,
+    /// however it begins, and without ASCII control characters only.
     static bool mayBeRegistered(std::string_view identifier);
     /// Whether `devicePath` is where bundles lie: applicationPath/FOLDER/NAME.app or
     /// systemPath/NAME.app, where FOLDER is not hidden. Nothing else is ever taken for an installed

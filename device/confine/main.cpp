@@ -1,12 +1,9 @@
 // Runs a command where it sees the device and nothing of the desktop: what bubblewrap cannot do by
 // itself is done here, on the desktop's side, before and around it.
 
-#include "device/confine/GivenFile.h"
 #include "device/confine/NamespaceTrial.h"
 #include "device/confine/ProcessCount.h"
-#include "device/confine/ResultFile.h"
-#include "device/confine/Streams.h"
-#include "device/confine/SystemCallFilter.h"
+#include "device/confine/Request.h"
 
 #include "device/FileTree.h"
 
@@ -27,28 +24,6 @@ namespace {
 
 using namespace dubrix;
 
-constexpr const char* usage =
-    "Usage: confine [OPTION...] -- [BUBBLEWRAP-OPTION... --] COMMAND [ARGUMENT...]\n"
-    "       confine --why-not\n"
-    "\n"
-    "  --bare                   without a namespace; no bubblewrap options then\n"
-    "  --web-pages              for a command that makes namespaces for web pages\n"
-    "  --keep NUMBER            leave this descriptor open; may be repeated\n"
-    "  --input                  pass the standard input on\n"
-    "  --output WAY             visible, shell or progress\n"
-    "  --terminal               leave the standard streams and the terminal to the command\n"
-    "  --device DIR             the device's folder, for --asked-archive and --asked-folder\n"
-    "  --archive FILE PLACE     show the file on the device, read-only\n"
-    "  --folder DIR PLACE       the same for a folder\n"
-    "  --asked-archive FILE PLACE, --asked-folder DIR PLACE\n"
-    "                           the same where a window asks for it; ends with 66 when refused\n"
-    "  --result FILE            what the command writes to descriptor 10 becomes this file\n"
-    "  --new-result FILE        the same under a name that is free; prints it\n"
-    "  --why-not                why no namespace can be made: ends with 0 when the system forbids "
-    "it\n"
-    "                           for good\n";
-
-constexpr int mistaken = 2;
 constexpr int refused = 66;
 constexpr int cannotStart = 71;
 constexpr int notFound = 127;
@@ -68,102 +43,9 @@ constexpr int manyTries = 3;
 constexpr int graceInNamespace = 5000;
 constexpr int graceWithout = 0;
 
-struct Shared {
-    std::string path;
-    std::string place;
-    Given kind;
-    bool asked;
-};
-
-struct Request {
-    bool bare = false;
-    bool terminal = false;
-    bool input = false;
-    Confined whom = Confined::Command;
-    Shown shown = Shown::Visible;
-    std::vector<int> kept;
-    std::string device;
-    std::vector<Shared> shared;
-    std::string result;
-    ResultFile::Existing existing = ResultFile::Existing::Replaced;
-    std::vector<std::string> namespaceOptions;
-    std::vector<std::string> command;
-};
-
 [[noreturn]] void end(int status, const std::string& text) {
     std::fprintf(stderr, "dubrix: %s\n", text.c_str());
     std::exit(status);
-}
-
-/// Goes through the words of the command line.
-class Words {
-public:
-    explicit Words(std::span<char* const> words) : left_(words) {}
-    bool done() const { return left_.empty(); }
-    std::string next() {
-        if (left_.empty())
-            end(mistaken, std::string("confine lacks an argument\n\n") + usage);
-        const std::string word = left_.front();
-        left_ = left_.subspan(1);
-        return word;
-    }
-
-private:
-    std::span<char* const> left_;
-};
-
-Shown shownAs(const std::string& way) {
-    if (way == "visible")
-        return Shown::Visible;
-    if (way == "shell")
-        return Shown::VisibleOnTerminal;
-    if (way == "progress")
-        return Shown::Progress;
-    end(mistaken, "confine knows no output " + way);
-}
-
-void takeOption(Request& request, const std::string& option, Words& words) {
-    const auto share = [&request, &words](Given kind, bool asked) {
-        const std::string path = words.next();
-        request.shared.push_back({path, words.next(), kind, asked});
-    };
-    if (option == "--bare")
-        request.bare = true;
-    else if (option == "--terminal")
-        request.terminal = true;
-    else if (option == "--input")
-        request.input = true;
-    else if (option == "--web-pages")
-        request.whom = Confined::WebPages;
-    else if (option == "--output")
-        request.shown = shownAs(words.next());
-    else if (option == "--keep")
-        request.kept.push_back(std::atoi(words.next().c_str()));
-    else if (option == "--device")
-        request.device = words.next();
-    else if (option == "--archive" || option == "--asked-archive")
-        share(Given::Archive, option == "--asked-archive");
-    else if (option == "--folder" || option == "--asked-folder")
-        share(Given::Folder, option == "--asked-folder");
-    else if (option == "--result" || option == "--new-result") {
-        request.result = words.next();
-        if (option == "--new-result")
-            request.existing = ResultFile::Existing::Kept;
-    } else
-        end(mistaken, "confine knows no option " + option + "\n\n" + usage);
-}
-
-Request parse(Words words) {
-    Request request;
-    for (std::string word = words.next(); word != "--"; word = words.next())
-        takeOption(request, word, words);
-    if (!request.bare)
-        for (std::string word = words.next(); word != "--"; word = words.next())
-            request.namespaceOptions.push_back(word);
-    request.command.push_back(words.next());
-    while (!words.done())
-        request.command.push_back(words.next());
-    return request;
 }
 
 /// What was open before is nobody's business on the device.
@@ -344,7 +226,7 @@ int main(int count, char* words[]) {
         return whyNot();
     // Nothing of this outlives the launcher.
     ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-    const Request request = parse(Words(given));
+    const Request request = parseRequest(given);
     closeAllBut(request.kept);
     // The person's keys stay where they are. Where the kernel has no keyrings, there is nothing.
     ::syscall(SYS_keyctl, KEYCTL_JOIN_SESSION_KEYRING, nullptr);

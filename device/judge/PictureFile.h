@@ -1,7 +1,7 @@
 #pragma once
 
-#include "formats/Descriptor.h"
 #include "device/judge/Pictures.h"
+#include "formats/Descriptor.h"
 
 namespace dubrix {
 
