@@ -23,10 +23,14 @@ bool changesDirection(char32_t symbol) {
 bool takeActing(std::string_view text, std::size_t& index) {
     const auto byte = static_cast<unsigned char>(text[index]);
     const char32_t symbol = takeScalar(text, index).value_or(byte);
-    return isControl(symbol) || separatesLines(symbol) || changesDirection(symbol);
+    return actsOnLine(symbol);
 }
 
 } // namespace
+
+bool actsOnLine(char32_t symbol) {
+    return isControl(symbol) || separatesLines(symbol) || changesDirection(symbol);
+}
 
 bool actsOnLine(std::string_view text) {
     for (std::size_t index = 0; index < text.size();)

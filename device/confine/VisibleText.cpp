@@ -1,8 +1,10 @@
 #include "device/confine/VisibleText.h"
 
+#include "device/PlainText.h"
+#include "formats/Unicode.h"
+
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <optional>
 #include <utility>
@@ -61,31 +63,12 @@ std::optional<std::size_t> letterAt(std::string_view bytes) {
     return size;
 }
 
-std::uint32_t codeOf(std::string_view letter) {
-    const auto first = static_cast<unsigned char>(letter[0]);
-    if (letter.size() == 1)
-        return first;
-    std::uint32_t code = first & (0x7fU >> letter.size());
-    for (const char next : letter.substr(1))
-        code = code << 6 | (static_cast<unsigned char>(next) & 0x3fU);
-    return code;
-}
-
-bool isBetween(std::uint32_t code, std::uint32_t first, std::uint32_t last) {
-    return code >= first && code <= last;
-}
-
-bool commands(std::uint32_t code) {
-    return (code < 0x20 && code != '\n' && code != '\t') || isBetween(code, 0x7f, 0x9f) ||
-           code == 0x61c || isBetween(code, 0x200e, 0x200f) || isBetween(code, 0x2028, 0x202e) ||
-           isBetween(code, 0x2066, 0x2069);
-}
-
 std::string shown(std::string_view letter) {
-    const std::uint32_t code = codeOf(letter);
-    if (!commands(code))
+    std::size_t index = 0;
+    const char32_t symbol = takeScalar(letter, index).value_or(0);
+    if (symbol == '\n' || symbol == '\t' || !actsOnLine(symbol))
         return std::string(letter);
-    return spelt(letter.size() == 1 ? "\\x%02x" : "\\u%04x", code);
+    return spelt(letter.size() == 1 ? "\\x%02x" : "\\u%04x", symbol);
 }
 
 } // namespace
