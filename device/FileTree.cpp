@@ -91,6 +91,11 @@ bool writeAll(int descriptor, std::string_view bytes) {
     return true;
 }
 
+bool writeInto(const std::string& path, std::string_view bytes) {
+    const Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    return file.isOpen() && writeAll(file.get(), bytes);
+}
+
 std::string randomUuid() {
     static constexpr std::string_view digits = "0123456789ABCDEF";
     std::random_device random;

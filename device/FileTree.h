@@ -28,6 +28,8 @@ bool isPlainPath(std::string_view path);
 
 /// Writes all of `bytes`; false (with errno) when that is not possible.
 bool writeAll(int descriptor, std::string_view bytes);
+/// The same into a file that is there, such as the kernel's own.
+bool writeInto(const std::string& path, std::string_view bytes);
 
 /// A new random identifier in the usual form of 36 upper-case characters.
 std::string randomUuid();

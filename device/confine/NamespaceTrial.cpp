@@ -16,11 +16,6 @@ namespace dubrix {
 
 namespace {
 
-bool put(const char* file, const std::string& text) {
-    const Descriptor descriptor(::open(file, O_WRONLY | O_CLOEXEC));
-    return descriptor.isOpen() && writeAll(descriptor.get(), text);
-}
-
 /// Waits for a child; the error number that it ended with.
 int errorOf(pid_t child) {
     if (child < 0)
@@ -46,9 +41,9 @@ int enterNamespaces() {
     if (::unshare(user == 0 ? kinds : kinds | CLONE_NEWUSER) != 0)
         return errno;
     const auto itself = [](unsigned number) { return "0 " + std::to_string(number) + " 1\n"; };
-    if (user != 0 &&
-        (!put("/proc/self/uid_map", itself(user)) || !put("/proc/self/setgroups", "deny") ||
-         !put("/proc/self/gid_map", itself(group))))
+    if (user != 0 && (!writeInto("/proc/self/uid_map", itself(user)) ||
+                      !writeInto("/proc/self/setgroups", "deny") ||
+                      !writeInto("/proc/self/gid_map", itself(group))))
         return errno;
     const pid_t first = ::fork();
     if (first == 0)

@@ -21,11 +21,6 @@ constexpr int manyTries = 20;
 constexpr useconds_t pause = 5000;
 const std::string hierarchies = "/sys/fs/cgroup";
 
-bool put(const std::string& file, const std::string& text) {
-    const Descriptor descriptor(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
-    return descriptor.isOpen() && writeAll(descriptor.get(), text);
-}
-
 /// Folders below which a group with the controller "pids" may be made: of the first kind of
 /// control groups below our own group, of the second beside it, as a group that holds processes
 /// hands no controllers on.
@@ -84,7 +79,7 @@ bool ProcessCount::bound(unsigned most) {
         return false;
     lock_ = openGroup(group);
     // Another launcher may sweep the group in this moment.
-    if (!lock(lock_) || !put(group + "/pids.max", std::to_string(most))) {
+    if (!lock(lock_) || !writeInto(group + "/pids.max", std::to_string(most))) {
         ::rmdir(group.c_str());
         return false;
     }
@@ -93,7 +88,7 @@ bool ProcessCount::bound(unsigned most) {
 }
 
 bool ProcessCount::join() const {
-    return group_.empty() || put(group_ + "/cgroup.procs", "0");
+    return group_.empty() || writeInto(group_ + "/cgroup.procs", "0");
 }
 
 } // namespace dubrix
