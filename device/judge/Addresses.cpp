@@ -21,14 +21,6 @@ bool mayStand(char byte) {
     return isLetterOrDigit(byte) || marks.find(byte) != std::string_view::npos;
 }
 
-std::string lowerCase(std::string_view text) {
-    std::string result(text);
-    for (char& letter : result)
-        if (letter >= 'A' && letter <= 'Z')
-            letter = static_cast<char>(letter - 'A' + 'a');
-    return result;
-}
-
 /// Nothing where a "%" is not followed by two digits.
 std::optional<std::string> decoded(std::string_view text) {
     std::string result;
@@ -104,6 +96,14 @@ bool isPage(std::string_view rest) {
 }
 
 } // namespace
+
+std::string lowerCase(std::string_view text) {
+    std::string result(text);
+    for (char& letter : result)
+        if (letter >= 'A' && letter <= 'Z')
+            letter = static_cast<char>(letter - 'A' + 'a');
+    return result;
+}
 
 bool mayBeOpened(std::string_view address) {
     const std::size_t colon = address.find(':');

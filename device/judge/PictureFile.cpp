@@ -19,7 +19,7 @@ std::string PictureFile::begin(const std::string& name) {
         return std::strerror(EISDIR);
     target_ = name;
     problem_.clear();
-    // Of the kind that whoever else writes there sweeps, unless it is locked.
+    // Locked as long as it is written, as whatever is written aside is.
     temporary_ = std::filesystem::path(name).parent_path() / ".dubrix-XXXXXX";
     file_ = Descriptor(::mkostemp(temporary_.data(), O_CLOEXEC));
     if (!file_.isOpen()) {

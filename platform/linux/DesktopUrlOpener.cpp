@@ -9,18 +9,6 @@
 
 namespace dubrix {
 
-namespace {
-
-std::string lowerCase(std::string_view text) {
-    std::string result(text);
-    for (char& letter : result)
-        if (letter >= 'A' && letter <= 'Z')
-            letter = static_cast<char>(letter - 'A' + 'a');
-    return result;
-}
-
-} // namespace
-
 bool DesktopUrlOpener::canOpenURL(const std::string& address) const {
     const std::size_t colon = address.find(':');
     if (colon == std::string::npos || colon == 0)
