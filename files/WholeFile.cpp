@@ -1,6 +1,6 @@
-#include "formats/WholeFile.h"
+#include "files/WholeFile.h"
 
-#include "formats/Descriptor.h"
+#include "files/Descriptor.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -10,20 +10,8 @@ namespace dubrix {
 
 namespace {
 
-bool writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
-
 mode_t permissionsFor(const std::string& path) {
-    struct stat status {};
+    struct stat status{};
     if (::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode))
         return status.st_mode & 07777;
     return 0644;
@@ -34,7 +22,7 @@ mode_t permissionsFor(const std::string& path) {
 std::optional<std::string> readWholeFile(const std::filesystem::path& path, std::uintmax_t limit) {
     // Not blocking: opening a named pipe must not wait for a writer.
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status {};
+    struct stat status{};
     if (!file.isOpen() || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return std::nullopt;
     if (static_cast<std::uintmax_t>(status.st_size) > limit)
@@ -53,6 +41,11 @@ std::optional<std::string> readWholeFile(const std::filesystem::path& path, std:
     }
     bytes.resize(filled);
     return bytes;
+}
+
+bool writeInto(const std::string& path, std::string_view bytes) {
+    const Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    return file.isOpen() && writeAll(file.get(), bytes);
 }
 
 bool replaceWholeFile(const std::filesystem::path& path, std::string_view bytes,

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
 #include <unistd.h>
 #include <utility>
 
@@ -30,5 +33,17 @@ public:
 private:
     int number_ = -1;
 };
+
+/// Writes all of `bytes`; false, with errno, when that is not possible.
+bool writeAll(int descriptor, std::string_view bytes);
+
+/// The same at `offset` of an open file.
+bool writeAllAt(int file, std::string_view bytes, std::uint64_t offset);
+
+/// Reads `size` bytes at `offset` of an open file; false when there are not as many.
+bool readExactly(int file, std::uint64_t offset, char* bytes, std::size_t size);
+
+/// Whether two descriptors lead to one file; false when either leads nowhere.
+bool isSameFile(int one, int other);
 
 } // namespace dubrix

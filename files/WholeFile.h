@@ -1,6 +1,6 @@
 #pragma once
 
-#include "formats/ReplacementFile.h"
+#include "files/ReplacementFile.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -25,5 +25,8 @@ std::optional<std::string> readWholeFile(const std::filesystem::path& path,
 /// Durability::Process spares the wait for the disk, for files that are made again anyway.
 bool replaceWholeFile(const std::filesystem::path& path, std::string_view bytes,
                       Durability durability = Durability::PowerCut);
+
+/// Writes into a file that is there, such as one of the kernel's.
+bool writeInto(const std::string& path, std::string_view bytes);
 
 } // namespace dubrix

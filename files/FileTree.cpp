@@ -1,4 +1,4 @@
-#include "device/FileTree.h"
+#include "files/FileTree.h"
 
 #include <algorithm>
 #include <array>
@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
+#include <fts.h>
 #include <memory>
 #include <random>
 #include <sys/stat.h>
@@ -51,11 +52,13 @@ std::optional<std::vector<std::string>> namesIn(int folder) {
 }
 
 bool removeTreeAt(int parent, const std::string& name) {
-    struct stat status {};
-    if (::fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+    // Most are files: whether this is one is asked of the removal itself.
+    if (::unlinkat(parent, name.c_str(), 0) == 0 || errno == ENOENT)
+        return true;
+    struct stat status{};
+    if (::fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 ||
+        !S_ISDIR(status.st_mode))
         return errno == ENOENT;
-    if (!S_ISDIR(status.st_mode))
-        return ::unlinkat(parent, name.c_str(), 0) == 0;
     if ((status.st_mode & S_IRWXU) != S_IRWXU)
         ::fchmodat(parent, name.c_str(), S_IRWXU, 0);
     {
@@ -79,21 +82,21 @@ bool isPlainPath(std::string_view path) {
     }
 }
 
-bool writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
+std::vector<std::int64_t> sizesBelow(const std::string& folder) {
+    std::string root = folder;
+    char* const roots[] = {root.data(), nullptr};
+    std::vector<std::int64_t> sizes;
+    // Without changing the folder of the process, which other threads share.
+    const std::unique_ptr<FTS, int (*)(FTS*)> walk(
+        ::fts_open(roots, FTS_PHYSICAL | FTS_COMFOLLOW | FTS_NOCHDIR, nullptr), ::fts_close);
+    while (const FTSENT* const entry = walk ? ::fts_read(walk.get()) : nullptr) {
+        // A folder comes again when it has been walked, or cannot be.
+        const bool isFirst = entry->fts_info != FTS_DP && entry->fts_info != FTS_DNR;
+        const bool isRead = entry->fts_info != FTS_NS && entry->fts_info != FTS_ERR;
+        if (entry->fts_level > FTS_ROOTLEVEL && isFirst && isRead)
+            sizes.push_back(entry->fts_statp->st_size);
     }
-    return true;
-}
-
-bool writeInto(const std::string& path, std::string_view bytes) {
-    const Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
-    return file.isOpen() && writeAll(file.get(), bytes);
+    return sizes;
 }
 
 std::string randomUuid() {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "formats/Descriptor.h"
+#include "files/Descriptor.h"
 
-#include <filesystem>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,10 +26,10 @@ bool removeTreeAt(int parent, const std::string& name);
 /// at an end.
 bool isPlainPath(std::string_view path);
 
-/// Writes all of `bytes`; false (with errno) when that is not possible.
-bool writeAll(int descriptor, std::string_view bytes);
-/// The same into a file that is there, such as the kernel's own.
-bool writeInto(const std::string& path, std::string_view bytes);
+/// The size in bytes of every entry below `folder`, recursively and in no order: what the file
+/// system gives for the entry itself, folders included. Links below it are measured and not
+/// followed. What cannot be read is left out.
+std::vector<std::int64_t> sizesBelow(const std::string& folder);
 
 /// A new random identifier in the usual form of 36 upper-case characters.
 std::string randomUuid();
