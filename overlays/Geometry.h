@@ -24,14 +24,4 @@ struct Rect {
     bool operator==(const Rect&) const = default;
 };
 
-/// Components and opacity from 0 to 1, not premultiplied.
-struct Color {
-    double red = 0;
-    double green = 0;
-    double blue = 0;
-    double alpha = 0;
-
-    bool operator==(const Color&) const = default;
-};
-
 } // namespace dubrix

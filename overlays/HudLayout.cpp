@@ -7,11 +7,11 @@ namespace dubrix {
 
 namespace {
 
-constexpr double kSmallestBox = 100;
-constexpr double kHeightAroundText = 80;
-constexpr double kLabelMargin = 12;
-constexpr double kLabelTop = 66;
-constexpr double kMarkAboveText = 36; ///< centre of the spinner and of the image
+constexpr double smallestBox = 100;
+constexpr double heightAroundText = 80;
+constexpr double labelMargin = 12;
+constexpr double labelTop = 66;
+constexpr double markAboveText = 36; ///< centre of the spinner and of the image
 
 bool isLandscape(Orientation orientation) {
     return orientation == Orientation::LandscapeLeft || orientation == Orientation::LandscapeRight;
@@ -21,19 +21,19 @@ bool isLandscape(Orientation orientation) {
 
 HudLayout layoutAround(const std::optional<Size>& text) {
     if (!text)
-        return {.box = {kSmallestBox, kSmallestBox},
+        return {.box = {smallestBox, smallestBox},
                 .label = {},
-                .mark = {kSmallestBox / 2, kSmallestBox / 2}};
-    const double padded = text->width + 2 * kLabelMargin;
-    const double width = std::max(padded, kSmallestBox);
-    Rect label{{kLabelMargin, kLabelTop}, *text};
-    if (padded < kSmallestBox) {
+                .mark = {smallestBox / 2, smallestBox / 2}};
+    const double padded = text->width + 2 * labelMargin;
+    const double width = std::max(padded, smallestBox);
+    Rect label{{labelMargin, labelTop}, *text};
+    if (padded < smallestBox) {
         label.origin.x = 0;
-        label.size.width = kSmallestBox;
+        label.size.width = smallestBox;
     }
-    return {.box = {width, text->height + kHeightAroundText},
+    return {.box = {width, text->height + heightAroundText},
             .label = label,
-            .mark = {width / 2, kMarkAboveText}};
+            .mark = {width / 2, markAboveText}};
 }
 
 double keyboardHeightAfter(const OverlayNotification& notification, Orientation orientation) {

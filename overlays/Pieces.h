@@ -1,5 +1,6 @@
 #pragma once
 
+#include "overlays/Color.h"
 #include "overlays/Geometry.h"
 
 #include <optional>

@@ -2,37 +2,55 @@
 
 #include "overlays/HudLayout.h"
 
+#include <mutex>
+#include <utility>
+
 namespace dubrix {
 
 namespace {
 
-constexpr Color kClear{};
-constexpr Font kLabelFont{.pointSize = 16, .bold = true};
-constexpr HudAppearance kHudAppearance{.frame = {},
-                                       .translucent = true,
-                                       .backgroundColor = {0, 0, 0, 0.1},
-                                       .cornerRadius = 10,
-                                       .clipsToBounds = true};
-constexpr Color kDimming{0, 0, 0, 0.2};
-constexpr SpinnerAppearance kSpinnerAppearance{.style = SpinnerStyle::WhiteLarge,
-                                               .color = {185.0 / 255, 220.0 / 255, 47.0 / 255, 1},
-                                               .hidesWhenStopped = true};
-constexpr ImageAppearance kImageAppearance{.frame = {{0, 0}, {28, 28}}};
-constexpr LabelAppearance kLabelAppearance{.frame = {},
-                                           .font = kLabelFont,
-                                           .textColor = {0, 0, 0, 1},
-                                           .backgroundColor = kClear,
-                                           .textAlignment = TextAlignment::Center,
-                                           .baselineAdjustment = BaselineAdjustment::AlignCenters,
-                                           .numberOfLines = 0};
+constexpr Color clear{};
+constexpr Font labelFont{.pointSize = 16, .bold = true};
+constexpr HudAppearance hudAppearance{.frame = {},
+                                      .translucent = true,
+                                      .backgroundColor = {0, 0, 0, 0.1},
+                                      .cornerRadius = 10,
+                                      .clipsToBounds = true};
+constexpr Color dimming{0, 0, 0, 0.2};
+constexpr SpinnerAppearance spinnerAppearance{.style = SpinnerStyle::WhiteLarge,
+                                              .color = {185.0 / 255, 220.0 / 255, 47.0 / 255, 1},
+                                              .hidesWhenStopped = true};
+constexpr ImageAppearance imageAppearance{.frame = {{0, 0}, {28, 28}}};
+constexpr LabelAppearance labelAppearance{.frame = {},
+                                          .font = labelFont,
+                                          .textColor = {0, 0, 0, 1},
+                                          .backgroundColor = clear,
+                                          .textAlignment = TextAlignment::Center,
+                                          .baselineAdjustment = BaselineAdjustment::AlignCenters,
+                                          .numberOfLines = 0};
 
-constexpr Size kLargestText{200, 300};
-constexpr double kPopDuration = 0.15;
-constexpr double kPopInScale = 1.4;
-constexpr double kPopOutScale = 0.7;
+constexpr Size largestText{200, 300};
+constexpr double popDuration = 0.15;
+constexpr double popInScale = 1.4;
+constexpr double popOutScale = 0.7;
 
-constexpr double kSecondsToHide = 0.5;
-constexpr double kSecondsPerCharacter = 0.04;
+constexpr double secondsToHide = 0.5;
+constexpr double secondsPerCharacter = 0.04;
+
+constexpr const char* successImage = "ProgressHUD.bundle/progresshud-success.png";
+constexpr const char* errorImage = "ProgressHUD.bundle/progresshud-error.png";
+
+/// The stage in use and the instance that belongs to it.
+struct Shared {
+    std::mutex mutex;
+    OverlayStage* stage = nullptr;
+    std::shared_ptr<ProgressHUD> instance;
+};
+
+Shared& sharedState() {
+    static Shared state;
+    return state;
+}
 
 /// UTF-8 spends one byte that does not continue another on each character, and those that need two
 /// UTF-16 units are those of four bytes.
@@ -53,6 +71,74 @@ std::optional<WindowId> windowToAttachTo(OverlayStage& stage) {
 }
 
 } // namespace
+
+void ProgressHUD::useStage(OverlayStage& stage) {
+    withdrawStage();
+    Shared& state = sharedState();
+    const std::lock_guard lock(state.mutex);
+    state.stage = &stage;
+}
+
+void ProgressHUD::withdrawStage() {
+    OverlayStage* stage = nullptr;
+    std::shared_ptr<ProgressHUD> instance;
+    {
+        Shared& state = sharedState();
+        const std::lock_guard lock(state.mutex);
+        stage = std::exchange(state.stage, nullptr);
+        instance = std::exchange(state.instance, nullptr);
+    }
+    if (instance) {
+        stage->cancelThreads();
+        instance->hudDestroy();
+    }
+}
+
+ProgressHUD* ProgressHUD::shared() {
+    Shared& state = sharedState();
+    const std::lock_guard lock(state.mutex);
+    if (state.stage && !state.instance)
+        state.instance = std::make_shared<ProgressHUD>(Key{}, *state.stage);
+    return state.instance.get();
+}
+
+void ProgressHUD::show(const Text& message) {
+    show(message, true);
+}
+
+void ProgressHUD::show(const Text& message, bool interaction) {
+    show(message, interaction, std::nullopt, Spin::Yes, Hide::No);
+}
+
+void ProgressHUD::showSuccess(const Text& message) {
+    showSuccess(message, true);
+}
+
+void ProgressHUD::showSuccess(const Text& message, bool interaction) {
+    show(message, interaction, successImage, Spin::No, Hide::Yes);
+}
+
+void ProgressHUD::showError(const Text& message) {
+    showError(message, true);
+}
+
+void ProgressHUD::showError(const Text& message, bool interaction) {
+    show(message, interaction, errorImage, Spin::No, Hide::Yes);
+}
+
+void ProgressHUD::show(const Text& message, bool interaction, const Text& image, Spin spin,
+                       Hide hide) {
+    ProgressHUD* hud = shared();
+    if (!hud)
+        return;
+    hud->interaction_ = interaction;
+    hud->hudMake(message, image, spin, hide);
+}
+
+void ProgressHUD::dismiss() {
+    if (ProgressHUD* hud = shared())
+        hud->hudHide();
+}
 
 ProgressHUD::ProgressHUD(Key, OverlayStage& stage)
     : stage_(stage),
@@ -81,7 +167,7 @@ void ProgressHUD::hudMake(const Text& message, const Text& image, Spin spin, Hid
 
 void ProgressHUD::hudCreate() {
     if (!hudMade_) {
-        stage_.makeHud(kHudAppearance);
+        stage_.makeHud(hudAppearance);
         hudMade_ = true;
         hudScale_ = 1;
         registerNotifications();
@@ -91,7 +177,7 @@ void ProgressHUD::hudCreate() {
             stage_.addToWindow(Piece::Hud, *window_);
         } else {
             stage_.makeBackground(
-                {.frame = stage_.windowFrame(*window_), .backgroundColor = kDimming});
+                {.frame = stage_.windowFrame(*window_), .backgroundColor = dimming});
             backgroundMade_ = true;
             stage_.addToWindow(Piece::Background, *window_);
             stage_.addToPiece(Piece::Hud, Piece::Background);
@@ -105,11 +191,11 @@ void ProgressHUD::hudCreate() {
 }
 
 void ProgressHUD::makeContents() {
-    stage_.makeSpinner(kSpinnerAppearance);
+    stage_.makeSpinner(spinnerAppearance);
     stage_.addToPiece(Piece::Spinner, Piece::Hud);
-    stage_.makeImage(kImageAppearance);
+    stage_.makeImage(imageAppearance);
     stage_.addToPiece(Piece::Image, Piece::Hud);
-    stage_.makeLabel(kLabelAppearance);
+    stage_.makeLabel(labelAppearance);
     stage_.addToPiece(Piece::Label, Piece::Hud);
 }
 
@@ -147,7 +233,7 @@ void ProgressHUD::rememberText(const Text& text) {
 void ProgressHUD::hudSize() {
     std::optional<Size> text;
     if (labelText_)
-        text = stage_.measureText(*labelText_, kLabelFont, kLargestText);
+        text = stage_.measureText(*labelText_, labelFont, largestText);
     const HudLayout layout = layoutAround(text);
     stage_.change(Piece::Label, {.frame = layout.label});
     stage_.change(Piece::Hud, {.bounds = layout.box});
@@ -181,20 +267,20 @@ void ProgressHUD::hudShow() {
     if (alpha_ != 0)
         return;
     alpha_ = 1;
-    hudScale_ *= kPopInScale;
+    hudScale_ *= popInScale;
     stage_.change(Piece::Hud, {.alpha = 0});
     stage_.change(Piece::Hud, {.scale = hudScale_});
-    hudScale_ /= kPopInScale;
+    hudScale_ /= popInScale;
     stage_.animate(Piece::Hud, {.alpha = 1, .scale = hudScale_},
-                   {.duration = kPopDuration, .allowUserInteraction = true}, nullptr);
+                   {.duration = popDuration, .allowUserInteraction = true}, nullptr);
 }
 
 void ProgressHUD::hudHide() {
     if (alpha_ != 1)
         return;
-    hudScale_ *= kPopOutScale;
+    hudScale_ *= popOutScale;
     stage_.animate(Piece::Hud, {.alpha = 0, .scale = hudScale_},
-                   {.duration = kPopDuration, .layoutSubviews = true, .allowUserInteraction = true},
+                   {.duration = popDuration, .layoutSubviews = true, .allowUserInteraction = true},
                    [self = weak_from_this()] {
                        if (const auto hud = self.lock()) {
                            hud->hudDestroy();
@@ -206,7 +292,7 @@ void ProgressHUD::hudHide() {
 void ProgressHUD::timedHide(OverlayStage& stage, const std::atomic<std::size_t>& labelLength,
                             const std::weak_ptr<ProgressHUD>& self) {
     const double seconds =
-        kSecondsPerCharacter * static_cast<double>(labelLength.load()) + kSecondsToHide;
+        secondsPerCharacter * static_cast<double>(labelLength.load()) + secondsToHide;
     if (!stage.sleep(seconds))
         return;
     stage.runOnMainThread([self] {
