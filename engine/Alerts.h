@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/Text.h"
+#include "overlays/Geometry.h"
 
 #include <functional>
 #include <string>
@@ -13,18 +14,11 @@ using AlertBlock = std::function<void()>;
 
 /// The pipeline's alert without buttons, shown while it works.
 struct ProgressAlert {
-    struct Frame {
-        double x = 0;
-        double y = 0;
-        double width = 0;
-        double height = 0;
-    };
-
     std::string title;
     std::string message;
     /// Where the turning spinner stands, in points of the main screen's view; its margins are
     /// flexible on all four sides.
-    Frame spinnerFrame;
+    Rect spinnerFrame;
 };
 
 /// The questions and messages that the engine puts to the user. Main thread only. Every operation
@@ -58,13 +52,8 @@ public:
     /// Dismisses the progress alert, animated.
     virtual void dismissProgressAlert() = 0;
 
-    struct ViewSize {
-        double width = 0;
-        double height = 0;
-    };
-
     /// The size of the main screen's view in points; zero while there is no view.
-    virtual ViewSize mainViewSize() const = 0;
+    virtual Size mainViewSize() const = 0;
 };
 
 } // namespace dubrix

@@ -1,5 +1,6 @@
 #include "engine/CloneEngine.h"
-#include "engine/SettingsFile.h"
+#include "engine/DXShared.h"
+#include "formats/lists/PropertyList.h"
 #include "platform/ApplicationList.h"
 #include "platform/ApplicationWorkspace.h"
 

@@ -1,14 +1,18 @@
 #pragma once
 
 #include "engine/Text.h"
-#include "formats/PropertyList.h"
 #include "platform/Platform.h"
 
+#include <optional>
 #include <string>
 
 namespace dubrix {
 
 class Alerts;
+class PropertyList;
+
+/// Duplicates of one source are numbered from 1 up to this.
+inline constexpr int highestDuplicateNumber = 100;
 
 /// The clone engine: every decision and action of a duplication or an update.
 ///
@@ -36,6 +40,11 @@ public:
     Text nameForBundleID(const Text& identifier) const;
     Text pathForBundleID(const Text& identifier) const;
     Text versionForBundleID(const Text& identifier) const;
+
+    /// The identifier of duplicate `number` (a number or its decimal text) of a source.
+    static std::string duplicateIdentifier(const Text& source, const FormatArgument& number);
+    /// Exact text equality; false when either side is absent.
+    static bool sameVersion(const Text& one, const Text& other);
 
     /// Looks at the numbers from `start` to 100 and acts on the first that calls for it: builds
     /// the first free number, offers to update the first stale duplicate, or says that all hundred
@@ -100,10 +109,6 @@ private:
 
     PropertyList settings() const;
     Source source() const;
-    /// The identifier of duplicate `number` of a source.
-    static std::string duplicateIdentifier(const Text& source, int number);
-    /// Exact text equality; false when either side is absent.
-    static bool sameVersion(const Text& one, const Text& other);
 
     enum class Logging { Off, On };
     /// The length of the unbroken run of installed duplicates from 1; a full run of 100 counts

@@ -1,7 +1,8 @@
 #include "engine/Alerts.h"
 #include "engine/CloneEngine.h"
+#include "engine/DXShared.h"
 #include "engine/Operation.h"
-#include "engine/SettingsFile.h"
+#include "formats/lists/PropertyList.h"
 #include "overlays/ProgressHUD.h"
 #include "platform/CommandRunner.h"
 #include "platform/FileManager.h"
@@ -17,11 +18,11 @@ std::string progressText(bool update, const Text& name, const std::string& numbe
                : stringWithFormat("Cloning %@ %@", name, number);
 }
 
-ProgressAlert progressAlert(const std::string& text, Alerts::ViewSize view) {
+ProgressAlert progressAlert(const std::string& text, Size view) {
     const std::string message = stringWithFormat("%@\n%@", text, "Please wait...");
     return {.title = "Dubrix",
             .message = stringWithFormat("%@\n\n", message), // leaves room for the spinner
-            .spinnerFrame = {view.width / 2 - 10, view.height - 150, 20, 20}};
+            .spinnerFrame = {{view.width / 2 - 10, view.height - 150}, {20, 20}}};
 }
 
 } // namespace
@@ -67,7 +68,7 @@ void CloneEngine::makeDuplicate(const std::string& number) {
     const Text path = pathForBundleID(source);
     const Text version = versionForBundleID(source);
     const Staging staging = stagingFor(name, path);
-    const std::string duplicate = stringWithFormat("%@%@", source, number);
+    const std::string duplicate = duplicateIdentifier(source, number);
 
     const bool installed = isInstalled(duplicate);
     const Text duplicateVersion = versionForBundleID(duplicate);

@@ -1,11 +1,22 @@
 #include "engine/DXShared.h"
 
-#include "engine/SettingsFile.h"
 #include "engine/Text.h"
+#include "formats/lists/PropertyList.h"
 #include "platform/FileManager.h"
 #include "platform/SystemLog.h"
 
 namespace dubrix {
+
+std::optional<PropertyList> dictionaryWithContentsOfFile(const FileManager& files,
+                                                         const std::string& path) {
+    const std::optional<std::string> bytes = files.contentsAtPath(path);
+    if (!bytes)
+        return std::nullopt;
+    std::optional<PropertyList> value = PropertyList::parse(*bytes);
+    if (!value || !value->isDictionary())
+        return std::nullopt;
+    return value;
+}
 
 void DXShared::addKey(std::string_view key, const PropertyList& withObject) {
     PropertyList settings = PropertyList::dictionary();

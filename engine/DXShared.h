@@ -1,7 +1,5 @@
 #pragma once
 
-#include "formats/PropertyList.h"
-
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,7 +7,16 @@
 namespace dubrix {
 
 class FileManager;
+class PropertyList;
 class SystemLog;
+
+/// Where all of the user's choices are kept; it does not depend on the application's identifier.
+inline constexpr auto settingsFilePath = "/var/mobile/Library/Preferences/com.q7r2m.dubrix2.plist";
+
+/// The dictionary that the property-list file at `path` holds; nothing when the file is missing,
+/// damaged or holds another kind of value.
+std::optional<PropertyList> dictionaryWithContentsOfFile(const FileManager& files,
+                                                         const std::string& path);
 
 /// The settings store: the only writer of the settings file. It keeps nothing in memory; every call
 /// reads the file afresh, so two stores always agree. Main thread only; other processes are not

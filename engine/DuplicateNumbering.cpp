@@ -1,13 +1,12 @@
 #include "engine/Alerts.h"
 #include "engine/CloneEngine.h"
-#include "engine/DuplicateNumber.h"
 #include "engine/Operation.h"
 #include "platform/SystemLog.h"
 
 namespace dubrix {
 
-std::string CloneEngine::duplicateIdentifier(const Text& source, int number) {
-    return stringWithFormat("%@%d", source, number);
+std::string CloneEngine::duplicateIdentifier(const Text& source, const FormatArgument& number) {
+    return stringWithFormat("%@%@", source, number);
 }
 
 int CloneEngine::contiguousDuplicates(const Text& source, Logging logging) const {

@@ -1,6 +1,7 @@
 #include "engine/Alerts.h"
 #include "engine/CloneEngine.h"
 #include "engine/Operation.h"
+#include "formats/lists/PropertyList.h"
 #include "platform/ByteCountFormatter.h"
 #include "platform/FileManager.h"
 #include "platform/SystemLog.h"

@@ -1,5 +1,6 @@
 #include "engine/CloneEngine.h"
-#include "engine/SettingsFile.h"
+#include "engine/DXShared.h"
+#include "formats/lists/PropertyList.h"
 #include "platform/FileManager.h"
 #include "platform/MonochromeFilter.h"
 #include "platform/SystemLog.h"

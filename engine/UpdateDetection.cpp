@@ -1,6 +1,6 @@
 #include "engine/Alerts.h"
 #include "engine/CloneEngine.h"
-#include "engine/DuplicateNumber.h"
+#include "formats/lists/PropertyList.h"
 
 namespace dubrix {
 
