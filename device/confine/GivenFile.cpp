@@ -29,7 +29,7 @@ std::deque<std::string> partsOf(std::string_view path) {
 /// Whether `file`, opened by its path alone, is what may be given. A file is opened once more to
 /// learn whether it can be read, after it is known that opening has no effects.
 bool isOfKind(int file, Given kind) {
-    struct stat status {};
+    struct stat status{};
     if (::fstat(file, &status) != 0)
         return false;
     if (kind == Given::Folder)
@@ -71,7 +71,7 @@ private:
     }
 
     bool arrive() {
-        struct stat status {};
+        struct stat status{};
         if (!here_.isOpen() || ::fstat(here_.get(), &status) != 0)
             return false;
         onDevice_ = onDevice_ || (deviceKnown_ && sameFile(status, device_));
@@ -80,7 +80,7 @@ private:
 
     bool step(const std::string& name) {
         Descriptor next(::openat(here_.get(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-        struct stat found {};
+        struct stat found{};
         if (!next.isOpen() || ::fstat(next.get(), &found) != 0)
             return false;
         if (S_ISLNK(found.st_mode))
@@ -103,7 +103,7 @@ private:
         return true;
     }
 
-    struct stat device_ {};
+    struct stat device_{};
     bool deviceKnown_ = false;
     Descriptor here_;
     bool atRoot_ = true;
@@ -127,7 +127,7 @@ Descriptor openAskedFor(const std::string& path, Given kind, const std::string& 
         return Descriptor();
     Walk walk(device);
     Descriptor file = walk.open(path);
-    struct stat status {};
+    struct stat status{};
     if (!file.isOpen() || !isOfKind(file.get(), kind) || ::fstat(file.get(), &status) != 0)
         return Descriptor();
     // The kernel's own files about processes have no size.

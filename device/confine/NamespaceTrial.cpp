@@ -1,6 +1,7 @@
 #include "device/confine/NamespaceTrial.h"
 
-#include "device/FileTree.h"
+#include "files/FileTree.h"
+#include "files/WholeFile.h"
 
 #include <cerrno>
 #include <fcntl.h>

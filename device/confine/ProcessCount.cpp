@@ -1,6 +1,7 @@
 #include "device/confine/ProcessCount.h"
 
-#include "device/FileTree.h"
+#include "files/FileTree.h"
+#include "files/WholeFile.h"
 
 #include <fcntl.h>
 #include <filesystem>
@@ -34,7 +35,7 @@ std::optional<fs::path> parentGroup() {
         const std::string controllers = line.substr(kinds, place - kinds);
         const std::string path = line.substr(place + 1);
         if (controllers == "pids")
-            return fs::path(hierarchies + "/pids" + path);
+            return fs::path((hierarchies + "/pids").append(path));
         if (controllers.empty() && fs::exists(hierarchies + "/cgroup.controllers"))
             return path == "/" ? fs::path(hierarchies) : fs::path(hierarchies + path).parent_path();
     }

@@ -17,6 +17,9 @@ constexpr const char* usage =
     "  --web-pages              for a command that makes namespaces for web pages\n"
     "  --keep NUMBER            leave this descriptor open; may be repeated\n"
     "  --input                  pass the standard input on\n"
+    "  --stoppable              ask the command for its end by closing descriptor 11; a signal "
+    "that\n"
+    "                           comes again ends it\n"
     "  --output WAY             visible, shell or progress\n"
     "  --terminal               leave the standard streams and the terminal to the command\n"
     "  --device DIR             the device's folder, for --asked-archive and --asked-folder\n"
@@ -83,6 +86,8 @@ void takeOption(Request& request, const std::string& option, Words& words) {
         request.terminal = true;
     else if (option == "--input")
         request.input = true;
+    else if (option == "--stoppable")
+        request.stoppable = true;
     else if (option == "--web-pages")
         request.whom = Confined::WebPages;
     else if (option == "--output")

@@ -27,6 +27,8 @@ struct Request {
     /// The standard streams and the terminal are left to the command.
     bool terminal = false;
     bool input = false;
+    /// The command ends by itself, when it is asked to.
+    bool stoppable = false;
     Confined whom = Confined::Command;
     Shown shown = Shown::Visible;
     std::vector<int> kept;

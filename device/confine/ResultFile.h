@@ -1,15 +1,14 @@
 #pragma once
 
-#include "device/Result.h"
-#include "formats/Descriptor.h"
+#include "files/ReplacementFile.h"
+#include "files/Result.h"
 
 #include <string>
 
 namespace dubrix {
 
 /// A file of the desktop that a command on the device writes: the command gets an open descriptor
-/// of a file without a name and nothing else of the folder, and the file gets its name when it is
-/// whole. Where the file system knows no files without names, it has a hidden one until then.
+/// and nothing else of the folder, and the file gets its name when it is whole.
 class ResultFile {
 public:
     /// What happens where there is a file of that name: it is replaced, or the new one is called
@@ -20,28 +19,16 @@ public:
     /// when something other than a regular file is at the path and was to be replaced.
     static Result<ResultFile> begin(const std::string& path, Existing existing);
 
-    ResultFile(ResultFile&&) = default;
-    ResultFile& operator=(ResultFile&&) = delete;
-    ~ResultFile();
-
-    int descriptor() const { return file_.get(); }
+    int descriptor() const { return file_.descriptor(); }
     /// Gives the file its name; the path that it has then. Signals are kept waiting meanwhile.
     Result<std::string> finish();
 
 private:
-    ResultFile(std::string folder, std::string name, Existing existing);
-    bool open();
-    Outcome replace();
-    Result<std::string> placeBesideOthers();
-    bool linkAs(const std::string& name) const;
+    ResultFile(std::filesystem::path path, Existing existing, ReplacementFile file);
 
-    std::string folder_;
-    std::string name_;
+    std::filesystem::path path_;
     Existing existing_;
-    Descriptor place_;
-    Descriptor file_;
-    /// The name that the file has before its own; empty for none.
-    std::string temporary_;
+    ReplacementFile file_;
 };
 
 } // namespace dubrix

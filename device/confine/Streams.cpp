@@ -124,11 +124,28 @@ void Streams::takeSignals() {
         int status = 0;
         if (signal.ssi_signo != SIGCHLD) {
             if (!status_)
-                ::kill(command_, SIGTERM);
+                askForEnd(static_cast<int>(signal.ssi_signo));
         } else if (!status_ && ::waitpid(command_, &status, WNOHANG) == command_) {
             status_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
         }
     }
+}
+
+/// One wish may come as two signals: from the terminal to all in front of it, and from the
+/// launcher.
+void Streams::askForEnd(int signal) {
+    const bool isNew = asked_.insert(signal).second;
+    if (isStoppable_ && isNew)
+        stop_.close();
+    else
+        ::kill(command_, SIGTERM);
+}
+
+Descriptor Streams::makeStop() {
+    auto [reading, writing] = makePipe();
+    stop_ = std::move(writing);
+    isStoppable_ = true;
+    return std::move(reading);
 }
 
 /// Whether the descriptor becomes ready in that time; signals are taken meanwhile.

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "device/ProgressBar.h"
+#include "device/confine/ProgressBar.h"
 #include "device/confine/VisibleText.h"
-#include "formats/Descriptor.h"
+#include "files/Descriptor.h"
 
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
@@ -57,6 +58,10 @@ public:
     /// command is executed. False when that is not possible.
     bool enter() const;
 
+    /// From now on a signal that asks for the end closes the other end of what is given here, and
+    /// is handed to the command only when one of its kind comes again. To be called before `serve`.
+    Descriptor makeStop();
+
     /// Serves the streams until `command` has ended and what it wrote is passed on; its exit
     /// status, 128 and the signal's number where a signal ended it. Signals that ask for the end
     /// are handed to the command as SIGTERM; they and SIGCHLD must have been blocked before the
@@ -76,6 +81,7 @@ private:
     void passInput();
     bool ready(int descriptor, short events, int milliseconds);
     void takeSignals();
+    void askForEnd(int signal);
     void write(Channel& channel, std::string_view bytes);
     Output::Write writer(Channel& channel);
 
@@ -85,6 +91,9 @@ private:
     Descriptor inputOurs_;
     std::string typed_;
     Descriptor signals_;
+    Descriptor stop_;
+    bool isStoppable_ = false;
+    std::set<int> asked_;
     pid_t command_ = -1;
     std::optional<int> status_;
 };

@@ -12,7 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "formats/Descriptor.h"
+#include "files/Descriptor.h"
 
 namespace dubrix {
 

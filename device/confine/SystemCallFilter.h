@@ -1,6 +1,6 @@
 #pragma once
 
-#include "device/Result.h"
+#include "files/Result.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 #include "device/confine/VisibleText.h"
 
-#include "device/PlainText.h"
-#include "formats/Unicode.h"
+#include "formats/text/PlainText.h"
+#include "formats/text/Unicode.h"
 
 #include <algorithm>
 #include <cstddef>

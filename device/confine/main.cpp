@@ -5,7 +5,8 @@
 #include "device/confine/ProcessCount.h"
 #include "device/confine/Request.h"
 
-#include "device/FileTree.h"
+#include "files/FileTree.h"
+#include "formats/text/PlainText.h"
 
 #include <algorithm>
 #include <csignal>
@@ -30,6 +31,8 @@ constexpr int notFound = 127;
 
 /// The descriptor at which a command finds its result.
 constexpr int resultDescriptor = 10;
+/// And the one that is closed at its other end when the command is to end.
+constexpr int stopDescriptor = 11;
 
 /// More than any application, its web pages and the commands of a duplication need together.
 constexpr unsigned mostProcesses = 2048;
@@ -65,7 +68,7 @@ void closeAllBut(std::vector<int> kept) {
 }
 
 void lower(__rlimit_resource what, rlim_t most) {
-    struct rlimit limit {};
+    struct rlimit limit{};
     ::getrlimit(what, &limit);
     limit.rlim_max = std::min(limit.rlim_max, most);
     limit.rlim_cur = std::min(limit.rlim_cur, limit.rlim_max);
@@ -137,6 +140,7 @@ std::vector<std::string> bareLine(const Request& request) {
 
 [[noreturn]] void execute(const std::vector<std::string>& line, bool bare) {
     std::vector<char*> words;
+    words.reserve(line.size() + 1);
     for (const std::string& word : line)
         words.push_back(const_cast<char*>(word.c_str()));
     words.push_back(nullptr);
@@ -156,7 +160,8 @@ void block(bool blocked) {
 
 /// The new process becomes the command.
 [[noreturn]] void become(const std::vector<std::string>& line, const Request& request,
-                         const Streams& streams, const ProcessCount& processes, int result) {
+                         const Streams& streams, const ProcessCount& processes, int result,
+                         int stop) {
     block(false);
     std::signal(SIGPIPE, SIG_DFL);
     std::signal(SIGXFSZ, SIG_IGN);
@@ -165,18 +170,24 @@ void block(bool blocked) {
     if (!processes.join())
         end(cannotStart, "the number of processes cannot be bounded");
     // The lowest free descriptors are taken by bubblewrap's own; this one must be where it is said.
-    if ((result >= 0 && ::dup2(result, resultDescriptor) < 0) || !streams.enter())
+    if ((result >= 0 && ::dup2(result, resultDescriptor) < 0) ||
+        (stop >= 0 && ::dup2(stop, stopDescriptor) < 0) || !streams.enter())
         end(cannotStart, systemFailure("the command's streams cannot be set up").text);
     execute(line, request.bare);
 }
 
+/// Takes a number before anything else is opened, so that it is nobody else's.
+void reserve(int number) {
+    const int reserved = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    ::dup3(reserved, number, O_CLOEXEC);
+    ::close(reserved);
+}
+
 int run(const Request& request) {
-    // Taken before anything else is opened, so that its number is nobody else's.
-    if (!request.result.empty()) {
-        const int reserved = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-        ::dup3(reserved, resultDescriptor, O_CLOEXEC);
-        ::close(reserved);
-    }
+    if (!request.result.empty())
+        reserve(resultDescriptor);
+    if (request.stoppable)
+        reserve(stopDescriptor);
     ProcessCount processes;
     for (int tries = 0; !request.bare && ::geteuid() == 0 && tries < manyTries; ++tries)
         if (processes.bound(mostProcesses))
@@ -195,11 +206,12 @@ int run(const Request& request) {
     }
     block(true);
     Streams streams(request.input, request.shown);
+    const Descriptor stop = request.stoppable ? streams.makeStop() : Descriptor();
     const pid_t command = ::fork();
     if (command < 0)
         end(cannotStart, systemFailure("the command cannot be started").text);
     if (command == 0)
-        become(line, request, streams, processes, result ? result->descriptor() : -1);
+        become(line, request, streams, processes, result ? result->descriptor() : -1, stop.get());
     const int status = streams.serve(command, request.bare ? graceWithout : graceInNamespace);
     if (status != 0 || !result)
         return status;
@@ -207,7 +219,7 @@ int run(const Request& request) {
     if (!placed)
         end(EXIT_FAILURE, placed.failure().text);
     if (request.existing == ResultFile::Existing::Kept)
-        std::printf("%s\n", (*placed).c_str());
+        std::printf("saved\t%s\n", onOneLine(*placed).c_str());
     return status;
 }
 

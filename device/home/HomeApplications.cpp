@@ -1,6 +1,6 @@
 #include "device/home/HomeApplications.h"
 
-#include "looks/NameOrder.h"
+#include "controls/NameOrder.h"
 
 namespace dubrix {
 
@@ -17,7 +17,7 @@ QString pathText(const std::filesystem::path& path) {
 
 HomeApplications::HomeApplications(const std::filesystem::path& root, QObject* parent)
     : QObject(parent),
-      installed_(root) {
+      registry_(root) {
     pause_.setSingleShot(true);
     pause_.setInterval(pauseAfterChange);
     connect(&pause_, &QTimer::timeout, this, &HomeApplications::read);
@@ -36,7 +36,7 @@ HomeApplications::~HomeApplications() {
 /// The folder above is watched, too: the registry itself may be missing, or be made anew.
 void HomeApplications::watch() {
     for (const std::string_view path : {Registry::bundlePath, Registry::registryPath}) {
-        const QString folder = pathText(installed_.registry().hostPath(path));
+        const QString folder = pathText(registry_.hostPath(path));
         if (!watcher_.directories().contains(folder))
             watcher_.addPath(folder);
     }
@@ -53,7 +53,7 @@ void HomeApplications::read() {
     if (reader_.joinable())
         reader_.join();
     reader_ = std::thread([this] {
-        auto applications = homeApplications(installed_.all(), installed_.registry());
+        auto applications = homeApplications(installedApplications(registry_), registry_);
         QMetaObject::invokeMethod(
             this, [this, read = std::move(applications)]() mutable { show(std::move(read)); },
             Qt::QueuedConnection);

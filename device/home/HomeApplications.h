@@ -1,6 +1,7 @@
 #pragma once
 
-#include "device/InstalledApplications.h"
+#include "device/registry/InstalledApplications.h"
+#include "device/registry/Registry.h"
 
 #include <QFileSystemWatcher>
 #include <QHash>
@@ -58,7 +59,7 @@ private:
     void read();
     void show(std::vector<HomeApplication> applications);
 
-    InstalledApplications installed_;
+    const Registry registry_;
     QFileSystemWatcher watcher_;
     /// Lets an installation's burst of changes pass as one.
     QTimer pause_;

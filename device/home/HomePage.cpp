@@ -1,9 +1,13 @@
 #include "device/home/HomePage.h"
 
-#include "looks/ApplicationIconProvider.h"
+#include "controls/ApplicationIconProvider.h"
 
+#include <QtQml/qqmlextensionplugin.h>
 #include <algorithm>
 #include <utility>
+
+// Whoever links the layout links what it is made of.
+Q_IMPORT_QML_PLUGIN(DubrixControlsPlugin)
 
 namespace dubrix {
 
@@ -130,12 +134,9 @@ QVariant HomePage::data(const QModelIndex& index, int role) const {
 }
 
 QHash<int, QByteArray> HomePage::roleNames() const {
-    return {{IdentifierRole, "identifier"},
-            {NameRole, "name"},
-            {IconRole, "icon"},
-            {SlotRole, "slot"},
-            {LeavingRole, "leaving"},
-            {ArrivingRole, "arriving"}};
+    return {{IdentifierRole, "identifier"}, {NameRole, "name"},
+            {IconRole, "picture"},          {SlotRole, "slot"},
+            {LeavingRole, "leaving"},       {ArrivingRole, "arriving"}};
 }
 
 } // namespace dubrix

@@ -1,29 +1,25 @@
 #include "device/home/HomeScreen.h"
 
-#include "device/BundleInfo.h"
-#include "device/desk/Desk.h"
-#include "looks/ApplicationIconProvider.h"
-#include "looks/DroppedFiles.h"
+#include "controls/ApplicationIconProvider.h"
+#include "device/registry/BundleInfo.h"
+#include "windows/Errands.h"
 
 #include <algorithm>
 
 namespace dubrix {
 
-HomeScreen::HomeScreen(HomeApplications& applications, Desk* desk, const std::filesystem::path& own,
-                       QObject* parent)
+HomeScreen::HomeScreen(HomeApplications& applications, Errands* errands,
+                       const std::filesystem::path& own, QObject* parent)
     : QObject(parent),
       applications_(applications),
-      desk_(desk),
+      errands_(errands),
       ownIcon_(ApplicationIconProvider::addressFor(own.native())) {
     const auto info = BundleInfo::read(own);
     ownName_ = info ? QString::fromStdString(info->displayName) : QStringLiteral("Dubrix");
-    if (!desk_)
+    if (!errands_)
         return;
-    connect(desk_, &Desk::answered, this, &HomeScreen::finish);
-    connect(desk_, &Desk::progressed, this, [this](int percent) {
-        percent_ = percent;
-        Q_EMIT errandChanged();
-    });
+    connect(errands_, &Errands::changed, this, &HomeScreen::errandChanged);
+    connect(errands_, &Errands::ended, this, &HomeScreen::tellOutcome);
 }
 
 QString HomeScreen::nameOf(const QString& identifier) const {
@@ -32,7 +28,8 @@ QString HomeScreen::nameOf(const QString& identifier) const {
 }
 
 void HomeScreen::tapOwn() {
-    run(Kind::Start, ownName_);
+    if (mayChange())
+        errands_->run(Errands::Kind::Start, ownName_);
 }
 
 void HomeScreen::tap(const QString& identifier) {
@@ -41,67 +38,48 @@ void HomeScreen::tap(const QString& identifier) {
 
 void HomeScreen::remove(const QString& identifier) {
     alert({tr("Remove “%1”?").arg(nameOf(identifier)),
-           tr("The application and all of its files leave the device."), tr("Remove"), identifier});
+           tr("%1 and all of its files leave the device.").arg(identifier), tr("Remove"),
+           identifier});
 }
 
 void HomeScreen::save(const QString& identifier) {
-    run(Kind::Save, nameOf(identifier), identifier.toUtf8());
+    if (mayChange())
+        errands_->run(Errands::Kind::Save, nameOf(identifier), identifier.toUtf8());
 }
 
 bool HomeScreen::takes(const QList<QUrl>& files) const {
-    return std::ranges::any_of(files, isInstallable);
+    return Errands::takes(files);
 }
 
 void HomeScreen::drop(const QList<QUrl>& files) {
-    for (const QUrl& file : files)
-        if (isInstallable(file))
-            run(Kind::Install, fileNameOf(file), file.toLocalFile().toUtf8());
+    if (mayChange())
+        errands_->install(files);
 }
 
-void HomeScreen::run(Kind kind, const QString& subject, const QByteArray& argument) {
-    if (!desk_)
-        return say(tr("This is only possible when the launcher has opened the window."));
-    constexpr const char* verbs[] = {"start", "remove", "export", "install"};
-    errands_.append({kind, subject});
-    say({});
-    Q_EMIT errandChanged();
-    desk_->ask(verbs[static_cast<int>(kind)], argument);
+bool HomeScreen::mayChange() {
+    say(errands_ ? QString()
+                 : tr("This is only possible when the launcher has opened the window."));
+    return errands_;
 }
 
 QString HomeScreen::errand() const {
-    if (errands_.isEmpty())
-        return {};
-    const QString more =
-        errands_.size() > 1 ? tr(", %1 more to do").arg(errands_.size() - 1) : QString();
-    const QString& subject = errands_.constFirst().subject;
-    switch (errands_.constFirst().kind) {
-    case Kind::Start:
-        return {}; // its window says so
-    case Kind::Remove:
-        return tr("Removing %1").arg(subject) + more;
-    case Kind::Save:
-        return tr("Exporting %1").arg(subject) + more;
-    case Kind::Install:
-        return tr("Installing %1").arg(subject) + more;
-    }
-    return {};
+    return errands_ ? errands_->doing() : QString();
 }
 
-void HomeScreen::finish(bool well, const QString& text) {
-    if (errands_.isEmpty())
-        return;
-    const Errand errand = errands_.takeFirst();
-    percent_ = -1;
-    Q_EMIT errandChanged();
-    if (!well) {
-        const QString titles[] = {tr("%1 did not start"), tr("“%1” was not removed"),
-                                  tr("“%1” was not exported"), tr("“%1” was not installed")};
-        return alert({titles[static_cast<int>(errand.kind)].arg(errand.subject), text, {}, {}});
-    }
-    if (errand.kind == Kind::Save)
-        say(tr("%1 is saved as %2").arg(errand.subject, text));
-    else if (errand.kind == Kind::Install)
-        say(tr("%1 is installed").arg(installedName(text, errand.subject)));
+int HomeScreen::percent() const {
+    return errands_ ? errands_->percent() : -1;
+}
+
+/// A failure waits for an answer; whatever went well is remarked on.
+void HomeScreen::tellOutcome() {
+    const Errands::Outcome& last = errands_->outcomes().constLast();
+    if (!last.reason.isEmpty())
+        return alert({last.words, last.reason, {}, {}});
+    QStringList lines;
+    for (const Errands::Outcome& outcome : errands_->outcomes())
+        if (outcome.reason.isEmpty())
+            lines << outcome.words;
+    say(lines.join(u'\n'));
 }
 
 void HomeScreen::say(const QString& remark) {
@@ -125,8 +103,9 @@ void HomeScreen::alert(const Alert& alert) {
 void HomeScreen::alertAccepted() {
     const Alert accepted = alert_;
     alertDismissed();
-    if (!accepted.identifier.isEmpty())
-        run(Kind::Remove, nameOf(accepted.identifier), accepted.identifier.toUtf8());
+    if (!accepted.identifier.isEmpty() && mayChange())
+        errands_->run(Errands::Kind::Remove, nameOf(accepted.identifier),
+                      accepted.identifier.toUtf8());
 }
 
 void HomeScreen::alertDismissed() {

@@ -9,7 +9,7 @@
 
 namespace dubrix {
 
-class Desk;
+class Errands;
 
 /// What a home screen does when it is used: starting the application, removing, saving and
 /// installing others by way of the launcher, and what it says about all that. The layout binds to
@@ -29,7 +29,7 @@ class HomeScreen : public QObject {
     Q_PROPERTY(QString errand READ errand NOTIFY errandChanged)
     /// How far that is; -1 when nothing tells.
     Q_PROPERTY(int percent READ percent NOTIFY errandChanged)
-    /// A passing remark; empty when there is none.
+    /// Passing remarks, a line for each; empty when there is none.
     Q_PROPERTY(QString remark READ remark NOTIFY remarkChanged)
     /// A question or a failure that is to be answered before anything else; none without a title.
     Q_PROPERTY(QString alertTitle READ alertTitle NOTIFY alertChanged)
@@ -38,16 +38,16 @@ class HomeScreen : public QObject {
     Q_PROPERTY(QString alertAction READ alertAction NOTIFY alertChanged)
 
 public:
-    /// `own` is the bundle folder of the application itself on this machine. The desk may be null:
-    /// then nothing can be changed.
-    HomeScreen(HomeApplications& applications, Desk* desk, const std::filesystem::path& own,
+    /// `own` is the bundle folder of the application itself on this machine. The errands may be
+    /// null: then nothing can be changed.
+    HomeScreen(HomeApplications& applications, Errands* errands, const std::filesystem::path& own,
                QObject* parent = nullptr);
 
     HomeApplications* applications() const { return &applications_; }
     QString ownName() const { return ownName_; }
     QString ownIcon() const { return ownIcon_; }
     QString errand() const;
-    int percent() const { return percent_; }
+    int percent() const;
     QString remark() const { return remark_; }
     QString alertTitle() const { return alert_.title; }
     QString alertText() const { return alert_.text; }
@@ -81,12 +81,6 @@ Q_SIGNALS:
     void alertChanged();
 
 private:
-    enum class Kind { Start, Remove, Save, Install };
-    struct Errand {
-        Kind kind;
-        /// The application's name, or the file's.
-        QString subject;
-    };
     struct Alert {
         QString title{};
         QString text{};
@@ -95,18 +89,17 @@ private:
         QString identifier{};
     };
 
-    void run(Kind kind, const QString& subject, const QByteArray& argument = {});
-    void finish(bool well, const QString& text);
+    /// False, with a remark, where nothing can be changed.
+    bool mayChange();
+    void tellOutcome();
     void say(const QString& remark);
     void alert(const Alert& alert);
     QString nameOf(const QString& identifier) const;
 
     HomeApplications& applications_;
-    Desk* desk_;
+    Errands* errands_;
     QString ownName_;
     QString ownIcon_;
-    QList<Errand> errands_;
-    int percent_ = -1;
     QString remark_;
     Alert alert_;
     /// Failures that wait until the alert on the screen has been answered.

@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <map>
 #include <spawn.h>
 #include <sys/wait.h>
 
@@ -43,7 +44,8 @@ std::optional<pid_t> startOpener(std::string address) {
 
 class AddressService {
 public:
-    explicit AddressService(int pipe) : pipe_(pipe) {}
+    /// `window` is where to say what could not be opened; it may be no open descriptor.
+    AddressService(int pipe, int window) : pipe_(pipe), window_(window) {}
 
     int pipe() const { return pipe_; }
     /// Takes the lines that are in the pipe.
@@ -55,15 +57,25 @@ public:
                 queue_.add(std::move(*line->bytes));
     }
     void open() {
-        while (const pid_t opener = ::waitpid(-1, nullptr, WNOHANG)) {
+        int status = 0;
+        while (const pid_t opener = ::waitpid(-1, &status, WNOHANG)) {
             if (opener < 0)
                 break;
             queue_.ended(opener);
+            const auto address = opening_.extract(opener);
+            if (address && status != 0)
+                tell(address.mapped());
         }
         const auto now = AddressQueue::Clock::now();
-        if (auto address = queue_.next(now))
-            if (const auto opener = startOpener(std::move(*address)))
-                queue_.started(*opener, now);
+        auto address = queue_.next(now);
+        if (!address)
+            return;
+        if (const auto opener = startOpener(*address)) {
+            queue_.started(*opener, now);
+            opening_.emplace(*opener, std::move(*address));
+        } else {
+            tell(*address);
+        }
     }
     int pause() const {
         using std::chrono::milliseconds;
@@ -72,20 +84,29 @@ public:
     }
 
 private:
+    /// The address has been judged: it breaks no line.
+    void tell(const std::string& address) const {
+        const std::string line = "unopened\t" + address + "\n";
+        [[maybe_unused]] const ssize_t told = ::write(window_, line.data(), line.size());
+    }
+
     int pipe_;
+    int window_;
     RecordReader lines_{'\n', 2048};
     AddressQueue queue_;
+    std::map<pid_t, std::string> opening_;
 };
 
 } // namespace
 
-int openAddresses(pid_t launcher, const std::string& path) {
+int openAddresses(pid_t launcher, const std::string& path, const std::string& answers) {
     Ending ending(launcher);
     // For writing, too: it does not end with its first writer.
     const Descriptor pipe(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
     if (!pipe.isOpen())
         return 1;
-    AddressService service(pipe.get());
+    const Descriptor window(::open(answers.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+    AddressService service(pipe.get(), window.get());
     pollfd come{.fd = pipe.get(), .events = POLLIN, .revents = 0};
     while (ending.wait({&come, 1}, service.pause())) {
         if (come.revents != 0)

@@ -1,5 +1,7 @@
 #include "device/judge/Addresses.h"
 
+#include "formats/text/PlainText.h"
+
 #include <algorithm>
 #include <charconv>
 #include <optional>
@@ -96,14 +98,6 @@ bool isPage(std::string_view rest) {
 }
 
 } // namespace
-
-std::string lowerCase(std::string_view text) {
-    std::string result(text);
-    for (char& letter : result)
-        if (letter >= 'A' && letter <= 'Z')
-            letter = static_cast<char>(letter - 'A' + 'a');
-    return result;
-}
 
 bool mayBeOpened(std::string_view address) {
     const std::size_t colon = address.find(':');

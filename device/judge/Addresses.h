@@ -1,6 +1,5 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
 namespace dubrix {
@@ -12,8 +11,5 @@ namespace dubrix {
 /// they are percent-encoded, but for line breaks and tabs in the body. At most 2,048 bytes, of
 /// which each is one that stands in addresses unencoded; an apostrophe does not.
 bool mayBeOpened(std::string_view address);
-
-/// The text with its ASCII letters in lower case, as schemes and keys of addresses are compared.
-std::string lowerCase(std::string_view text);
 
 } // namespace dubrix

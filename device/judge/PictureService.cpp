@@ -16,7 +16,7 @@ constexpr int answerDescriptor = 4;
 constexpr std::size_t longestScriptFile = std::size_t{16} << 20;
 
 bool isFile(int descriptor) {
-    struct stat status {};
+    struct stat status{};
     return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 

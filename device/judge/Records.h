@@ -11,7 +11,7 @@ namespace dubrix {
 /// a record that is too long, so whoever never ends one fills no memory.
 class RecordReader {
 public:
-    RecordReader(char end, std::size_t longest) : end_(end), longest_(longest) {}
+    RecordReader(char terminator, std::size_t longest) : end_(terminator), longest_(longest) {}
 
     /// Takes a piece off the front of `bytes`, up to the end of the record that is being read.
     /// Gives the record when that end was there: its bytes, or nothing in place of what was too

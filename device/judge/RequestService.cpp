@@ -22,8 +22,8 @@ void handOn(const DeskRequest& request, Outflow& requests) {
 
 /// Another launcher may have made new ones meanwhile: those are not the one that is read here.
 void removePipes(const std::filesystem::path& folder) {
-    struct stat own {};
-    struct stat there {};
+    struct stat own{};
+    struct stat there{};
     const std::filesystem::path requests = folder / "requests";
     if (::fstat(STDIN_FILENO, &own) != 0 || ::lstat(requests.c_str(), &there) != 0 ||
         own.st_ino != there.st_ino || own.st_dev != there.st_dev)

@@ -1,6 +1,6 @@
 #include "device/judge/Requests.h"
 
-#include "device/Registry.h"
+#include "device/registry/Registry.h"
 
 #include <algorithm>
 

@@ -10,8 +10,10 @@ namespace dubrix {
 /// however that ends, and gives the exit status.
 
 /// Opens the addresses that come through the named pipe `path`, a line each, by the desktop's
-/// xdg-open. When the launcher has been killed, the pipe and its folder are removed.
-int openAddresses(pid_t launcher, const std::string& path);
+/// xdg-open. What that does not open is told the window, through the desk's named pipe `answers`:
+/// the fields "unopened" and the address. When the launcher has been killed, the pipe and its
+/// folder are removed.
+int openAddresses(pid_t launcher, const std::string& path, const std::string& answers);
 
 /// Reads a window's requests from the standard input, judges them and writes them to the standard
 /// output as they came, a refused one with the verb "refused" and no argument. When the launcher

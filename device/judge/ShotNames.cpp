@@ -1,6 +1,6 @@
 #include "device/judge/ShotNames.h"
 
-#include "driver/ScriptStep.h"
+#include "driver/script/ScriptStep.h"
 
 namespace dubrix {
 

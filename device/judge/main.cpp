@@ -1,5 +1,5 @@
 #include "device/judge/Services.h"
-#include "driver/ShotPipe.h"
+#include "driver/script/ShotPipe.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr const char* usage = "Usage: dubrix-judge addresses LAUNCHER PIPE\n"
+constexpr const char* usage = "Usage: dubrix-judge addresses LAUNCHER PIPE ANSWERS\n"
                               "       dubrix-judge requests LAUNCHER FOLDER VERB...\n"
                               "       dubrix-judge drive|shot LAUNCHER\n"
                               "\n"
@@ -25,8 +25,8 @@ int main(int count, char* words[]) {
     const bool takesPictures = command == "drive" || command == "shot";
     ::closefrom(takesPictures ? 5 : 3);
     const pid_t launcher = arguments.size() < 2 ? 0 : std::atoi(arguments[1].c_str());
-    if (launcher > 0 && command == "addresses" && arguments.size() == 3)
-        return openAddresses(launcher, arguments[2]);
+    if (launcher > 0 && command == "addresses" && arguments.size() == 4)
+        return openAddresses(launcher, arguments[2], arguments[3]);
     if (launcher > 0 && command == "requests" && arguments.size() >= 3)
         return judgeRequests(launcher, arguments[2], {arguments.begin() + 3, arguments.end()});
     if (launcher > 0 && takesPictures && arguments.size() == 2)

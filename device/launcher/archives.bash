@@ -1,8 +1,9 @@
 # Handing files of the desktop to the device's installer: each archive read-only under its own name.
-# shellcheck shell=bash disable=SC2154,SC2034 # variables shared with the launcher and namespace.bash
+# shellcheck shell=bash
 
 asked=
 placing=
+report= # "fields" where a program reads what comes of it
 
 check_installable() {
     if [[ -d $1 ]]; then
@@ -71,12 +72,13 @@ install_archives() {
         names+=("$name")
     done
     local start_folder=/archives
-    run_on_device ipainstaller --progress lines -f "${names[@]}"
+    run_on_device ipainstaller --progress lines ${report:+--report "$report"} -f "${names[@]}"
 }
 
 # export_archive IDENTIFIER FILE: the namespace sees neither the file nor its folder, only what is
 # open for writing. `placing` may be "new-" where nothing may be replaced, see confine.
 export_archive() {
     local given=("--${placing}result" "$2") output=${progress:-progress} read_only=yes
-    run_on_device ipainstaller --progress lines --descriptor 10 -b -- "$1" "$(basename -- "$2")"
+    run_on_device ipainstaller --progress lines ${report:+--report "$report"} --descriptor 10 \
+        -b -- "$1" "$(basename -- "$2")"
 }

@@ -8,8 +8,41 @@ help_of() {
         echo "Usage: dubrix install FILE.ipa|FOLDER.app..."
         echo "Installs applications on the device, in place of earlier versions."
         ;;
+    duplicate)
+        echo "Usage: dubrix duplicate [SOURCE...] [OPTION...]"
+        echo "Makes duplicates of installed applications, named by identifier or exact name, or of"
+        echo "archives FILE.ipa; without a source of the application chosen in the settings. Writes"
+        echo "number, identifier, name, version and archive of each, separated by tabs."
+        echo "  --name TEXT    its name; {n} stands for the number"
+        echo "  --color COLOR  the color of its icons: #rrggbb, r,g,b or a name of CSS"
+        echo "  --plain        neither, whatever the settings say"
+        echo "  --count N      so many of each source, 1 to 100"
+        echo "  --update yes|no|ask"
+        echo "                 whether stale duplicates on the way are rebuilt instead"
+        echo "  --output PATH  each as an archive in that folder, or, a single one, as that file;"
+        echo "                 all that is left of what is made of an archive"
+        echo "  -y, --yes      ask nothing"
+        echo "  --json         an array of objects instead of lines"
+        echo "  --quiet        nothing but failures; --verbose: also what the commands say"
+        ;;
+    update)
+        echo "Usage: dubrix update [SOURCE...] [--all] [-y|--yes] [--json] [--quiet|--verbose]"
+        echo "Rebuilds every stale duplicate of the sources, or of all with --all, the lowest number"
+        echo "first. Writes number, identifier, name, earlier and new version of each."
+        ;;
+    status)
+        echo "Usage: dubrix status [SOURCE...] [--json]"
+        echo "Writes identifier, name, version, duplicates and stale ones of each source that has"
+        echo "duplicates, or is named, and below it number, name, version and state of each."
+        ;;
+    settings)
+        echo "Usage: dubrix settings [--json]"
+        echo "       dubrix settings KEY VALUE"
+        echo "Writes what is stored for duplicates, or stores one value: application, name, name-on,"
+        echo "color or color-on."
+        ;;
     list)
-        echo "Usage: dubrix list"
+        echo "Usage: dubrix list [--json]"
         echo "Writes identifier, name, version and path of every application on the device, a line"
         echo "each, separated by tabs."
         ;;

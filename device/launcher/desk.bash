@@ -1,28 +1,68 @@
 # The desk: what a window on the device asks of the desktop side. The window reaches neither the
 # desktop's files nor, from the home screen, the device's: it asks through one pipe, is answered
 # through another, and everything goes the way of the launcher's own commands, each request in a
-# namespace of its own. See device/desk/Desk.h for what is said.
-# shellcheck shell=bash disable=SC2034,SC2154 # device, scratch and the like are the launcher's
+# namespace of its own. See windows/Desk.h for what is said.
+# shellcheck shell=bash
 
 desk_folder= # where the desk's pipes are
+claim=       # the same, while it is claimed for this launcher
 server=
 
-# claim_instance WINDOW: one window of a kind for each device. False, and the other one brought to the
-# front, where another launcher has it. Descriptor 9 holds the claim.
+# claim_window WINDOW LINE...: one window of a kind for each device. False where another launcher has
+# it: the lines are told the window that it has opened.
+claim_window() {
+    local window=$1
+    shift
+    until claim_instance "$window"; do
+        ! tell_window "$@" || return 1
+    done
+}
+
+# claim_instance WINDOW: descriptor 9 holds the claim. False where another launcher has it, in the
+# folder `desk_folder`.
 claim_instance() {
-    local folder=${XDG_RUNTIME_DIR-}
+    local folder=${XDG_RUNTIME_DIR-} tries=0
     [[ -d $folder && -O $folder ]] || folder=${TMPDIR:-/tmp}
     folder=$folder/dubrix-$UID
-    mkdir -m 700 -- "$folder" 2>/dev/null
-    # Where others may write, a folder of this name can be anybody's.
-    [[ -d $folder && ! -L $folder && -O $folder ]] || return 0
-    folder=$folder/$1-$(printf %s "$device" | sha256sum | cut -c 1-16)
-    mkdir -p -- "$folder" && exec 9>"$folder/claim" || return 0
-    if ! flock -n 9; then
-        [[ ! -p $folder/answers ]] || echo raise 1<>"$folder/answers"
-        return 1
-    fi
-    desk_folder=$folder
+    desk_folder=
+    # One that ends removes the folders, perhaps just now.
+    while ((++tries <= 20)); do
+        mkdir -m 700 -- "$folder" 2>/dev/null
+        # Where others may write, a folder of this name can be anybody's.
+        [[ -d $folder && ! -L $folder && -O $folder ]] || continue
+        claim=$folder/$1-$(printf %s "$device" | sha256sum | cut -c 1-16)
+        mkdir -- "$claim" 2>/dev/null
+        { exec 9>"$claim/claim"; } 2>/dev/null || continue
+        desk_folder=$claim
+        if ! flock -n 9; then
+            exec 9>&-
+            claim=
+            return 1
+        fi
+        [[ ! /dev/fd/9 -ef $claim/claim ]] || return 0
+    done
+    claim='' desk_folder=''
+}
+
+# Whoever finds the file without its name knows that it is none any more.
+release_claim() {
+    [[ -n $claim ]] || return 0
+    rm -rf -- "$claim"
+    rmdir -- "${claim%/*}" 2>/dev/null
+    exec 9>&-
+    claim='' desk_folder=''
+}
+
+# tell_window LINE...: to the window whose desk is in `desk_folder`. It may be about to open, or have
+# ended just now: then it is told nothing.
+tell_window() {
+    local tries=0
+    until [[ -p $desk_folder/answers ]]; do
+        [[ -e $desk_folder/claim ]] || return
+        ((++tries <= 100)) || fail "the window that is open does not answer"
+        read -r -t 0.1 <> <(:)
+    done
+    printf '%s\n' "$@" 1<>"$desk_folder/answers"
 }
 
 # open_desk VERB...: serves requests of these kinds.
@@ -33,29 +73,37 @@ open_desk() {
         make_scratch
         desk_folder=$scratch
     fi
-    rm -f -- "$desk_folder"/{requests,answers}
-    mkfifo -- "$desk_folder"/{requests,answers} || fail "cannot make pipes in $desk_folder"
+    rm -f -- "$desk_folder"/{requests,answers,new-answers}
+    mkfifo -- "$desk_folder"/{requests,new-answers} || fail "cannot make pipes in $desk_folder"
     set -m
-    serve_desk "$@" <"$desk_folder/requests" >"$desk_folder/answers" 9>&- &
+    serve_desk "$@" <"$desk_folder/requests" >"$desk_folder/new-answers" 9>&- &
     set +m
     server=$!
-    exec 4>"$desk_folder/requests" 3<"$desk_folder/answers"
+    exec 4>"$desk_folder/requests" 3<"$desk_folder/new-answers"
+    # What others write into it from now on stays there for the window.
+    mv -- "$desk_folder"/{new-answers,answers}
     kept+=(--keep 3 --keep 4)
 }
 
-# What is being done is brought to its end: the server ends when nobody can ask any more.
+# What is being done is brought to its end: the server ends when nobody can ask any more. Meanwhile
+# another launcher may open the window again.
 close_desk() {
     [[ -n $server ]] || return 0
     exec 3<&- 4>&-
+    remove_pipes
+    release_claim
     wait "$server"
     server=
-    rm -f -- "$desk_folder"/{requests,answers}
 }
 
 stop_desk() {
-    [[ -n $server ]] || return 0
-    kill -TERM -- "-$server" 2>/dev/null
-    rm -f -- "$desk_folder"/{requests,answers}
+    [[ -z $server ]] || kill -TERM -- "-$server" 2>/dev/null
+    [[ -z $server ]] || remove_pipes
+    release_claim
+}
+
+remove_pipes() {
+    [[ -z $desk_folder ]] || rm -f -- "$desk_folder"/{requests,answers}
 }
 
 # The program between judges what is asked: device/judge/Requests.h.
@@ -70,57 +118,62 @@ serve_requests() {
         case $verb in
         install | remove | export) answer "desk_$verb" "$argument" </dev/null ;;
         start) desk_start ;;
-        *) echo "failed unknown request" ;;
+        *) printf 'failed\tunknown request\n' ;;
         esac
     done
 }
 
-# answer COMMAND...: passes its progress on, then its last word: of its output when it went well, else
-# of its errors.
+# answer COMMAND...: judges what the command says, line by line, and passes on how far it is and the
+# fields of its last word. A title would tell a window that a file is there, and is kept back. Where
+# the fields say nothing, the last line of the errors is the reason of a failure.
 answer() {
-    local line last='' errors
+    local line well='' badly='' errors progress=visible report=fields
     errors=$(mktemp) || return
-    { ("$@") 2>"$errors" && echo well || echo badly; } | while IFS= read -r line; do
-        case $line in
-        'progress '*) echo "$line" ;;
-        well) echo "done $last" ;;
-        badly) echo "failed $(last_error "$errors")" ;;
-        *) last=$line ;;
+    while IFS= read -r line; do
+        case ${line%%$'\t'*} in
+        installed | replaced | removed | saved) well=$line ;;
+        failed) badly=$line ;;
+        'progress '*)
+            [[ ! $line =~ ^progress\ ([0-9]{1,3})$ ]] ||
+                printf 'progress\t%s\n' "${BASH_REMATCH[1]}"
+            ;;
         esac
-    done
+    done < <("$@" 2>"$errors")
+    if wait $!; then
+        printf '%s\n' "${well:-failed}"
+    else
+        [[ -n $badly ]] || badly=$(failure "$(tail -n 1 -- "$errors")")
+        printf '%s\n' "$badly"
+    fi
     rm -f -- "$errors"
 }
 
-last_error() {
-    tail -n 1 -- "$1" | sed 's/^\(ipainstaller\|dubrix\): //; s/ (see dubrix --help)$//'
+# failure TEXT: the fields that tell of one.
+failure() {
+    printf 'failed\t%s\n' "$(printf %s "${1#dubrix: }" | tr '[:cntrl:]' ' ')"
 }
 
 # Why a file is refused is told only of what is an application's archive: a window is not to learn
 # which other files there are.
 desk_install() {
-    local progress=visible asked=asked- status errors
+    local asked=asked- status
     scratch=
     trap drop_scratch EXIT
-    make_scratch
-    errors=$scratch/errors
-    (install_archives "$1") 2>"$errors"
+    (install_archives "$1")
     status=$?
-    if ((status == 66 || status == 3)); then
-        say "${1##*/} is not an application archive that can be read"
-    else
-        cat -- "$errors" >&2
-    fi
+    ((status != 66 && status != 3)) ||
+        failure "${1##*/} is not an application archive that can be read"
     return "$status"
 }
 
 desk_remove() {
-    run_on_device ipainstaller -u -- "$1"
+    run_on_device ipainstaller --report "$report" -u -- "$1"
 }
 
 # Saves the application in the person's own folder, over nothing that is there; the last word is where.
 desk_export() {
-    local progress=visible placing=new- folder
-    folder=$(downloads)
+    local placing=new- folder
+    folder=$(downloads) || return
     export_archive "$1" "$folder/$(name_of "$1").ipa"
 }
 
@@ -129,6 +182,7 @@ downloads() {
     ! type -P xdg-user-dir >/dev/null || folder=$(xdg-user-dir DOWNLOAD)
     [[ -d $folder && ! $folder -ef $HOME ]] || folder=$HOME/Downloads
     [[ -d $folder ]] || folder=$HOME
+    [[ -n $folder ]] || fail "there is no folder of downloads: HOME is not set"
     printf '%s\n' "$folder"
 }
 
@@ -147,6 +201,7 @@ name_of() {
 
 # The application outlives the window that asked for it, but not a launcher that is interrupted.
 desk_start() {
-    "$self" --device "$device" ${appearance:+--appearance "$appearance"} </dev/null >&2 &
-    echo "done"
+    "$self" --device "$device" ${appearance:+--appearance "$appearance"} ${verbose:+--verbose} \
+        </dev/null >&2 &
+    echo started
 }

@@ -1,5 +1,5 @@
 # The device's folder: recognising it, making it whole or not at all.
-# shellcheck shell=bash disable=SC2154 # device, share and with_samples are the launcher's
+# shellcheck shell=bash
 
 is_device() {
     local folder
@@ -16,6 +16,8 @@ is_missing_or_empty() {
 # Leaves `device` a usable device or ends the launcher.
 open_device() {
     check_tools
+    [[ -d ${TMPDIR:-/tmp} && -w ${TMPDIR:-/tmp} ]] ||
+        fail "temporary files have no place: ${TMPDIR:-/tmp} is no folder that can be written"
     choose_isolation
     if ! is_device "$device"; then
         is_missing_or_empty "$device" || mistake "$device is neither empty nor a device"
@@ -33,6 +35,14 @@ require_own_device() {
     [[ $(stat -c %a -- "$device") == 700 ]] ||
         fail "$device cannot be closed to other users"
     say "$device was open to other users and is closed to them now"
+}
+
+# Ends the launcher where a command would write on a device that only can be read.
+require_writable() {
+    local folder
+    for folder in "$device"/{tmp,var,Applications}; do
+        [[ -w $folder ]] || fail "$device cannot be written"
+    done
 }
 
 # Built beside its place and renamed. When another launcher was faster, the rename meets a folder

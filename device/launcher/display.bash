@@ -1,5 +1,5 @@
 # The desktop's display on the device.
-# shellcheck shell=bash disable=SC2154,SC2034 # variables shared with the launcher and namespace.bash
+# shellcheck shell=bash
 
 mount_point=
 
@@ -21,6 +21,7 @@ share_display() {
     [[ -z ${XDG_SESSION_TYPE-} ]] || set_variable XDG_SESSION_TYPE "$XDG_SESSION_TYPE"
     [[ -z ${WAYLAND_DISPLAY-} ]] || share_wayland
     [[ -z ${DISPLAY-} ]] || share_x11
+    share_accessibility
 }
 
 share_wayland() {

@@ -1,6 +1,6 @@
 # Driving a window by a script. The window has none of the desktop's paths: its script
 # comes through descriptor 6, its screenshots go out through 7 and are answered through 8.
-# shellcheck shell=bash disable=SC2154 # scratch and the like are the launcher's
+# shellcheck shell=bash
 
 # drive_window WINDOW SCRIPT SHOW SIZE: WINDOW is app or home, SCRIPT a file or - for standard input;
 # SIZE may be empty.
@@ -66,7 +66,7 @@ open_pipe() {
     local -n to=$1 from=$2
     local both
     exec {both}<> <(:)
-    # shellcheck disable=SC2034 # for the caller
+    # shellcheck disable=SC2034 # the caller's
     exec {to}>"/dev/fd/$both" {from}<"/dev/fd/$both"
     exec {both}>&-
 }

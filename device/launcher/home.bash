@@ -1,5 +1,5 @@
 # The home screen: a window that looks at the device and changes nothing itself.
-# shellcheck shell=bash disable=SC2034,SC2154 # variables shared with the launcher and namespace.bash
+# shellcheck shell=bash
 
 home_requests=(install remove export start)
 
@@ -18,13 +18,19 @@ prepare_home() {
     [[ $(desktop_motion) != reduced ]] || home_arguments+=(--reduced-motion)
 }
 
-# show_home SIZE BESIDE; both may be empty.
+# show_home SIZE BESIDE FILE...: the home screen, and these files to be installed by it; size and
+# beside may be empty. One that is open already comes to the front.
 show_home() {
-    claim_instance home || return 0
+    local size=$1 beside=$2 lines=()
+    shift 2
+    (($# == 0)) || lines=("${@/#/$'install\t'}")
+    claim_window home "${lines[@]}" raise || return 0
     open_desk "${home_requests[@]}"
+    ((${#lines[@]} == 0)) || tell_window "${lines[@]}"
     prepare_home "$(desktop_appearance)"
     share_display
-    run_on_device dubrix-home "${home_arguments[@]}" --desk 3:4 ${1:+--size "$1"} ${2:+--beside}
+    run_on_device dubrix-home "${home_arguments[@]}" --desk 3:4 ${size:+--size "$size"} \
+        ${beside:+--beside} ${verbose:+--verbose}
     local status=$?
     close_desk
     return "$status"

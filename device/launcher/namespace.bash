@@ -1,6 +1,6 @@
 # Running a command on the device: in a mount namespace in which the device's folders have the
 # phone's paths, or, where that is not permitted, against the device's folder without isolation.
-# shellcheck shell=bash disable=SC2154 # device, libexec and share are the launcher's
+# shellcheck shell=bash
 
 isolated=
 system=()                 # the desktop's system folders, read-only
@@ -9,6 +9,7 @@ variables=()              # the same for a command without isolation, as NAME=VA
 given=()                  # files of the desktop for the command, as options of confine
 kept=()                   # descriptors that the command is given, as options of confine
 output=visible            # how its output is passed on, see confine
+streams=()                # what else confine is told of its streams
 network=(--unshare-net)   # empty where the network is shared
 memory=(--unshare-ipc)    # empty where shared memory is needed with the desktop
 read_only=                # not empty where a command may only look at the device
@@ -139,9 +140,12 @@ namespace_line() {
 # Runs a program of the device with its arguments; gives its exit status.
 run_on_device() {
     [[ -x $libexec/$1 ]] || fail "$libexec/$1 is missing: incomplete build"
-    local line session=(--new-session) confining=(--output "$output" --device "$device")
+    local line session=(--new-session) confining=(--output "$output" "${streams[@]}" --device "$device")
     local program=("$@")
-    [[ -n $read_only ]] || touched=yes
+    if [[ -z $read_only ]]; then
+        require_writable
+        touched=yes
+    fi
     if [[ -n $isolated ]]; then
         if [[ $1 == dubrix-app ]]; then
             confining+=(--web-pages)
@@ -169,6 +173,7 @@ shell_on_device() {
         # to read.
         [[ -t 0 && $# != 0 ]] || confining+=(--input)
     fi
+    require_writable
     touched=yes
     set_variable INPUTRC /dev/null
     if [[ -n $isolated ]]; then

@@ -66,8 +66,8 @@ void paintFern(QPainter& painter) {
 
 QPainterPath wave(double level, double height, double phase) {
     QPainterPath path(QPointF(-2, 102));
-    for (double x = -2; x <= 102; x += 1) {
-        path.lineTo(x, level + height * std::sin(x / 100 * 2.6 * std::numbers::pi + phase));
+    for (int x = -2; x <= 102; ++x) {
+        path.lineTo(x, level + height * std::sin(x / 100.0 * 2.6 * std::numbers::pi + phase));
     }
     path.lineTo(102, 102);
     path.closeSubpath();
@@ -119,8 +119,9 @@ void paintFernleaf(QPainter& painter) {
     painter.fillPath(
         page, gradient({21, 14}, {79, 87}, QColor(0xff, 0xfd, 0xf4), QColor(0xf0, 0xe7, 0xcf)));
     painter.setPen(QPen(QColor(0xd9, 0xcd, 0xae), 1.1));
-    for (double line = 27; line < 84; line += 10.5) {
-        painter.drawLine(QPointF(28, line), QPointF(72, line));
+    for (int line = 0; line < 6; ++line) {
+        const double y = 27 + 10.5 * line;
+        painter.drawLine(QPointF(28, y), QPointF(72, y));
     }
     paintFern(painter);
 }

@@ -1,7 +1,7 @@
 #include "device/samples/SampleBundle.h"
 
-#include "formats/PropertyList.h"
-#include "formats/WholeFile.h"
+#include "files/WholeFile.h"
+#include "formats/lists/PropertyList.h"
 
 #include <algorithm>
 

@@ -1,4 +1,5 @@
 import QtQuick
+import DubrixControls
 import DubrixHome
 
 /// What can be done with an icon that is held, beside that icon.
@@ -35,34 +36,30 @@ LayerScope {
 
     Behavior on opacity {
         NumberAnimation {
-            duration: HomeTheme.duration(140)
+            duration: Theme.duration(140)
         }
     }
 
-    Rectangle {
+    Shade {
         anchors.fill: parent
-        color: HomeTheme.dim
-
-        TapHandler {
-            acceptedButtons: Qt.LeftButton | Qt.RightButton
-            gesturePolicy: TapHandler.ReleaseWithinBounds
-            onTapped: menu.close()
-        }
+        onTapped: menu.close()
     }
 
     Rectangle {
         id: card
 
-        readonly property real below: menu.beside.y + menu.beside.height + HomeTheme.points(30)
+        readonly property real below: menu.beside.y + menu.beside.height + Theme.points(30)
+        readonly property real farthest: menu.width - width - Theme.margin
 
-        x: Math.max(HomeTheme.margin, Math.min(menu.beside.x + menu.beside.width / 2 - width / 2, menu.width - width - HomeTheme.margin))
-        y: below + height < menu.height - HomeTheme.margin ? below : menu.beside.y - height - HomeTheme.points(10)
-        width: HomeTheme.points(230)
+        x: Math.max(Theme.margin, Math.min(menu.beside.x + (menu.beside.width - width) / 2, farthest))
+        y: below + height < menu.height - Theme.margin ? below
+                                                       : menu.beside.y - height - Theme.points(10)
+        width: Theme.points(230)
         height: choices.height
-        radius: HomeTheme.points(15)
-        color: HomeTheme.card
+        radius: Theme.points(14)
+        color: Theme.alert
         border.width: 1
-        border.color: HomeTheme.separator
+        border.color: Theme.separator
         Accessible.role: Accessible.PopupMenu
         Accessible.name: menu.name
 
@@ -73,15 +70,15 @@ LayerScope {
 
             Text {
                 width: parent.width
-                padding: HomeTheme.points(12)
+                padding: Theme.points(12)
                 text: menu.name
-                color: HomeTheme.quietInk
-                font.pixelSize: HomeTheme.noteSize
+                color: Theme.secondaryText
+                font.pixelSize: Theme.noteSize
                 horizontalAlignment: Text.AlignHCenter
                 elide: Text.ElideMiddle
                 textFormat: Text.PlainText
             }
-            CardButton {
+            AlertButton {
                 id: exportButton
 
                 width: parent.width
@@ -92,7 +89,7 @@ LayerScope {
                     menu.home.save(menu.identifier);
                 }
             }
-            CardButton {
+            AlertButton {
                 id: removeButton
 
                 width: parent.width

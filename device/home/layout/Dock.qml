@@ -1,4 +1,5 @@
 import QtQuick
+import DubrixControls
 import DubrixHome
 
 /// The strip at the bottom with the application's own icon, in sight from every page.
@@ -7,42 +8,30 @@ Rectangle {
 
     required property HomeScreen home
 
-    height: HomeTheme.points(104)
-    radius: HomeTheme.points(26)
+    height: Theme.points(104)
+    radius: Theme.points(26)
     color: HomeTheme.glass
     border.width: 1
     border.color: HomeTheme.glassEdge
 
-    Item {
+    Pressable {
         id: own
 
         anchors.centerIn: parent
-        width: HomeTheme.points(90)
+        width: Theme.points(90)
         height: parent.height
-        activeFocusOnTab: true
-        Accessible.role: Accessible.Button
-        Accessible.name: dock.home.ownName
+        text: dock.home.ownName
         Accessible.description: qsTr("Starts the application")
-        Accessible.focusable: true
-        Accessible.onPressAction: if (enabled && visible) dock.home.tapOwn()
-        Keys.onReturnPressed: dock.home.tapOwn()
-        Keys.onEnterPressed: dock.home.tapOwn()
-        Keys.onSpacePressed: dock.home.tapOwn()
+        onTapped: dock.home.tapOwn()
 
         IconArt {
             anchors.horizontalCenter: parent.horizontalCenter
-            y: HomeTheme.points(11)
+            y: Theme.points(11)
             source: dock.home.ownIcon
             name: dock.home.ownName
-            pressed: tap.pressed
+            pressed: own.pressed
             marked: own.activeFocus && KeyboardUse.active
             cell: own.width
-        }
-
-        TapHandler {
-            id: tap
-
-            onTapped: dock.home.tapOwn()
         }
     }
 }

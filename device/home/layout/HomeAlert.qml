@@ -1,4 +1,5 @@
 import QtQuick
+import DubrixControls
 import DubrixHome
 
 /// A question or a failure, over everything else until it is answered.
@@ -7,12 +8,6 @@ LayerScope {
 
     required property HomeScreen home
     readonly property bool shown: home.alertTitle !== ""
-    readonly property bool asks: action !== ""
-
-    // Kept while the alert fades.
-    property string title: ""
-    property string text: ""
-    property string action: ""
 
     signal closed
 
@@ -20,104 +15,37 @@ LayerScope {
     Accessible.role: Accessible.LayeredPane
     opacity: shown ? 1 : 0
     visible: opacity > 0
-    onShownChanged: shown ? dismiss.forceActiveFocus() : closed()
-
-    Binding {
-        alert.title: alert.home.alertTitle
-        alert.text: alert.home.alertText
-        alert.action: alert.home.alertAction
-        when: alert.shown
-        restoreMode: Binding.RestoreNone
-    }
-    Keys.onEscapePressed: alert.home.alertDismissed()
-    Keys.onLeftPressed: dismiss.forceActiveFocus()
-    Keys.onRightPressed: if (alert.asks) accept.forceActiveFocus()
+    onShownChanged: shown ? box.forceActiveFocus() : closed()
 
     Behavior on opacity {
         NumberAnimation {
-            duration: HomeTheme.duration(140)
+            duration: Theme.duration(140)
         }
     }
 
-    Rectangle {
+    AlertBox {
+        id: box
+
+        property string action: ""
+        readonly property bool asks: action !== ""
+
         anchors.fill: parent
-        color: HomeTheme.dim
-
-        // Nothing below is to be had meanwhile.
-        TapHandler {
-            gesturePolicy: TapHandler.ReleaseWithinBounds
-        }
+        focus: true
+        title: ""
+        message: ""
+        buttons: asks ? [qsTr("Cancel"), action] : [qsTr("OK")]
+        startButton: 0
+        cancelButton: 0
+        dangerousButton: asks ? 1 : -1
+        onPressed: button => button === 0 ? alert.home.alertDismissed() : alert.home.alertAccepted()
     }
 
-    Rectangle {
-        anchors.centerIn: parent
-        width: Math.min(alert.width - 2 * HomeTheme.margin, HomeTheme.points(300))
-        height: words.height + dismiss.height
-        radius: HomeTheme.points(16)
-        color: HomeTheme.card
-        border.width: 1
-        border.color: HomeTheme.separator
-        Accessible.role: Accessible.AlertMessage
-        Accessible.name: alert.title
-        Accessible.description: alert.text
-
-        Column {
-            id: words
-
-            width: parent.width
-            padding: HomeTheme.points(18)
-            spacing: HomeTheme.points(6)
-
-            Text {
-                width: parent.width - 2 * parent.padding
-                text: alert.title
-                color: HomeTheme.ink
-                font.pixelSize: HomeTheme.titleSize
-                font.weight: Font.DemiBold
-                horizontalAlignment: Text.AlignHCenter
-                wrapMode: Text.Wrap
-                maximumLineCount: 4
-                elide: Text.ElideRight
-                textFormat: Text.PlainText
-            }
-            Text {
-                width: parent.width - 2 * parent.padding
-                text: alert.text
-                color: HomeTheme.ink
-                font.pixelSize: HomeTheme.bodySize
-                horizontalAlignment: Text.AlignHCenter
-                wrapMode: Text.Wrap
-                maximumLineCount: 8
-                elide: Text.ElideRight
-                textFormat: Text.PlainText
-            }
-        }
-
-        CardButton {
-            id: dismiss
-
-            anchors.bottom: parent.bottom
-            width: alert.asks ? parent.width / 2 : parent.width
-            text: alert.asks ? qsTr("Cancel") : qsTr("OK")
-            strong: !alert.asks
-            lineAbove: true
-            onTapped: alert.home.alertDismissed()
-        }
-        CardButton {
-            id: accept
-
-            anchors {
-                bottom: parent.bottom
-                right: parent.right
-            }
-            width: parent.width / 2
-            visible: alert.asks
-            text: alert.action
-            dangerous: true
-            strong: true
-            lineAbove: true
-            lineLeft: true
-            onTapped: alert.home.alertAccepted()
-        }
+    // What it says is kept while it fades.
+    Binding {
+        box.title: alert.home.alertTitle
+        box.message: alert.home.alertText
+        box.action: alert.home.alertAction
+        when: alert.shown
+        restoreMode: Binding.RestoreNone
     }
 }

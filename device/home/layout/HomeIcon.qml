@@ -1,20 +1,22 @@
 import QtQuick
+import DubrixControls
 import DubrixHome
 
 /// One application on its page. It comes with a little leap, moves when its slot changes and shrinks
 /// away when it leaves.
-Item {
+Pressable {
     id: icon
 
     required property string identifier
     required property string name
-    required property url icon
+    required property url picture
     required property int slot
     required property bool leaving
     required property bool arriving
     required property int position
     required property HomeGrid grid
     readonly property bool isCurrent: !leaving && grid.current === position
+    readonly property bool entered: grid.entered && KeyboardUse.active
 
     /// The slot's place, in cells.
     property real column: slot % grid.columns
@@ -23,12 +25,8 @@ Item {
     signal gone
 
     function takeFocus() {
-        if (isCurrent && KeyboardUse.active)
+        if (isCurrent && entered)
             forceActiveFocus();
-    }
-    function tapped() {
-        bounce.restart();
-        grid.home.tap(identifier);
     }
     function askMenu() {
         grid.current = position;
@@ -41,33 +39,35 @@ Item {
     height: grid.cellHeight
     enabled: !leaving
     focus: isCurrent
+    activeFocusOnTab: false
     onIsCurrentChanged: takeFocus()
+    onEnteredChanged: takeFocus()
     onLeavingChanged: departure.start()
     Component.onCompleted: {
         takeFocus();
         if (arriving)
             arrival.start();
     }
-    Accessible.role: Accessible.Button
+    holdable: true
+    onHeld: icon.askMenu()
+    onTapped: {
+        bounce.restart();
+        grid.home.tap(identifier);
+    }
     Accessible.name: name
     Accessible.description: identifier
-    Accessible.focusable: true
-    Accessible.onPressAction: if (icon.enabled && icon.visible) icon.tapped()
-    Keys.onReturnPressed: icon.tapped()
-    Keys.onEnterPressed: icon.tapped()
-    Keys.onSpacePressed: icon.tapped()
     Keys.onDeletePressed: grid.home.remove(identifier)
     Keys.onMenuPressed: icon.askMenu()
 
     Behavior on column {
         NumberAnimation {
-            duration: HomeTheme.duration(280)
+            duration: Theme.duration(280)
             easing.type: Easing.OutCubic
         }
     }
     Behavior on line {
         NumberAnimation {
-            duration: HomeTheme.duration(280)
+            duration: Theme.duration(280)
             easing.type: Easing.OutCubic
         }
     }
@@ -76,20 +76,14 @@ Item {
         id: art
 
         anchors.horizontalCenter: parent.horizontalCenter
-        y: Math.max(HomeTheme.points(4), (parent.height - HomeTheme.points(84)) / 2)
-        source: icon.icon
+        y: Math.max(Theme.points(4), (parent.height - Theme.points(84)) / 2)
+        source: icon.picture
         name: icon.name
-        pressed: tap.pressed
+        pressed: icon.pressed
         marked: icon.activeFocus && KeyboardUse.active
         cell: icon.width
     }
 
-    TapHandler {
-        id: tap
-
-        onTapped: icon.tapped()
-        onLongPressed: icon.askMenu()
-    }
     TapHandler {
         acceptedButtons: Qt.RightButton
         onTapped: icon.askMenu()
@@ -101,15 +95,15 @@ Item {
         NumberAnimation {
             target: art
             property: "lift"
-            to: HomeTheme.still ? 0 : HomeTheme.points(10)
-            duration: HomeTheme.duration(110)
+            to: Theme.still ? 0 : Theme.points(10)
+            duration: Theme.duration(110)
             easing.type: Easing.OutQuad
         }
         NumberAnimation {
             target: art
             property: "lift"
             to: 0
-            duration: HomeTheme.duration(420)
+            duration: Theme.duration(420)
             easing.type: Easing.OutBounce
         }
     }
@@ -118,9 +112,9 @@ Item {
 
         target: icon
         property: "scale"
-        from: HomeTheme.still ? 1 : 0
+        from: Theme.still ? 1 : 0
         to: 1
-        duration: HomeTheme.duration(420)
+        duration: Theme.duration(420)
         easing.type: Easing.OutBack
     }
     SequentialAnimation {
@@ -132,7 +126,7 @@ Item {
             target: icon
             properties: "scale,opacity"
             to: 0
-            duration: HomeTheme.duration(220)
+            duration: Theme.duration(220)
             easing.type: Easing.InCubic
         }
     }

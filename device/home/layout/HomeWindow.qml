@@ -2,6 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Window
+import DubrixControls
 import DubrixHome
 
 /// The home screen's window: wallpaper, pages of icons, dock, and what comes over them.
@@ -11,18 +12,23 @@ Window {
     required property HomeScreen home
     readonly property bool occupied: menu.shown || alert.shown
 
-    width: Math.min(HomeTheme.points(390), Screen.desktopAvailableWidth)
-    height: Math.min(HomeTheme.points(760), Screen.desktopAvailableHeight)
-    minimumWidth: HomeTheme.points(320)
-    minimumHeight: HomeTheme.points(420)
+    width: Math.min(Theme.points(390), Screen.desktopAvailableWidth)
+    height: Math.min(Theme.points(760), Screen.desktopAvailableHeight)
+    minimumWidth: Theme.points(320)
+    minimumHeight: Theme.points(420)
     title: qsTr("Home screen – Dubrix")
     color: HomeTheme.ground
     visible: true
-    Component.onCompleted: HomeTheme.still = window.home.reducedMotion
+    Component.onCompleted: Theme.still = window.home.reducedMotion
+
+    Shortcut {
+        sequences: ["Ctrl+Q", "Ctrl+W"]
+        onActivated: window.close()
+    }
 
     Image {
         anchors.fill: parent
-        source: HomeTheme.dark ? "image://wallpaper/dark" : "image://wallpaper/light"
+        source: Theme.dark ? "image://wallpaper/dark" : "image://wallpaper/light"
         fillMode: Image.PreserveAspectCrop
         asynchronous: true
         Accessible.ignored: true
@@ -39,17 +45,21 @@ Window {
 
             anchors {
                 fill: parent
-                topMargin: HomeTheme.points(20)
-                bottomMargin: dock.height + dots.height + HomeTheme.points(22)
+                topMargin: Theme.points(20)
+                bottomMargin: dock.height + dots.height + Theme.points(22)
             }
             focus: true
             home: window.home
             onMenuAsked: (icon, identifier, name) => menu.open(icon, identifier, name)
         }
 
-        EmptyHome {
+        EmptyState {
             anchors.centerIn: pages
-            width: Math.min(pages.width - 2 * HomeTheme.margin, HomeTheme.points(300))
+            width: Math.min(pages.width - 2 * Theme.margin, Theme.points(300))
+            title: qsTr("No applications yet")
+            message: qsTr("Drop an .ipa archive here to install it.")
+            ink: HomeTheme.ink
+            quietInk: HomeTheme.quietInk
             visible: window.home.applications.loaded && pages.count === 0
         }
 
@@ -58,10 +68,10 @@ Window {
 
             anchors {
                 bottom: dock.top
-                bottomMargin: HomeTheme.points(6)
+                bottomMargin: Theme.points(6)
                 horizontalCenter: parent.horizontalCenter
             }
-            width: parent.width - 2 * HomeTheme.margin
+            width: parent.width - 2 * Theme.margin
             pageCount: pages.pageCount
             page: pages.page
             onTurned: page => pages.turnTo(page)
@@ -72,38 +82,29 @@ Window {
 
             anchors {
                 bottom: parent.bottom
-                bottomMargin: HomeTheme.points(12)
+                bottomMargin: Theme.points(12)
                 horizontalCenter: parent.horizontalCenter
             }
-            width: Math.min(parent.width - HomeTheme.points(24), HomeTheme.points(460))
+            width: Math.min(parent.width - Theme.points(24), Theme.points(460))
             home: window.home
         }
     }
 
     Banner {
         anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(parent.width - HomeTheme.points(24), HomeTheme.points(420))
-        line: dock.y - HomeTheme.points(10)
-        home: window.home
+        width: Math.min(parent.width - Theme.points(24), Theme.points(420))
+        line: dock.y - Theme.points(10)
+        busy: window.home.errand !== ""
+        words: window.home.errand || window.home.remark
+        percent: window.home.percent
+        onPassed: window.home.remarkPassed()
     }
 
-    DropMark {
-        id: dropMark
-
-        anchors.fill: parent
-        shown: drops.containsDrag
-    }
-
-    DropArea {
-        id: drops
-
+    DropZone {
         anchors.fill: parent
         enabled: !window.occupied
-        onEntered: drag => drag.accepted = window.home.takes(drag.urls)
-        onDropped: drop => {
-            drop.accept(Qt.CopyAction);
-            window.home.drop(drop.urls);
-        }
+        takes: files => window.home.takes(files)
+        onTaken: files => window.home.drop(files)
     }
 
     ActionMenu {
@@ -121,6 +122,6 @@ Window {
 
         anchors.fill: parent
         home: window.home
-        onClosed: (menu.shown ? menu : pages).forceActiveFocus()
+        onClosed: menu.shown ? menu.forceActiveFocus() : pages.forceActiveFocus()
     }
 }

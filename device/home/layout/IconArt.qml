@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Window
+import DubrixControls
 import DubrixHome
 
 /// An icon with its name under it.
@@ -19,11 +20,11 @@ Item {
 
     Rectangle {
         anchors.fill: picture
-        anchors.margins: -HomeTheme.points(5)
-        radius: HomeTheme.points(18)
+        anchors.margins: -Theme.points(5)
+        radius: Theme.points(18)
         color: "transparent"
-        border.width: HomeTheme.points(2.5)
-        border.color: HomeTheme.accent
+        border.width: Theme.points(2.5)
+        border.color: Theme.accent
         visible: art.marked
     }
 
@@ -53,10 +54,10 @@ Item {
     Text {
         anchors {
             top: parent.bottom
-            topMargin: HomeTheme.points(6)
+            topMargin: Theme.points(6)
             horizontalCenter: parent.horizontalCenter
         }
-        width: art.cell - HomeTheme.points(6)
+        width: art.cell - Theme.points(6)
         text: art.name
         color: HomeTheme.ink
         style: Text.Raised

@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import DubrixControls
 import DubrixHome
 
 /// Which page is in sight: a dot for each page, or its number where there are too many for that.
@@ -9,12 +10,29 @@ Item {
 
     required property int pageCount
     required property int page
-    readonly property bool fit: pageCount * HomeTheme.points(18) <= width
+    readonly property bool fit: pageCount * Theme.points(18) <= width
 
     signal turned(int page)
 
-    height: HomeTheme.points(24)
+    height: Theme.points(24)
     visible: pageCount > 1
+
+    component TurnButton: Pressable {
+        id: turn
+
+        property bool backward: false
+
+        width: Theme.points(34)
+        height: dots.height
+        activeFocusOnTab: false
+        opacity: enabled ? (pressed ? 0.5 : 1) : 0.3
+
+        Chevron {
+            anchors.centerIn: parent
+            color: HomeTheme.ink
+            mirrored: turn.backward
+        }
+    }
 
     Row {
         anchors.centerIn: parent
@@ -22,28 +40,26 @@ Item {
 
         Repeater {
             model: dots.fit ? dots.pageCount : 0
-            delegate: Item {
+            delegate: Pressable {
                 id: dot
 
                 required property int index
 
-                width: HomeTheme.points(18)
+                width: Theme.points(18)
                 height: dots.height
+                activeFocusOnTab: false
+                text: qsTr("Page %1").arg(index + 1)
                 Accessible.role: Accessible.PageTab
-                Accessible.name: qsTr("Page %1").arg(index + 1)
                 Accessible.selected: index === dots.page
-                Accessible.onPressAction: if (enabled && visible) dots.turned(index)
+                onTapped: dots.turned(index)
 
                 Rectangle {
                     anchors.centerIn: parent
-                    width: HomeTheme.points(7.5)
+                    width: Theme.points(7.5)
                     height: width
                     radius: width / 2
                     color: HomeTheme.ink
                     opacity: dot.index === dots.page ? 1 : 0.3
-                }
-                TapHandler {
-                    onTapped: dots.turned(dot.index)
                 }
             }
         }
@@ -52,27 +68,24 @@ Item {
     Row {
         anchors.centerIn: parent
         visible: !dots.fit
-        spacing: HomeTheme.points(8)
+        spacing: Theme.points(8)
 
         TurnButton {
-            text: "‹"
-            name: qsTr("Previous page")
+            text: qsTr("Previous page")
+            backward: true
             enabled: dots.page > 0
-            height: dots.height
             onTapped: dots.turned(dots.page - 1)
         }
         Text {
             height: dots.height
             text: qsTr("Page %1 of %2").arg(dots.page + 1).arg(dots.pageCount)
             color: HomeTheme.ink
-            font.pixelSize: HomeTheme.noteSize
+            font.pixelSize: Theme.noteSize
             verticalAlignment: Text.AlignVCenter
         }
         TurnButton {
-            text: "›"
-            name: qsTr("Next page")
+            text: qsTr("Next page")
             enabled: dots.page < dots.pageCount - 1
-            height: dots.height
             onTapped: dots.turned(dots.page + 1)
         }
     }

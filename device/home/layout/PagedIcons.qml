@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import DubrixControls
 import DubrixHome
 
 /// The pages of icons, one beside the other. Only the page in sight and its neighbours are there.
@@ -44,6 +45,7 @@ FocusScope {
 
         home: pager.home
         area: Qt.size(pager.width, pager.height)
+        entered: pager.activeFocus
         onMenuAsked: (icon, identifier, name) => pager.menuAsked(icon, identifier, name)
     }
 
@@ -76,7 +78,7 @@ FocusScope {
         highlightRangeMode: ListView.StrictlyEnforceRange
         preferredHighlightBegin: 0
         preferredHighlightEnd: 0
-        highlightMoveDuration: HomeTheme.duration(280)
+        highlightMoveDuration: Theme.duration(280)
         highlightMoveVelocity: -1
         flickDeceleration: 5000
         cacheBuffer: width
