@@ -1,6 +1,6 @@
 #pragma once
 
-#include "formats/RgbaImage.h"
+#include "formats/images/RgbaImage.h"
 
 #include <optional>
 #include <string>

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/SystemLog.h"
+
+namespace dubrix {
+
+/// The system log of the desktop, and standard error for whoever started the program by hand.
+class PosixSystemLog final : public SystemLog {
+public:
+    void log(const std::string& text) override;
+};
+
+} // namespace dubrix
