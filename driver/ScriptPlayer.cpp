@@ -12,7 +12,7 @@ constexpr int restingLooks = 8;
 constexpr double tapPatience = 5;
 constexpr double shotPatience = 2;
 
-QString oneLine(QString text) {
+QString oneLine(const QString& text) {
     return text.trimmed().replace(QLatin1Char('\n'), QStringLiteral(" / "));
 }
 
@@ -52,7 +52,7 @@ void ScriptPlayer::look() {
         return;
     const Outcome outcome = tryStep();
     if (outcome == Outcome::Done) {
-        std::cout << "ok    " << line_ << std::endl;
+        std::cout << "ok    " << line_ << '\n' << std::flush;
         step_.reset();
     } else if (outcome == Outcome::Failed ||
                waiting_.elapsed() >= static_cast<qint64>(patience(*step_) * 1000)) {
@@ -66,7 +66,8 @@ void ScriptPlayer::narrate() {
         if (!alerts_.contains(alert))
             std::cout << "      " << oneLine(alert.title).toStdString()
                       << (alert.message.isEmpty() ? "" : ": ")
-                      << oneLine(alert.message).toStdString() << std::endl;
+                      << oneLine(alert.message).toStdString() << '\n'
+                      << std::flush;
     alerts_ = shown;
 }
 
@@ -75,7 +76,7 @@ bool ScriptPlayer::takeStep() {
         line_ = *line;
         const ScriptLine parsed = parseScriptLine(line_);
         if (!parsed.error.empty()) {
-            std::cout << "wrong " << line_ << "\n      " << parsed.error << std::endl;
+            std::cout << "wrong " << line_ << "\n      " << parsed.error << '\n' << std::flush;
             end(2);
             return false;
         }

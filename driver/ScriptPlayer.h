@@ -1,9 +1,9 @@
 #pragma once
 
 #include "driver/Screen.h"
-#include "driver/ScriptReader.h"
-#include "driver/ScriptStep.h"
-#include "driver/ShotPipe.h"
+#include "driver/script/ScriptReader.h"
+#include "driver/script/ScriptStep.h"
+#include "driver/script/ShotPipe.h"
 
 #include <QByteArray>
 #include <QElapsedTimer>

@@ -1,4 +1,6 @@
-#include "driver/ShotPipe.h"
+#include "driver/script/ShotPipe.h"
+
+#include "files/Descriptor.h"
 
 #include <cerrno>
 #include <unistd.h>
@@ -6,18 +8,6 @@
 namespace dubrix {
 
 namespace {
-
-bool writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
 
 std::string readLine(int descriptor) {
     std::string line;

@@ -1,7 +1,8 @@
-#include "driver/ScriptStep.h"
+#include "driver/script/ScriptStep.h"
+
+#include "formats/text/Decimal.h"
 
 #include <array>
-#include <charconv>
 #include <utility>
 
 namespace dubrix {
@@ -43,8 +44,8 @@ std::optional<std::string> takeQuoted(std::string_view& text) {
 
 std::optional<double> seconds(std::string_view text) {
     double value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    const bool isInRange = value >= 0 && value <= 3600; // not a number is not
+    const auto [end, error] = readDecimal(text, value);
+    const bool isInRange = value <= 3600;
     if (error != std::errc() || end != text.data() + text.size() || !isInRange)
         return std::nullopt;
     return value;
