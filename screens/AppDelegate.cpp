@@ -1,6 +1,6 @@
 #include "screens/AppDelegate.h"
 
-#include "screens/TabBarController.h"
+#include "screens/containers/TabBarController.h"
 
 namespace dubrix {
 

@@ -1,19 +1,18 @@
 #pragma once
 
-#include <QList>
-#include <QObject>
-#include <QUrl>
+#include "windows/Errands.h"
+
 #include <qqmlregistration.h>
 
 namespace dubrix {
 
-/// Archives that are dropped on the window: hands them to whoever installs them, one after the
-/// other, and says how that goes.
+/// Archives that are dropped on the window: has them installed and says how that goes.
 class ArchiveDrop : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made by the program")
-    /// What is being done or what came of it; empty when there is nothing to say.
+    /// What came of what was dropped last and what is still being done, a line for each; empty when
+    /// there is nothing to say.
     Q_PROPERTY(QString words READ words NOTIFY changed)
     Q_PROPERTY(bool busy READ isBusy NOTIFY changed)
     /// Whether `words` tell of a failure.
@@ -22,34 +21,24 @@ class ArchiveDrop : public QObject {
     Q_PROPERTY(int percent READ percent NOTIFY changed)
 
 public:
-    using QObject::QObject;
+    explicit ArchiveDrop(Errands& errands);
 
-    QString words() const { return words_; }
-    bool isBusy() const { return !names_.isEmpty(); }
-    bool hasFailed() const { return failed_; }
-    int percent() const { return percent_; }
+    QString words() const;
+    bool isBusy() const { return errands_.isBusy(); }
+    bool hasFailed() const;
+    int percent() const { return qMax(0, errands_.percent()); }
 
     /// Whether one of these can be installed.
-    Q_INVOKABLE bool takes(const QList<QUrl>& files) const;
-    Q_INVOKABLE void drop(const QList<QUrl>& files);
+    Q_INVOKABLE bool takes(const QList<QUrl>& files) const { return Errands::takes(files); }
+    Q_INVOKABLE void drop(const QList<QUrl>& files) { errands_.install(files); }
     /// The person has seen what came of it.
-    Q_INVOKABLE void passed();
-
-    void progressed(int percent);
-    /// The end of the installation asked for first, with the installer's words.
-    void answered(bool well, const QString& text);
+    Q_INVOKABLE void passed() { errands_.forget(); }
 
 Q_SIGNALS:
     void changed();
-    void installationAsked(const QByteArray& path);
 
 private:
-    void sayInstalling();
-
-    QList<QString> names_;
-    QString words_;
-    bool failed_ = false;
-    int percent_ = 0;
+    Errands& errands_;
 };
 
 } // namespace dubrix

@@ -1,11 +1,11 @@
 #include "screens/InterfaceLayout.h"
 
-#include "screens/AboutTableViewController.h"
-#include "screens/FirstViewController.h"
-#include "screens/ModalStack.h"
-#include "screens/NavigationController.h"
-#include "screens/PrefsViewController.h"
-#include "screens/TabBarController.h"
+#include "screens/about/AboutTableViewController.h"
+#include "screens/colors/FirstViewController.h"
+#include "screens/containers/ModalStack.h"
+#include "screens/containers/NavigationController.h"
+#include "screens/containers/TabBarController.h"
+#include "screens/prefs/PrefsViewController.h"
 
 namespace dubrix {
 
@@ -19,6 +19,21 @@ std::unique_ptr<NavigationController> makeAboutTab(const AboutServices& services
     auto about = std::make_unique<AboutTableViewController>(services);
     about->setTitle(QStringLiteral("About"));
     return std::make_unique<NavigationController>(std::move(about));
+}
+
+void showApplications(TabBarController& tabs) {
+    tabs.setSelectedIndex(0);
+    static_cast<PrefsViewController*>(tabs.viewControllerAt(0))
+        ->tableViewDidSelectRowAtIndexPath(0, 0);
+}
+
+void showInstructions(TabBarController& tabs) {
+    tabs.setSelectedIndex(1);
+    auto& navigation = *static_cast<NavigationController*>(tabs.viewControllerAt(1));
+    while (navigation.canGoBack())
+        navigation.popViewController();
+    static_cast<AboutTableViewController*>(navigation.topViewController())
+        ->tableViewDidSelectRowAtIndexPath(1, 0);
 }
 
 } // namespace
@@ -37,6 +52,11 @@ std::unique_ptr<TabBarController> makeInterfaceLayout(const Platform& platform,
     tabs->addTab(std::make_unique<FirstViewController>(platform), QStringLiteral("Color test"),
                  templateImage(QStringLiteral("ColorTestButton.png")),
                  templateImage(QStringLiteral("ColorTestButton_ON.png")));
+    const auto connectTabs = [tabs = tabs.get()](auto asked, void (*show)(TabBarController&)) {
+        QObject::connect(tabs, asked, tabs, [tabs, show] { show(*tabs); });
+    };
+    connectTabs(&TabBarController::searchAsked, showApplications);
+    connectTabs(&TabBarController::helpAsked, showInstructions);
     return tabs;
 }
 

@@ -60,7 +60,7 @@ private:
     QColor backgroundColor_;
 };
 
-class TableViewCell : public View {
+class TableViewCell : public dubrix::View {
     Q_OBJECT
     QML_ANONYMOUS
 

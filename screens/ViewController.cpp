@@ -1,7 +1,12 @@
 #include "screens/ViewController.h"
 
-#include "screens/ModalStack.h"
-#include "screens/NavigationController.h"
+#include "screens/containers/ModalStack.h"
+#include "screens/containers/NavigationController.h"
+
+#include <QtQml/qqmlextensionplugin.h>
+
+// Whoever links the layout links what it is made of.
+Q_IMPORT_QML_PLUGIN(DubrixControlsPlugin)
 
 namespace dubrix {
 

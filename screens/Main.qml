@@ -1,0 +1,107 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Window
+import Dubrix
+import DubrixControls
+
+/// The application window: the root screen, the modal screens over it, the status overlay over all.
+Window {
+    id: window
+
+    required property TabBarController root
+    required property QuickOverlayStage stage
+    /// Takes the archives that are dropped here; null where nobody can install them.
+    property ArchiveDrop drops: null
+    readonly property bool dimmed: stage.background.shown
+
+    width: Math.min(Theme.points(390), Screen.desktopAvailableWidth)
+    height: Math.min(Theme.points(760), Screen.desktopAvailableHeight)
+    minimumWidth: Theme.points(300)
+    minimumHeight: Theme.points(360)
+    title: "Dubrix"
+    color: Theme.ground
+    visible: true
+
+    TabBarView {
+        id: tabs
+
+        anchors.fill: parent
+        controller: window.root
+        // A screen that is on its way out still covers what is below.
+        enabled: layers.count === 0 && !window.root.modals.suspended && !window.dimmed
+    }
+
+    Shortcut {
+        sequences: ["Ctrl+Q", "Ctrl+W"]
+        onActivated: window.close()
+    }
+
+    component TabKeys: Shortcut {
+        enabled: tabs.enabled
+    }
+
+    TabKeys {
+        sequence: "Ctrl+Tab"
+        onActivated: tabs.turn(1)
+    }
+
+    TabKeys {
+        sequence: "Ctrl+Shift+Tab"
+        onActivated: tabs.turn(-1)
+    }
+
+    TabKeys {
+        sequence: "Ctrl+F"
+        onActivated: window.root.searchAsked()
+    }
+
+    TabKeys {
+        sequence: "F1"
+        onActivated: window.root.helpAsked()
+    }
+
+    Repeater {
+        id: layers
+
+        model: window.root.modals
+        delegate: ModalLayer {
+            required property int index
+            required property var model
+            anchors.fill: parent
+            z: 10 + index
+            controller: model.controller
+            dismissing: model.dismissing
+            animated: model.animated
+            transitionTime: window.root.modals.transitionTime
+            topmost: index === layers.count - 1
+            covered: window.dimmed
+        }
+    }
+
+    Banner {
+        z: 900
+        anchors.horizontalCenter: parent.horizontalCenter
+        width: Math.min(parent.width - 2 * Theme.margin, Theme.points(420))
+        line: parent.height - Theme.points(70)
+        words: window.drops?.words ?? ""
+        busy: window.drops?.busy ?? false
+        percent: window.drops?.percent ?? -1
+        stays: window.drops?.failed ?? false
+        onPassed: window.drops.passed()
+    }
+
+    DropZone {
+        z: 950
+        anchors.fill: parent
+        enabled: window.drops !== null
+        takes: files => window.drops.takes(files)
+        onTaken: files => window.drops.drop(files)
+    }
+
+    StatusOverlay {
+        z: 1000
+        anchors.fill: parent
+        stage: window.stage
+    }
+}
