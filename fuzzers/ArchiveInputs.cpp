@@ -1,5 +1,5 @@
-#include "device/FileTree.h"
-#include "device/ZipEntryReader.h"
+#include "device/archive/ZipEntryReader.h"
+#include "files/FileTree.h"
 #include "fuzzers/ArchiveSamples.h"
 #include "fuzzers/Mutation.h"
 #include "tests/device/DeviceFolder.h"

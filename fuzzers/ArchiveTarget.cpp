@@ -1,4 +1,4 @@
-#include "formats/BundleIcons.h"
+#include "formats/images/BundleIcons.h"
 #include "fuzzers/ArchiveSamples.h"
 #include "fuzzers/Target.h"
 #include "tests/device/DeviceFolder.h"
@@ -47,7 +47,7 @@ bool leadsInside(const fs::path& link, const fs::path& bundle) {
     const auto target = fs::weakly_canonical(link, error).native();
     if (error != std::errc::filename_too_long)
         return !error && (target + "/").starts_with(bundle.native() + "/");
-    struct stat status {};
+    struct stat status{};
     return ::stat(link.c_str(), &status) != 0 && errno == ENAMETOOLONG;
 }
 
@@ -55,7 +55,7 @@ bool leadsInside(const fs::path& link, const fs::path& bundle) {
 std::map<std::string, std::string> treeOf(const fs::path& bundle) {
     std::map<std::string, std::string> tree;
     for (const auto& entry : fs::recursive_directory_iterator(bundle)) {
-        struct stat status {};
+        struct stat status{};
         ::lstat(entry.path().c_str(), &status);
         std::string& content = tree[entry.path().lexically_relative(bundle).native()];
         content =
@@ -127,7 +127,7 @@ void tryInput(std::string_view bytes) {
     }
     require(place->besideBundles(std::move(after)) == place->besideBundles(place->before),
             "nothing but the bundles is touched");
-    requireInstalled(*place, installed->identifier.value_or(""));
+    requireInstalled(*place, installed->info.identifier.value_or(""));
     place = std::make_unique<Place>();
 }
 

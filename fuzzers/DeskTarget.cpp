@@ -1,8 +1,8 @@
-#include "device/Registry.h"
 #include "device/judge/Addresses.h"
 #include "device/judge/Pictures.h"
 #include "device/judge/Requests.h"
-#include "driver/ScriptStep.h"
+#include "device/registry/Registry.h"
+#include "driver/script/ScriptStep.h"
 #include "fuzzers/Mutation.h"
 
 #include <algorithm>

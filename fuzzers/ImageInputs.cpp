@@ -167,7 +167,7 @@ std::vector<std::string> seeds() {
     colorful.ignoresAlpha = true;
     all.push_back(colorful.bytes(samplePixels(320)));
     all.push_back(CrushedPngFile{.width = 2}.bytes({{9, 99, 199, 200}, {1, 2, 3, 255}}));
-    for (const PngColorType type : {PngColorType::grey, PngColorType::rgb, PngColorType::greyAlpha})
+    for (const PngColorType type : {PngColorType::Grey, PngColorType::Rgb, PngColorType::GreyAlpha})
         all.push_back(CrushedPngFile{}.assembled(
             {'\x50', 0, '\x20', '\2'}, {2, 2, 8, type},
             deflated(std::string(2 + std::size_t{4} * samplesPerPixel(type), '\1'), -15)));

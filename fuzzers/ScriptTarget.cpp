@@ -1,12 +1,10 @@
-#include "driver/ScriptReader.h"
-#include "driver/ScriptStep.h"
+#include "driver/script/ScriptReader.h"
+#include "driver/script/ScriptStep.h"
 #include "fuzzers/Mutation.h"
 
 #include <array>
 #include <charconv>
-#include <functional>
 #include <sys/mman.h>
-#include <thread>
 #include <unistd.h>
 
 namespace dubrix::fuzz {
@@ -82,14 +80,14 @@ void tryText(const std::string& text) {
             "every text can be typed");
 }
 
-std::string readThroughPipe(std::string_view bytes) {
+std::string readFromFile(std::string_view bytes) {
     const int file = ::memfd_create("script", MFD_CLOEXEC);
     require(::write(file, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()) &&
                 ::lseek(file, 0, SEEK_SET) == 0,
             "the script can be handed over");
     std::string all;
     const char* separator = "";
-    for (ScriptReader reader(file); !reader.atEnd(); std::this_thread::yield())
+    for (ScriptReader reader(file); !reader.atEnd();)
         while (const auto line = reader.nextLine()) {
             all.append(separator).append(*line);
             separator = "\n";
@@ -101,10 +99,7 @@ std::string readThroughPipe(std::string_view bytes) {
 } // namespace
 
 void tryInput(std::string_view bytes) {
-    // Some only: a thread costs more than all the rest.
-    constexpr std::size_t share = 512;
-    if (std::hash<std::string_view>{}(bytes) % share == 0)
-        require(readThroughPipe(bytes) == bytes, "the lines are the script");
+    require(readFromFile(bytes) == bytes, "the lines are the script");
     tryText(std::string(bytes));
     while (true) {
         const std::size_t end = bytes.find('\n');

@@ -1,8 +1,7 @@
 #include "fuzzers/lists/ListProperties.h"
 
-#include "formats/PropertyList.h"
-#include "formats/PropertyListReaders.h"
-#include "formats/PropertyListWriters.h"
+#include "formats/lists/PropertyList.h"
+#include "formats/lists/PropertyListForms.h"
 
 #include <cmath>
 #include <limits>

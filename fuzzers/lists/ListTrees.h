@@ -1,6 +1,6 @@
 #pragma once
 
-#include "formats/PropertyListNode.h"
+#include "formats/lists/PropertyListNode.h"
 #include "fuzzers/Mutation.h"
 
 namespace dubrix::fuzz {

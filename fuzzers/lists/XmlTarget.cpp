@@ -1,5 +1,4 @@
-#include "formats/PropertyListReaders.h"
-#include "formats/PropertyListWriters.h"
+#include "formats/lists/PropertyListForms.h"
 #include "fuzzers/lists/ListProperties.h"
 #include "fuzzers/lists/ListTrees.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "device/Installer.h"
-#include "formats/PropertyList.h"
-#include "tests/device/ZipBuilder.h"
+#include "device/installer/Installer.h"
+#include "formats/lists/PropertyList.h"
+#include "tests/device/archive/ZipBuilder.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <map>
@@ -26,7 +26,7 @@ public:
     }
 
     std::filesystem::path root() const { return folder_ / "device"; }
-    Installer installer(StepHook step = {}) const { return Installer(root(), std::move(step)); }
+    Installer installer() const { return Installer(root()); }
     Registry registry() const { return Registry(root()); }
 
     std::filesystem::path archive(const std::string& name, const std::string& bytes) const {
@@ -56,7 +56,7 @@ public:
     std::map<std::string, std::string> snapshot() const {
         std::map<std::string, std::string> everything;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(root())) {
-            struct stat status {};
+            struct stat status{};
             ::lstat(entry.path().c_str(), &status);
             std::string& content = everything[entry.path().native()];
             content = std::to_string(status.st_mode) + " ";

@@ -1,5 +1,5 @@
-#include "driver/ScriptStep.h"
-#include "driver/ShotPipe.h"
+#include "driver/script/ScriptStep.h"
+#include "driver/script/ShotPipe.h"
 
 #include <array>
 #include <gtest/gtest.h>

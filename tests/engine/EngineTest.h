@@ -2,15 +2,12 @@
 
 #include "engine/CloneEngine.h"
 #include "engine/DXShared.h"
-#include "engine/SettingsFile.h"
 #include "overlays/ProgressHUD.h"
-#include "platform/linux/FileStyleByteCount.h"
-#include "platform/linux/LinuxDeviceClaim.h"
-#include "platform/linux/LinuxFileManager.h"
+#include "platform/posix/PosixPlatform.h"
 #include "tests/device/DeviceFolder.h"
 #include "tests/overlays/FakeStage.h"
-#include "tests/support/NoDownloads.h"
 #include "tests/support/RecordedPlatform.h"
+#include "tests/support/UnexpectedDownloads.h"
 
 namespace dubrix {
 
@@ -48,12 +45,16 @@ protected:
     RecordedLog log{journal};
     RecordedAlerts alerts{journal};
     FakeStage stage;
-    LinuxFileManager files{device.root()};
-    FileStyleByteCount byteCounts;
-    NoDownloads downloader;
-    LinuxDeviceClaim claim{device.root()};
-    const Platform platform{commands,   files, catalogue,  catalogue, filter,
-                            byteCounts, log,   downloader, claim};
+    UnexpectedDownloads downloader;
+    PosixPlatform posix{device.root()};
+    PosixFileManager& files = posix.files;
+    PosixPlatform::Others others{.commands = &commands,
+                                 .workspace = &catalogue,
+                                 .applications = &catalogue,
+                                 .monochrome = &filter,
+                                 .log = &log,
+                                 .downloader = &downloader};
+    const Platform platform = posix.ports(others);
     LoadedEngine engine{platform, alerts};
 };
 

@@ -1,13 +1,56 @@
+#include "formats/text/PlainText.h"
+#include "terminal/TerminalAlerts.h"
 #include "tests/engine/EngineTest.h"
 
 #include <sstream>
 
 namespace dubrix {
 
+/// The terminal's alerts, with a person who types what is to be pressed.
+class Terminal final : public RecordedAlerts::FrontEnd, Conversation {
+public:
+    Alerts& renewed() override {
+        alerts_ = std::make_unique<TerminalAlerts>(static_cast<Conversation&>(*this));
+        return *alerts_;
+    }
+    void press(const RecordedAlerts::Alert& alert, const std::string& title) override {
+        said_.clear();
+        typed_ = {"none of them", lowerCase(title.substr(0, 1))};
+        const std::unique_ptr<TerminalAlerts> asking = std::move(alerts_);
+        asking->settle();
+        EXPECT_TRUE(typed_.empty());
+        const std::string heading =
+            alert.title.value_or("") + "\n" + alert.message.value_or("") + "\n[";
+        EXPECT_TRUE(said_.starts_with(heading)) << said_;
+        for (const auto& button : alert.buttons)
+            EXPECT_NE(said_.find("[" + button.title.substr(0, 1) + "]" + button.title.substr(1)),
+                      std::string::npos);
+    }
+
+private:
+    void say(const std::string& text) override { said_ += text; }
+    std::optional<std::string> answer() override {
+        if (typed_.empty())
+            return std::nullopt;
+        const std::string line = typed_.front();
+        typed_.erase(typed_.begin());
+        return line;
+    }
+
+    std::unique_ptr<TerminalAlerts> alerts_;
+    std::string said_;
+    std::vector<std::string> typed_;
+};
+
 /// A source named Example, version 2.1, and duplicates as the test says.
-class FlowTest : public EngineTest {
+/// The engine's conversations, in a window and in a terminal.
+class FlowTest : public EngineTest, public testing::WithParamInterface<bool> {
 protected:
-    FlowTest() { given(""); }
+    FlowTest() {
+        if (GetParam())
+            alerts.frontEnd = &terminal;
+        given("");
+    }
 
     /// Nothing but the source and these duplicates: "1-3 7=2.0 9= 4!" are four of the source's
     /// version, one of 2.0 and one without; number 4 is listed, but not registered. "s" is the
@@ -62,9 +105,14 @@ protected:
     }
 
     const std::string source = "com.example.app";
+    Terminal terminal;
 };
 
-TEST_F(FlowTest, TheWalkActsOnTheFirstNumberThatCallsForIt) {
+INSTANTIATE_TEST_SUITE_P(, FlowTest, testing::Bool(), [](const auto& inTerminal) {
+    return inTerminal.param ? "InATerminal" : "InAWindow";
+});
+
+TEST_P(FlowTest, TheWalkActsOnTheFirstNumberThatCallsForIt) {
     const std::string limit = "OH MY GOD!|You have already created 100 versions of Example!|Ok";
     const auto offer = [](const std::string& number, const std::string& version) {
         return "Dubrix|An update for Example " + number + " is available.\nWould you like to " +
@@ -102,7 +150,7 @@ TEST_F(FlowTest, TheWalkActsOnTheFirstNumberThatCallsForIt) {
     }
 }
 
-TEST_F(FlowTest, EveryAnswerToTheUpdatePromptGoesOn) {
+TEST_P(FlowTest, EveryAnswerToTheUpdatePromptGoesOn) {
     const auto prompt = [this](int number) {
         given("1=1.9 2=1.9 100=1.9");
         engine.updateAlertAt(number);
@@ -122,7 +170,7 @@ TEST_F(FlowTest, EveryAnswerToTheUpdatePromptGoesOn) {
     }
 }
 
-TEST_F(FlowTest, QuestionsToTheCatalogueComeInTheirOrder) {
+TEST_P(FlowTest, QuestionsToTheCatalogueComeInTheirOrder) {
     given("1");
     commands.act = [this](const std::string&) { journal.pop_back(); };
     engine.DuplicateStartAt(1);
@@ -145,7 +193,7 @@ TEST_F(FlowTest, QuestionsToTheCatalogueComeInTheirOrder) {
     EXPECT_EQ(questions(), "? [ask installed com.Example.app] ");
 }
 
-TEST_F(FlowTest, TheRequestAsksOnlyForAnInstalledSource) {
+TEST_P(FlowTest, TheRequestAsksOnlyForAnInstalledSource) {
     const std::string refusal = "Dubrix|Please select an app from the list|Ok";
     const auto expectShown = [this](const std::string& shown, const char* what) {
         engine.showDuplicateAlert();
@@ -186,7 +234,7 @@ TEST_F(FlowTest, TheRequestAsksOnlyForAnInstalledSource) {
     EXPECT_EQ(outcome(), cloning(1));
 }
 
-TEST_F(FlowTest, NothingBeginsInsideARun) {
+TEST_P(FlowTest, NothingBeginsInsideARun) {
     bool inside = false;
     commands.act = [this, &inside](const std::string&) {
         if (std::exchange(inside, true))
@@ -206,9 +254,9 @@ TEST_F(FlowTest, NothingBeginsInsideARun) {
     EXPECT_EQ(alerts.progress.size(), 2U) << "and afterwards again";
 }
 
-TEST_F(FlowTest, OneAtATimeWalksOnADevice) {
+TEST_P(FlowTest, OneAtATimeWalksOnADevice) {
     std::filesystem::create_directories(onDevice("/var/containers/Bundle/Application"));
-    LinuxDeviceClaim other(device.root());
+    PosixDeviceClaim other(device.root());
     const auto isFree = [&other] {
         const bool claimed = other.claim();
         if (claimed)
@@ -248,7 +296,7 @@ TEST_F(FlowTest, OneAtATimeWalksOnADevice) {
     EXPECT_EQ(commandsSeen, 3);
 }
 
-TEST_F(FlowTest, TheUpdateFlowTellsTheCensus) {
+TEST_P(FlowTest, TheUpdateFlowTellsTheCensus) {
     const std::string none = "Example|No duplicates for this app|Ok";
     const std::string head = "Example|App version: 2.1\nDuplicates: ";
     const std::string current = "\n\nAll duplicates are up to date|Ok";

@@ -1,5 +1,4 @@
-#include "platform/linux/LinuxMonochromeFilter.h"
-#include "platform/linux/PngEncoding.h"
+#include "formats/images/PngEncoding.h"
 #include "tests/engine/EngineTest.h"
 
 #include <sys/stat.h>
@@ -127,9 +126,9 @@ TEST_F(IconTintTest, OnlyFilesOfTheStagedBundleAreTouched) {
 }
 
 TEST_F(IconTintTest, TheRealFilterLeavesPngFiles) {
-    LinuxMonochromeFilter real;
-    LoadedEngine withFilter(
-        {commands, files, catalogue, catalogue, real, byteCounts, log, downloader, claim}, alerts);
+    const PosixMonochromeFilter& real = posix.monochrome;
+    others.monochrome = nullptr;
+    LoadedEngine withFilter(posix.ports(others), alerts);
     chooseSource("com.example.app", "Green = 1;");
     stage("{CFBundleIconFiles = (Icon);}", {});
     const std::string png = contentsOf(SOURCE_ROOT "/resources/PreferencesButton_7@2x.png");
@@ -143,9 +142,9 @@ TEST_F(IconTintTest, TheRealFilterLeavesPngFiles) {
 }
 
 TEST_F(IconTintTest, EveryWayOfMentioningAFileGivesTheSameBytes) {
-    LinuxMonochromeFilter real;
-    LoadedEngine withFilter(
-        {commands, files, catalogue, catalogue, real, byteCounts, log, downloader, claim}, alerts);
+    const PosixMonochromeFilter& real = posix.monochrome;
+    others.monochrome = nullptr;
+    LoadedEngine withFilter(posix.ports(others), alerts);
     chooseSource("com.example.app", "Red = \"0.8\"; Green = \"0.2\"; Blue = \"0.4\";");
     RgbaImage white(4, 4);
     std::fill_n(white.bytes.get(), white.pixelCount() * RgbaImage::pixelSize, std::uint8_t{255});
@@ -200,10 +199,10 @@ TEST_F(EngineTest, FolderSizesMeasureLinksThemselves) {
     fs::create_symlink("..", folder / "loop");
     EXPECT_EQ(engine.sizeOfFolder("/var/X.app/"), std::to_string(500 + 3 + 8 + 2) + " bytes");
     putFile(folder / "deep/file", "1234567");
-    struct stat deep {};
+    struct stat deep{};
     ASSERT_EQ(::stat((folder / "deep").c_str(), &deep), 0);
     EXPECT_EQ(engine.sizeOfFolder("/var/X.app"),
-              byteCounts.stringFromByteCount(513 + deep.st_size + 7));
+              posix.byteCounts.stringFromByteCount(513 + deep.st_size + 7));
     EXPECT_EQ(engine.sizeOfFolder("/var/missing"), "Zero KB");
     EXPECT_EQ(engine.sizeOfFolder("/var/X.app/big"), "Zero KB");
     EXPECT_EQ(journal, Journal(4, "log Dubrix - Calculating Folder Size"));

@@ -2,13 +2,7 @@
 #include "engine/CloneEngine.h"
 #include "network/CurlDownloader.h"
 #include "platform/CommandRunner.h"
-#include "platform/linux/FileStyleByteCount.h"
-#include "platform/linux/LinuxApplicationList.h"
-#include "platform/linux/LinuxApplicationWorkspace.h"
-#include "platform/linux/LinuxDeviceClaim.h"
-#include "platform/linux/LinuxFileManager.h"
-#include "platform/linux/LinuxMonochromeFilter.h"
-#include "platform/linux/LinuxSystemLog.h"
+#include "platform/posix/PosixPlatform.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -63,7 +57,7 @@ class SilentAlerts final : public Alerts {
     }
     void presentProgressAlert(const ProgressAlert&) override { fail(); }
     void dismissProgressAlert() override { fail(); }
-    ViewSize mainViewSize() const override { return {}; }
+    Size mainViewSize() const override { return {}; }
     static void fail() { ADD_FAILURE() << "nothing is to be shown"; }
 };
 
@@ -104,17 +98,9 @@ TEST_P(InstallerBootstrapTest, InstallsTheToolWhenItIsMissing) {
 
     ReroutedDownloader downloader(server);
     RecordingRunner commands(device);
-    LinuxFileManager files(device.path());
-    LinuxApplicationWorkspace workspace(device.path());
-    LinuxApplicationList applications(device.path());
-    LinuxMonochromeFilter monochrome;
-    FileStyleByteCount byteCounts;
-    LinuxSystemLog log;
-    LinuxDeviceClaim claim(device.path());
+    PosixPlatform posix(device.path());
     SilentAlerts alerts;
-    const Platform platform{commands,   files, workspace,  applications, monochrome,
-                            byteCounts, log,   downloader, claim};
-    CloneEngine engine(platform, alerts);
+    CloneEngine engine(posix.ports({.commands = &commands, .downloader = &downloader}), alerts);
     engine.installerCheck();
 
     std::vector<std::string> wanted;

@@ -1,6 +1,3 @@
-#include "platform/linux/LinuxApplicationList.h"
-#include "platform/linux/LinuxApplicationWorkspace.h"
-#include "platform/linux/LinuxCommandRunner.h"
 #include "tests/engine/EngineTest.h"
 
 #include <cstdlib>
@@ -28,7 +25,7 @@ protected:
         fs::current_path(onDevice("/var/mobile"));
         commands.act = [this](const std::string& command) {
             if (skipped.empty() || !command.starts_with(skipped))
-                bash.runCommand(command);
+                onDevicePlatform.commands.runCommand(command);
         };
     }
     ~PipelineTest() override { fs::current_path("/"); }
@@ -93,11 +90,10 @@ protected:
         return names;
     }
 
-    LinuxCommandRunner bash{device.root(), DEVICE_PATHS};
-    LinuxApplicationWorkspace workspace{device.root()};
-    LinuxApplicationList applications{device.root()};
+    PosixPlatform onDevicePlatform{device.root(), DEVICE_PATHS};
     LoadedEngine onDeviceEngine{
-        {commands, files, workspace, applications, filter, byteCounts, log, downloader, claim},
+        onDevicePlatform.ports(
+            {.commands = &commands, .monochrome = &filter, .log = &log, .downloader = &downloader}),
         alerts};
     std::string skipped;
 };
@@ -105,16 +101,14 @@ protected:
 TEST_F(PipelineTest, ADuplicateDiffersInTwoKeysOnly) {
     installSource("My App");
     chooseSource(source);
-    const std::string path = *applications.valueForKey("path", source);
+    const std::string path = *onDevicePlatform.applications.valueForKey("path", source);
     EXPECT_EQ(duplicate("7"), "My App successfully duplicated.");
     EXPECT_EQ(stage.image, "ProgressHUD.bundle/progresshud-success.png");
     EXPECT_EQ(journal, (Journal{"present Dubrix|Cloning My App 7\nPlease wait...\n\n",
                                 "run cp -rf '" + path + "' '/tmp/My App/Payload/'",
                                 "run cd /tmp/'My App'/ && zip -r 'My App'.ipa *",
                                 "run ipainstaller -f /tmp/'My App'/'My App'.ipa", "dismiss"}));
-    const ProgressAlert::Frame frame = alerts.progress.front().spinnerFrame;
-    EXPECT_EQ((std::vector<double>{frame.x, frame.y, frame.width, frame.height}),
-              (std::vector<double>{150, 330, 20, 20}));
+    EXPECT_EQ(alerts.progress.front().spinnerFrame, (Rect{{150, 330}, {20, 20}}));
 
     PropertyList expected = infoOf(source);
     expected.setValueForKey("CFBundleIdentifier", PropertyList::string("com.example.app7"));
@@ -209,8 +203,8 @@ TEST_F(PipelineTest, AbsentValuesReadNull) {
                                 "run cp -rf '(null)' '/tmp/(null)/Payload/'",
                                 "run cd /tmp/'(null)'/ && zip -r '(null)'.ipa *",
                                 "run ipainstaller -f /tmp/'(null)'/'(null)'.ipa", "dismiss"}));
-    EXPECT_EQ(alerts.progress[0].spinnerFrame.x, -10);
-    EXPECT_EQ(alerts.progress[0].spinnerFrame.y, -150);
+    EXPECT_EQ(alerts.progress[0].spinnerFrame.origin.x, -10);
+    EXPECT_EQ(alerts.progress[0].spinnerFrame.origin.y, -150);
 }
 
 struct OddName {

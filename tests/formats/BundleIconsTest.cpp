@@ -1,5 +1,6 @@
-#include "formats/BundleIcons.h"
-#include "formats/PngChunks.h"
+#include "formats/images/BundleIcons.h"
+#include "formats/images/PngChunks.h"
+#include "formats/lists/PropertyList.h"
 #include "tests/formats/CrushedPngFile.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "formats/PngChunks.h"
+#include "formats/images/PngChunks.h"
 
 #include <array>
 #include <cstdlib>

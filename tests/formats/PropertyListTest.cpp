@@ -1,4 +1,4 @@
-#include "formats/PropertyList.h"
+#include "formats/lists/PropertyList.h"
 
 #include <gtest/gtest.h>
 
@@ -283,6 +283,10 @@ TEST(PropertyList, StaysReadableWhateverTextIsPutIn) {
         ASSERT_TRUE(again);
         EXPECT_EQ(again->stringForKey("a\uFFFDb"), "\uFFFD<\uFFFD\uFFFD\uFFFDé");
     }
+    // A strict reader takes a carriage return for a line break unless it is a reference.
+    const std::string xml = PropertyList::string("a\r\nb\rc").xml();
+    EXPECT_NE(xml.find("a&#13;\nb&#13;c"), std::string::npos) << xml;
+    EXPECT_EQ(PropertyList::parse(xml)->stringValue(), "a\r\nb\rc");
 }
 
 TEST(PropertyList, ReadsTruthAsThePhoneDoes) {

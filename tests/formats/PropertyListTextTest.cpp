@@ -1,4 +1,4 @@
-#include "formats/PropertyList.h"
+#include "formats/lists/PropertyList.h"
 
 #include <gtest/gtest.h>
 

@@ -126,7 +126,7 @@ private:
     std::string apply(Piece piece, const PieceChange& given) {
         PieceChange& state = pieces.at(piece);
         std::string names;
-        const auto set = [&](const char* property, auto PieceChange::*value) {
+        const auto set = [&](const char* property, auto PieceChange::* value) {
             if (!(given.*value))
                 return;
             state.*value = given.*value;

@@ -1,12 +1,10 @@
-#include "formats/ImageDecoding.h"
-#include "platform/linux/LinuxMonochromeFilter.h"
-#include "platform/linux/MonochromeRemap.h"
-#include "platform/linux/PngEncoding.h"
-#include "tests/formats/CrushedPngFile.h"
+#include "formats/images/ImageDecoding.h"
+#include "formats/images/MonochromeRemap.h"
+#include "formats/images/PngEncoding.h"
+#include "platform/posix/PosixMonochromeFilter.h"
+#include "tests/platform/SampleJpeg.h"
 #include "tests/platform/SamplePng.h"
 
-#include <QBuffer>
-#include <QImage>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -43,40 +41,27 @@ void expectRemapped(const Rgba& source, const Color& color, const Rgba& actual) 
     }
 }
 
-Rgba pixelAt(const QImage& image, std::size_t index) {
-    const auto width = static_cast<std::size_t>(image.width());
-    const uchar* const at =
-        image.constScanLine(static_cast<int>(index / width)) + index % width * 4;
-    return {at[0], at[1], at[2], at[3]};
-}
-
 /// Expects the filter to turn the file into a PNG of these pixels, remapped.
 void expectTinted(const std::string& file, std::uint32_t width, const std::vector<Rgba>& pixels) {
     const Color color{0.8F, 0.2F, 1.0F};
-    const auto png = LinuxMonochromeFilter().monochromePng(file, color[0], color[1], color[2]);
+    const auto png = PosixMonochromeFilter().monochromePng(file, color[0], color[1], color[2]);
     ASSERT_TRUE(png);
-    const QImage image = QImage::fromData(QByteArray::fromStdString(*png), "PNG")
-                             .convertToFormat(QImage::Format_RGBA8888);
-    ASSERT_EQ(image.width(), static_cast<int>(width));
-    ASSERT_EQ(image.height(), static_cast<int>(pixels.size() / width));
+    const Pixels image = pixelsByLibpng(*png);
+    ASSERT_EQ(image.width, width);
+    ASSERT_EQ(image.values.size(), pixels.size());
     for (std::size_t index = 0; index < pixels.size(); ++index)
-        ASSERT_NO_FATAL_FAILURE(expectRemapped(pixels[index], color, pixelAt(image, index)))
+        ASSERT_NO_FATAL_FAILURE(expectRemapped(pixels[index], color, image.values[index]))
             << "pixel " << index;
 }
 
-std::string jpegOf(const QImage& image) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    image.save(&buffer, "JPEG", 100);
-    return bytes.toStdString();
-}
-
-QImage gradient(QImage::Format format) {
-    QImage image(40, 24, QImage::Format_RGB32);
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            image.setPixel(x, y, qRgb(x * 6, y * 10, 255 - x * 3));
-    return image.convertToFormat(format);
+Pixels gradient() {
+    Pixels pixels{40, 24};
+    for (unsigned y = 0; y < pixels.height; ++y)
+        for (unsigned x = 0; x < pixels.width; ++x)
+            pixels.values.push_back({static_cast<std::uint8_t>(x * 6),
+                                     static_cast<std::uint8_t>(y * 10),
+                                     static_cast<std::uint8_t>(255 - x * 3), 255});
+    return pixels;
 }
 
 bool decodes(const std::string& bytes) {
@@ -138,14 +123,9 @@ TEST(MonochromeFilter, TakesCrushedPngAndJpeg) {
     for (Rgba& pixel : opaque)
         pixel[3] = 255;
     expectTinted(CrushedPngFile{30, 20, true, false, 2}.bytes(opaque), 30, opaque);
-    for (const auto format : {QImage::Format_RGB32, QImage::Format_Grayscale8}) {
-        const std::string jpeg = jpegOf(gradient(format));
-        const QImage same = QImage::fromData(QByteArray::fromStdString(jpeg), "JPEG")
-                                .convertToFormat(QImage::Format_RGBA8888);
-        std::vector<Rgba> pixels;
-        for (std::size_t index = 0; index < 40 * 24; ++index)
-            pixels.push_back(pixelAt(same, index));
-        expectTinted(jpeg, 40, pixels);
+    for (const bool isGrey : {false, true}) {
+        const std::string jpeg = jpegOf(gradient(), isGrey);
+        expectTinted(jpeg, 40, pixelsByLibjpeg(jpeg).values);
     }
 }
 
@@ -161,10 +141,9 @@ TEST(MonochromeFilter, EncodesExactlyAroundTheLimitOfAPalette) {
             }
             const auto png = encodePng(image);
             ASSERT_TRUE(png);
-            const QImage read = QImage::fromData(QByteArray::fromStdString(*png), "PNG")
-                                    .convertToFormat(QImage::Format_RGBA8888);
-            ASSERT_EQ(read.size(), QSize(30, 30));
-            EXPECT_EQ(0, std::memcmp(read.constBits(), image.bytes.get(), 30 * 30 * 4))
+            const Pixels read = pixelsByLibpng(*png);
+            ASSERT_EQ(read.values.size(), image.pixelCount());
+            EXPECT_EQ(0, std::memcmp(read.values.data(), image.bytes.get(), 30 * 30 * 4))
                 << values << " values";
         }
     }
@@ -172,22 +151,15 @@ TEST(MonochromeFilter, EncodesExactlyAroundTheLimitOfAPalette) {
 
 TEST(MonochromeFilter, DamageGivesNothing) {
     const std::string png = SamplePng({PNG_COLOR_TYPE_RGB, 8, true, false}).bytes();
-    const std::string jpeg = jpegOf(gradient(QImage::Format_RGB32));
+    const std::string jpeg = jpegOf(gradient());
     for (const std::string& sound : {png, jpeg}) {
         ASSERT_TRUE(decodes(sound));
         for (std::size_t size = 0; size < sound.size() - 1; size += 3)
             ASSERT_FALSE(decodes(sound.substr(0, size))) << size;
     }
-    const auto pngOf = [](std::uint32_t width, std::uint32_t height, std::size_t bytes) {
-        std::string file(pngSignature);
-        appendPngChunk(file, "IHDR", PngHeader{width, height}.chunkData());
-        appendPngChunk(file, "IDAT", deflated(std::string(bytes, '\0'), 15));
-        appendPngChunk(file, "IEND", {});
-        return file;
-    };
-    EXPECT_TRUE(decodes(pngOf(4, 4, 4 * 17)));
-    EXPECT_FALSE(decodes(pngOf(60000, 60000, 100)));
-    EXPECT_FALSE(decodes(pngOf(8000, 8000, 100)));
+    EXPECT_TRUE(decodes(pngOf({4, 4}, std::string(4 * 17, '\0'))));
+    EXPECT_FALSE(decodes(pngOf({60000, 60000}, std::string(100, '\0'))));
+    EXPECT_FALSE(decodes(pngOf({8000, 8000}, std::string(100, '\0'))));
     std::string hugeJpeg = jpeg;
     const std::size_t frame = jpeg.find("\xff\xc0");
     ASSERT_NE(frame, std::string::npos);
@@ -200,7 +172,7 @@ TEST(MonochromeFilter, WhatEveryDecoderPassesOverRefusesNothing) {
     const auto pngOf = [](bool isInterlaced, const std::string& transparency,
                           const std::string& data) {
         std::string file(pngSignature);
-        PngHeader header{2, 2, 8, PngColorType::palette};
+        PngHeader header{2, 2, 8, PngColorType::Palette};
         header.isInterlaced = isInterlaced;
         appendPngChunk(file, "IHDR", header.chunkData());
         appendPngChunk(file, "PLTE", "redGRN");
@@ -240,7 +212,7 @@ TEST(MonochromeFilter, SurvivesMutatedFiles) {
     const auto palette = SamplePng({PNG_COLOR_TYPE_PALETTE, 4, true, true}).bytes();
     const auto deep = SamplePng({PNG_COLOR_TYPE_RGB_ALPHA, 16, false, false}).bytes();
     const auto crushed = CrushedPngFile{9, 9, true, false, 3}.bytes(samplePixels(81));
-    const std::string sources[] = {palette, deep, crushed, jpegOf(gradient(QImage::Format_RGB32))};
+    const std::string sources[] = {palette, deep, crushed, jpegOf(gradient())};
     std::minstd_rand random(20);
     std::size_t refused = 0;
     for (int round = 0; round < 4000; ++round) {
@@ -256,7 +228,7 @@ TEST(MonochromeFilter, SurvivesMutatedFiles) {
             at += 12 + length;
         }
         const auto png =
-            LinuxMonochromeFilter().monochromePng(round % 4 < 3 ? repaired : file, 1, 0, 0);
+            PosixMonochromeFilter().monochromePng(round % 4 < 3 ? repaired : file, 1, 0, 0);
         if (!png)
             ++refused;
         else

@@ -1,11 +1,9 @@
-#include "formats/ImageDecoding.h"
-#include "platform/linux/LinuxMonochromeFilter.h"
-#include "platform/linux/MonochromeRemap.h"
-#include "platform/linux/PngEncoding.h"
-#include "tests/formats/CrushedPngFile.h"
+#include "formats/images/ImageDecoding.h"
+#include "formats/images/MonochromeRemap.h"
+#include "formats/images/PngEncoding.h"
+#include "platform/posix/PosixMonochromeFilter.h"
+#include "tests/platform/SampleJpeg.h"
 
-#include <QBuffer>
-#include <QImage>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -22,20 +20,18 @@ double linear(double value) {
 }
 
 std::string tinted(const std::string& file, const Color& color) {
-    return LinuxMonochromeFilter().monochromePng(file, color[0], color[1], color[2]).value_or("");
-}
-
-std::string saved(const QImage& image, const char* format) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    image.save(&buffer, format, 100);
-    return bytes.toStdString();
+    return PosixMonochromeFilter().monochromePng(file, color[0], color[1], color[2]).value_or("");
 }
 
 std::string pngOf(const std::vector<Rgba>& pixels) {
-    const QImage image(pixels.data()->data(), static_cast<int>(pixels.size()), 1,
-                       static_cast<int>(pixels.size() * 4), QImage::Format_RGBA8888);
-    return saved(image, "PNG");
+    return dubrix::pngOf(pixels, static_cast<std::uint32_t>(pixels.size()));
+}
+
+std::string eightTimes(const std::string& part) {
+    std::string whole;
+    for (int count = 0; count < 8; ++count)
+        whole += part;
+    return whole;
 }
 
 std::vector<Rgba> pixelsOf(const std::string& file) {
@@ -112,7 +108,7 @@ TEST(MonochromeProjection, AnyNumberOfTimesIsOnce) {
         plain,
         encodePng(*decodeImage(plain)).value_or(""),
         CrushedPngFile{30, 20, true, false, 2}.bytes(samplePixels(600)),
-        saved(QImage::fromData(QByteArray::fromStdString(plain)), "JPEG"),
+        jpegOf(pixelsByLibpng(plain)),
         pngOf({{255, 255, 255, 255}}),
         pngOf({{0, 0, 0, 255}, {200, 100, 0, 0}}),
     };
@@ -176,15 +172,16 @@ TEST(MonochromeProjection, ShadesStayBitForBit) {
 TEST(MonochromeProjection, ShadesInOtherFormsKeepTheirPixels) {
     const Color color{0.8F, 0.2F, 0.4F};
     const std::vector<Rgba> pixels(64, {204, 51, 102, 255});
-    const QImage image(pixels.data()->data(), 8, 8, 32, QImage::Format_RGBA8888);
-    std::string otherGamma = saved(image, "PNG");
+    const std::string plain = dubrix::pngOf(pixels, 8);
+    std::string otherGamma = plain;
     std::string gamma;
     appendPngChunk(gamma, "gAMA", std::string("\0\1\x86\xa0", 4));
     otherGamma.insert(33, gamma); // after the header
     const std::string rewritten[] = {
         CrushedPngFile{8, 8}.bytes(pixels),
-        saved(image.convertToFormat(QImage::Format_RGBA64), "PNG"),
-        saved(image, "JPEG"),
+        dubrix::pngOf({8, 8, 16}, eightTimes(std::string(1, '\0') +
+                                             eightTimes("\xcc\xcc\x33\x33\x66\x66\xff\xff"))),
+        jpegOf({8, 8, pixels}),
         otherGamma,
     };
     for (const std::string& file : rewritten) {
@@ -194,14 +191,18 @@ TEST(MonochromeProjection, ShadesInOtherFormsKeepTheirPixels) {
         EXPECT_EQ(result[24], 8) << "bits a sample";
         EXPECT_EQ(pixelsOf(result), pixelsOf(file)) << &file - rewritten;
     }
-    QImage oneBit(8, 8, QImage::Format_Mono);
-    oneBit.setColorTable({qRgb(0, 0, 0), qRgb(204, 51, 102)});
-    oneBit.fill(1);
-    for (const QImage& kept : {oneBit, image.convertToFormat(QImage::Format_Indexed8),
-                               image.convertToFormat(QImage::Format_RGB32)}) {
-        const std::string file = saved(kept, "PNG");
-        EXPECT_TRUE(tinted(file, color) == file) << kept.format();
-    }
+    const std::string palette("\0\0\0\xcc\x33\x66", 6);
+    const std::string kept[] = {
+        plain,
+        dubrix::pngOf({8, 8, 1, PngColorType::Palette}, eightTimes(std::string("\0\xff", 2)),
+                      palette),
+        dubrix::pngOf({8, 8, 8, PngColorType::Palette},
+                      eightTimes(std::string(1, '\0') + eightTimes("\1")), palette),
+        dubrix::pngOf({8, 8, 8, PngColorType::Rgb},
+                      eightTimes(std::string(1, '\0') + eightTimes("\xcc\x33\x66"))),
+    };
+    for (const std::string& file : kept)
+        EXPECT_TRUE(tinted(file, color) == file) << &file - kept;
 }
 
 } // namespace dubrix

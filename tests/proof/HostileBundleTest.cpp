@@ -134,7 +134,7 @@ TEST(HostileBundle, AWrongTypeCostsOnlyWhatItStandsFor) {
             std::vector<std::string> expected = icons;
             std::erase(expected, breaks);
             EXPECT_EQ(staged.tinted(), named ? std::vector<std::string>{} : expected);
-            EXPECT_EQ(staged.real.applications.entries().size(), 2u);
+            EXPECT_EQ(staged.real.posix.applications.entries().size(), 2u);
         }
     }
 }

@@ -25,6 +25,12 @@ std::vector<std::string> traced(const fs::path& log) {
     return {"strace", "-qq", "-o", log.native(), "-e", "trace=" + changes};
 }
 
+/// The same of all threads of a program; each counts its own calls.
+std::vector<std::string> withThreads(std::vector<std::string> words) {
+    words.insert(words.begin() + 1, "-f");
+    return words;
+}
+
 std::vector<std::string> killedAt(const Point& point) {
     return {"strace", "-qq",
             "-o",     "/dev/null",
@@ -35,16 +41,21 @@ std::vector<std::string> killedAt(const Point& point) {
 /// Every `stride`-th call that a log of `traced` names.
 std::vector<Point> pointsOf(const fs::path& log, std::size_t stride) {
     std::map<std::string, int> counts;
+    std::map<std::string, int> most;
     std::vector<Point> points;
     std::size_t seen = 0;
     std::istringstream lines(contentsOf(log));
     for (std::string line; std::getline(lines, line);) {
-        const std::string call = line.substr(0, line.find('('));
-        if (call.size() == line.size() || line.starts_with("---") || line.starts_with("+++"))
+        const std::string thread = line.substr(0, line.find_first_not_of("0123456789 "));
+        const std::string call = line.substr(thread.size(), line.find('(') - thread.size());
+        if (call.size() + thread.size() == line.size() || call.find_first_of("-+<") == 0)
             continue;
-        ++counts[call];
+        const int number = ++counts[thread + call];
+        if (number <= most[call])
+            continue;
+        most[call] = number;
         if (seen++ % stride == 0)
-            points.push_back({call, counts[call]});
+            points.push_back({call, number});
     }
     return points;
 }
@@ -110,7 +121,7 @@ protected:
                          const std::vector<std::string>& words) {
         if (victim == "application")
             return device.request(words);
-        const std::string folder = victim == "ipainstaller" ? PROGRAMS : "/usr/bin";
+        const std::string folder = victim == "cp" ? "/usr/bin" : PROGRAMS;
         device.putTool(victim, standIn(folder + "/" + victim, words));
         const Ended ended = device.request();
         fs::remove(device.tools() / victim);
@@ -168,6 +179,63 @@ TEST_F(KillTest, ACommandKilledWithItsApplicationChangesNothing) {
 
 TEST_F(KillTest, AnInstallerKilledWithItsApplicationInstallsAllOrNothing) {
     killEverywhere("ipainstaller", true, stride(5));
+}
+
+/// Together the large files are enough to be unpacked by several threads.
+TEST_F(KillTest, AnInstallerIsKilledAtEveryCall) {
+    const std::string identifier = "com.example.large";
+    const auto archiveOf = [&](const ProofDevice& device, const std::string& version) {
+        std::vector<ZipItem> items{{"sub/", "", S_IFDIR | 0555},
+                                   {"link", "sub/b", S_IFLNK | 0777},
+                                   {"a", version},
+                                   {"sub/b", version}};
+        for (const char* name : {"large", "sub/larger"})
+            items.push_back({name, std::string(1'200'000, version[0])});
+        return device.application(identifier, version, items);
+    };
+    const auto change = [&](const ProofDevice& device, std::vector<std::string> words,
+                            const std::string& after) {
+        words.insert(words.end(), {PROGRAMS "/ipainstaller", "--root", device.root()});
+        words.insert(words.end(), {after.empty() ? "-u" : "-f",
+                                   after.empty() ? identifier : archiveOf(device, after).native()});
+        return device.run(words);
+    };
+    int faults = 0;
+    for (const auto& [before, after] : {std::pair("", "1"), {"1", "2"}, {"2", ""}}) {
+        std::map<bool, int> seen;
+        std::vector<Point> points{{"none", 1}};
+        Contents old, next;
+        for (std::size_t index = 0; index < points.size(); ++index) {
+            const Point point = points[index];
+            SCOPED_TRACE(std::string(before) + " to " + after + ", killed at " + point.call + " " +
+                         std::to_string(point.number));
+            const ProofDevice device;
+            if (*before != '\0') {
+                ASSERT_TRUE(device.installer().install(archiveOf(device, before)));
+            }
+            bool killed = false;
+            if (index == 0) {
+                const fs::path log = device.folder() / "log";
+                old = device.bundle(identifier);
+                ASSERT_EQ(change(device, withThreads(traced(log)), after).status, 0);
+                next = device.bundle(identifier);
+                ASSERT_NE(old, next);
+                for (Point& found : pointsOf(log, 1))
+                    points.push_back(std::move(found));
+            } else {
+                killed = change(device, withThreads(killedAt(point)), after).killed();
+            }
+            faults += killed ? 1 : 0;
+            const Contents found = device.bundle(identifier);
+            EXPECT_TRUE(found == next || (killed && found == old));
+            ++seen[found == next];
+            ASSERT_TRUE(device.installer().install(device.application("com.example.next", "1")));
+            EXPECT_EQ(device.leftovers(), 0);
+            EXPECT_EQ(device.bundle(identifier), found);
+        }
+        EXPECT_EQ(seen.size(), 2U) << "killed before and after the change";
+    }
+    std::printf("ipainstaller alone: %d faults\n", faults);
 }
 
 TEST_F(KillTest, SettingsAreTheOldOrTheNew) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "formats/Descriptor.h"
+#include "files/Descriptor.h"
 #include "tests/proof/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -1,4 +1,4 @@
-#include "formats/WholeFile.h"
+#include "files/WholeFile.h"
 #include "tests/proof/PowerCutDisk.h"
 #include "tests/proof/ProofDevice.h"
 #include "tests/proof/SteppedProcess.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/SettingsFile.h"
+#include "engine/DXShared.h"
 #include "tests/device/DeviceFolder.h"
 #include "tests/platform/SamplePng.h"
 #include "tests/proof/ProcessGroup.h"

@@ -2,15 +2,8 @@
 
 #include "engine/Alerts.h"
 #include "engine/CloneEngine.h"
-#include "platform/SystemLog.h"
-#include "platform/linux/FileStyleByteCount.h"
-#include "platform/linux/LinuxApplicationList.h"
-#include "platform/linux/LinuxApplicationWorkspace.h"
-#include "platform/linux/LinuxCommandRunner.h"
-#include "platform/linux/LinuxDeviceClaim.h"
-#include "platform/linux/LinuxFileManager.h"
-#include "platform/linux/LinuxMonochromeFilter.h"
-#include "tests/support/NoDownloads.h"
+#include "platform/posix/PosixPlatform.h"
+#include "tests/support/UnexpectedDownloads.h"
 
 namespace dubrix {
 
@@ -33,7 +26,7 @@ public:
     }
     void presentProgressAlert(const ProgressAlert&) override {}
     void dismissProgressAlert() override {}
-    ViewSize mainViewSize() const override { return {}; }
+    Size mainViewSize() const override { return {}; }
 
     /// Answers until there are no more questions.
     void answerAll() {
@@ -57,24 +50,13 @@ public:
 class RealEngine {
 public:
     RealEngine(const std::filesystem::path& root, const std::filesystem::path& pathsScript)
-        : commands(root, pathsScript),
-          files(root),
-          workspace(root),
-          applications(root),
-          device(root),
+        : posix(root, pathsScript),
           engine(platform, alerts) {}
 
-    LinuxCommandRunner commands;
-    LinuxFileManager files;
-    LinuxApplicationWorkspace workspace;
-    LinuxApplicationList applications;
-    LinuxDeviceClaim device;
-    LinuxMonochromeFilter filter;
-    FileStyleByteCount byteCounts;
     SilentLog log;
-    NoDownloads downloader;
-    const Platform platform{commands,   files, workspace,  applications, filter,
-                            byteCounts, log,   downloader, device};
+    UnexpectedDownloads downloader;
+    PosixPlatform posix;
+    const Platform platform = posix.ports({.log = &log, .downloader = &downloader});
     AgreeingAlerts alerts;
 
     class LoadedEngine final : public CloneEngine {

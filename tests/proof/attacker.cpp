@@ -151,7 +151,7 @@ void attackSockets(bool engine) {
 void attackSetIds() {
     const char* const file = "/tmp/set-id";
     const auto check = [file](const char* way) {
-        struct stat status {};
+        struct stat status{};
         if (::stat(file, &status) == 0 && (status.st_mode & (S_ISUID | S_ISGID)) != 0)
             broke(std::string("a set-id file by ") + way);
         ::unlink(file);
@@ -184,7 +184,9 @@ void attackSetIds() {
                  AT_SYMLINK_FOLLOW);
         ::close(nameless);
         check("a file without a name");
-        const struct { unsigned long flags, mode, resolve; } how{O_CREAT | O_WRONLY, mode, 0};
+        const struct {
+            unsigned long flags, mode, resolve;
+        } how{O_CREAT | O_WRONLY, mode, 0};
         ::syscall(SYS_openat2, AT_FDCWD, file, &how, sizeof how);
         check("openat2");
     }
@@ -192,7 +194,7 @@ void attackSetIds() {
 
 void attackLimits() {
     for (const auto what : {RLIMIT_NOFILE, RLIMIT_FSIZE}) {
-        struct rlimit limit {};
+        struct rlimit limit{};
         ::getrlimit(what, &limit);
         if (limit.rlim_max == RLIM_INFINITY)
             broke("no limit " + std::to_string(what));

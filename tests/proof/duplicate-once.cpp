@@ -1,4 +1,5 @@
 #include "engine/DXShared.h"
+#include "formats/lists/PropertyList.h"
 #include "overlays/ProgressHUD.h"
 #include "tests/overlays/FakeStage.h"
 #include "tests/proof/RealPlatform.h"
@@ -19,7 +20,7 @@ int main(int count, char** words) {
     ProgressHUD::useStage(stage);
     RealEngine real(words[1], DEVICE_PATHS);
     if (action == "set")
-        DXShared(real.files, real.log).addKey(words[3], PropertyList::string(words[4]));
+        DXShared(real.platform.files, real.log).addKey(words[3], PropertyList::string(words[4]));
     else
         real.engine.showDuplicateAlert();
     real.alerts.answerAll();

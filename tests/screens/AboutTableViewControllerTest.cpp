@@ -1,11 +1,12 @@
-#include "screens/AboutTableViewController.h"
+#include "screens/about/AboutTableViewController.h"
 
+#include "formats/lists/PropertyList.h"
 #include "platform/HelpPages.h"
 #include "platform/SystemLog.h"
 #include "platform/UrlOpener.h"
-#include "screens/NavigationController.h"
-#include "screens/QVWebViewController.h"
-#include "screens/TabBarController.h"
+#include "screens/about/QVWebViewController.h"
+#include "screens/containers/NavigationController.h"
+#include "screens/containers/TabBarController.h"
 
 #include <gtest/gtest.h>
 #include <set>

@@ -1,5 +1,5 @@
-#include "screens/AlertView.h"
-#include "screens/ModalStack.h"
+#include "screens/alerts/AlertView.h"
+#include "screens/containers/ModalStack.h"
 
 #include <QCoreApplication>
 #include <gtest/gtest.h>

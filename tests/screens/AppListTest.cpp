@@ -1,5 +1,6 @@
-#include "screens/NavigationController.h"
-#include "screens/PrefsViewController.h"
+#include "formats/lists/PropertyList.h"
+#include "screens/containers/NavigationController.h"
+#include "screens/prefs/PrefsViewController.h"
 #include "tests/screens/PickerDevice.h"
 
 #include <QCoreApplication>
@@ -148,14 +149,15 @@ TEST_F(AppListTest, ChoosingStoresInOrderTellsAndDismisses) {
     EXPECT_EQ(value(reopened, 1, Source::CheckedRole), "true");
 }
 
-TEST_F(AppListTest, AnApplicationRemovedMeanwhileIsStoredWithoutItsName) {
+TEST_F(AppListTest, AnApplicationRemovedMeanwhileIsStoredUnderTheNameThatWasShown) {
     install("gone", "Gone");
+    DXShared(files, log).addKey("appName", PropertyList::string("Before"));
     AppListSampleViewController& picker = open();
     ASSERT_TRUE(static_cast<bool>(registry.strike("gone")));
     picker.tableViewDidSelectRowAtIndexPath(0, 0);
     const DXShared store(files, log);
     EXPECT_EQ(store.retrieveValueForKey("bundleID"), PropertyList::string("gone"));
-    EXPECT_EQ(store.retrieveValueForKey("appName"), std::nullopt);
+    EXPECT_EQ(store.retrieveValueForKey("appName"), PropertyList::string("Gone"));
     EXPECT_FALSE(modals.occupied());
 }
 

@@ -1,4 +1,5 @@
-#include "looks/ApplicationIconProvider.h"
+#include "controls/ApplicationIconProvider.h"
+#include "formats/lists/PropertyList.h"
 #include "tests/screens/PickerDevice.h"
 
 #include <QAccessible>
@@ -127,6 +128,8 @@ TEST_F(AppListViewTest, NamesItsRowsAndIsUsedByKeyboard) {
                            "Alpha", "Bravo *"}));
     EXPECT_TRUE(
         named(QAccessible::Heading).contains("Select only original app and not a duplicate"));
+    EXPECT_EQ(focused(), "Bravo") << "the chosen one";
+    QTest::keyClick(&view, Qt::Key_Home);
     EXPECT_EQ(focused(), "A name as long as sixty characters, which no window has room for");
     QTest::keyClick(&view, Qt::Key_End);
     EXPECT_EQ(focused(), "Bravo");

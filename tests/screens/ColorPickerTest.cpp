@@ -1,5 +1,5 @@
-#include "screens/ColorWords.h"
-#include "screens/QZColorPickerViewController.h"
+#include "screens/colors/ColorWords.h"
+#include "screens/colors/QZColorPickerViewController.h"
 
 #include <array>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "screens/QZColorPickerViewController.h"
+#include "screens/colors/QZColorPickerViewController.h"
 
 #include <QAccessible>
 #include <QGuiApplication>

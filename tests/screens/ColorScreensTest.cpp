@@ -1,21 +1,21 @@
-#include "engine/SettingsFile.h"
+#include "engine/DXShared.h"
+#include "formats/lists/PropertyList.h"
 #include "platform/ApplicationList.h"
 #include "platform/ApplicationWorkspace.h"
 #include "platform/ByteCountFormatter.h"
 #include "platform/CommandRunner.h"
 #include "platform/MonochromeFilter.h"
 #include "platform/SystemLog.h"
-#include "platform/linux/LinuxDeviceClaim.h"
-#include "platform/linux/LinuxFileManager.h"
-#include "screens/AlertController.h"
-#include "screens/FirstViewController.h"
-#include "screens/ModalStack.h"
-#include "screens/NavigationController.h"
+#include "platform/posix/PosixPlatform.h"
 #include "screens/NotificationCenter.h"
-#include "screens/PrefsViewController.h"
-#include "screens/QZColorPickerViewController.h"
-#include "tests/support/NoDownloads.h"
+#include "screens/alerts/AlertController.h"
+#include "screens/colors/FirstViewController.h"
+#include "screens/colors/QZColorPickerViewController.h"
+#include "screens/containers/ModalStack.h"
+#include "screens/containers/NavigationController.h"
+#include "screens/prefs/PrefsViewController.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/UnexpectedDownloads.h"
 
 #include <QCoreApplication>
 
@@ -82,13 +82,17 @@ struct ColorScreensTest : ::testing::Test {
     }
 
     TemporaryFolder folder;
-    LinuxFileManager files{folder.path()};
     Unused unused;
     Journal journal;
-    NoDownloads downloader;
-    LinuxDeviceClaim device{folder.path()};
-    const Platform platform{unused, files,   unused,     unused, unused,
-                            unused, journal, downloader, device};
+    UnexpectedDownloads downloader;
+    PosixPlatform posix{folder.path()};
+    PosixFileManager& files = posix.files;
+    const Platform platform = posix.ports({.commands = &unused,
+                                           .workspace = &unused,
+                                           .applications = &unused,
+                                           .monochrome = &unused,
+                                           .log = &journal,
+                                           .downloader = &downloader});
     NotificationCenter notifications;
     ModalStack modals;
 };

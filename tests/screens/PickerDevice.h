@@ -1,19 +1,13 @@
 #pragma once
 
-#include "device/Registry.h"
-#include "platform/SystemLog.h"
-#include "platform/linux/FileStyleByteCount.h"
-#include "platform/linux/LinuxApplicationList.h"
-#include "platform/linux/LinuxApplicationWorkspace.h"
-#include "platform/linux/LinuxCommandRunner.h"
-#include "platform/linux/LinuxDeviceClaim.h"
-#include "platform/linux/LinuxFileManager.h"
-#include "platform/linux/LinuxMonochromeFilter.h"
-#include "screens/AppListSampleViewController.h"
-#include "screens/ModalStack.h"
+#include "device/registry/Registry.h"
+#include "platform/desktop/PaintingPlatform.h"
+#include "platform/posix/PosixPlatform.h"
 #include "screens/NotificationCenter.h"
-#include "tests/support/NoDownloads.h"
+#include "screens/applications/AppListSampleViewController.h"
+#include "screens/containers/ModalStack.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/UnexpectedDownloads.h"
 
 #include <QStringList>
 
@@ -59,17 +53,12 @@ protected:
 
     TemporaryFolder folder;
     Registry registry{folder.path()};
-    LinuxCommandRunner commands{folder.path(), DEVICE_PATHS};
-    LinuxFileManager files{folder.path()};
-    LinuxApplicationWorkspace workspace{folder.path()};
-    LinuxApplicationList applications{folder.path()};
-    LinuxMonochromeFilter monochrome;
-    FileStyleByteCount byteCounts;
     KeptLog log;
-    NoDownloads downloader;
-    LinuxDeviceClaim device{folder.path()};
-    const Platform platform{commands,   files, workspace,  applications, monochrome,
-                            byteCounts, log,   downloader, device};
+    UnexpectedDownloads downloader;
+    PosixPlatform posix{folder.path(), DEVICE_PATHS};
+    PosixFileManager& files = posix.files;
+    PaintingPlatform painting{posix.ports({.log = &log, .downloader = &downloader})};
+    const Platform platform = painting.ports();
     NotificationCenter notifications;
     ModalStack modals;
 };

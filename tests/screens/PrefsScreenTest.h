@@ -1,9 +1,9 @@
 #pragma once
 
-#include "screens/AlertController.h"
-#include "screens/ModalStack.h"
 #include "screens/NotificationCenter.h"
-#include "screens/PrefsViewController.h"
+#include "screens/alerts/AlertController.h"
+#include "screens/containers/ModalStack.h"
+#include "screens/prefs/PrefsViewController.h"
 #include "tests/engine/EngineTest.h"
 
 #include <QCoreApplication>

@@ -1,4 +1,4 @@
-#include "engine/SettingsFile.h"
+#include "engine/DXShared.h"
 #include "tests/screens/WholeWindow.h"
 #include "tests/support/ScreenReader.h"
 
@@ -125,7 +125,8 @@ TEST_F(PressTest, NothingBeginsWhileThePipelineRuns) {
     ASSERT_TRUE(modals.topmost());
     press(find("Duplicate")); // the alert's
     inside.start();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !inside.isActive() && !modals.occupied(); }, 20'000));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return !inside.isActive() && modals.rowCount() == 0; }, 20'000));
     qputenv("PATH", path);
 
     EXPECT_EQ(contentsOf(runs), "run\n") << "one pipeline";

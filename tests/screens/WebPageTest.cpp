@@ -1,4 +1,4 @@
-#include "screens/QVWebViewController.h"
+#include "screens/about/QVWebViewController.h"
 #include "tests/support/LoopbackServer.h"
 
 #include <QGuiApplication>
@@ -34,6 +34,10 @@ protected:
         });
         server.Get("/frames", [](const Request&, Response& response) {
             response.set_content("<iframe src='/quick'></iframe><iframe src='/quick'></iframe>",
+                                 "text/html");
+        });
+        server.Get("/halfway", [](const Request&, Response& response) {
+            response.set_content("<iframe src='/silent'></iframe><iframe src='/quick'></iframe>",
                                  "text/html");
         });
         server.Get("/silent", [this](const Request&, Response&) { server.holdBack(); });
@@ -91,6 +95,14 @@ TEST_F(WebPageTest, PutsTheSpinnerAwayOnceForAPageOfSeveralFramesAndAllThatFollo
         [this] { return askedAgain && !page()->property("loading").toBool(); }, patience));
     EXPECT_EQ(changes, changesOfTheFirstLoad);
     EXPECT_FALSE(spins());
+}
+
+TEST_F(WebPageTest, PutsTheSpinnerAwayAtTheFirstFrameThatHasLoaded) {
+    show(server.address("/halfway"));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !spins(); }, patience));
+    EXPECT_TRUE(server.holdsOneBack()) << "another has not";
+    EXPECT_TRUE(page()->property("loading").toBool());
+    EXPECT_TRUE(pageIsSeen());
 }
 
 TEST_F(WebPageTest, SpinsOnWhileThePageDoesNotAnswer) {

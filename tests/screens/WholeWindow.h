@@ -1,15 +1,16 @@
 #pragma once
 
-#include "looks/ApplicationIconProvider.h"
+#include "controls/ApplicationIconProvider.h"
+#include "formats/lists/PropertyList.h"
 #include "overlays/ProgressHUD.h"
 #include "platform/HelpPages.h"
 #include "platform/UrlOpener.h"
-#include "screens/AboutTableViewController.h"
 #include "screens/InterfaceLayout.h"
-#include "screens/PrefsViewController.h"
-#include "screens/QuickOverlayStage.h"
-#include "screens/TabBarController.h"
-#include "screens/TemplateImageProvider.h"
+#include "screens/about/AboutTableViewController.h"
+#include "screens/containers/TabBarController.h"
+#include "screens/containers/TemplateImageProvider.h"
+#include "screens/overlay/QuickOverlayStage.h"
+#include "screens/prefs/PrefsViewController.h"
 #include "tests/screens/PickerDevice.h"
 
 #include <QAccessible>
@@ -57,7 +58,8 @@ protected:
     }
 
     NoPages pages;
-    const AboutServices about{log, pages, pages, PropertyList::dictionary()};
+    const PropertyList information = PropertyList::dictionary();
+    const AboutServices about{log, pages, pages, information};
     QuickOverlayStage stage;
     std::unique_ptr<TabBarController> root;
     QQmlApplicationEngine engine;

@@ -1,6 +1,6 @@
-#include "device/FileTree.h"
 #include "device/confine/GivenFile.h"
 #include "device/confine/ResultFile.h"
+#include "files/FileTree.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <algorithm>

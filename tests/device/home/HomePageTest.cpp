@@ -1,7 +1,7 @@
 #include "device/home/HomePage.h"
 #include "device/home/HomeScreen.h"
-#include "looks/WindowPlace.h"
 #include "tests/device/DeviceFolder.h"
+#include "windows/WindowPlace.h"
 
 #include <QGuiApplication>
 #include <QSignalSpy>
@@ -125,18 +125,30 @@ TEST(HomeScreen, KeysWalkInReadingOrder) {
     EXPECT_EQ(HomeScreen::walk(Qt::Key_Left, 0, 0, 0, 0), -1);
 }
 
-TEST(WindowPlace, PutsTwoWindowsBesideEachOtherOrNone) {
-    const QRect screen(100, 30, 1280, 900);
-    const QSize window(390, 760);
-    const auto left = placeBeside(screen, window, Side::Left);
-    const auto right = placeBeside(screen, window, Side::Right);
-    ASSERT_TRUE(left && right);
-    EXPECT_EQ(right->x() - left->x(), 390 + 32);
-    EXPECT_EQ(left->y(), right->y());
-    EXPECT_EQ(left->x() - screen.left(), screen.right() + 1 - (right->x() + 390));
-    EXPECT_FALSE(placeBeside({0, 0, 875, 900}, window, Side::Left));
-    EXPECT_TRUE(placeBeside({0, 0, 876, 824}, window, Side::Left));
-    EXPECT_FALSE(placeBeside({0, 0, 1280, 823}, window, Side::Left));
+TEST(WindowPlace, PutsTwoWindowsBesideEachOtherWhereverThereIsRoom) {
+    const QSize wanted(390, 760);
+    const struct {
+        QRect available;
+        QSize size;
+    } cases[] = {
+        {{100, 30, 1280, 900}, wanted},  {{0, 0, 1366, 768}, {390, 720}},
+        {{0, 0, 1280, 800}, {390, 752}}, {{0, 0, 800, 600}, {380, 552}},
+        {{0, 0, 720, 450}, {340, 402}},  {{64, 0, 640, 480}, {300, 432}},
+    };
+    for (const auto& [available, size] : cases) {
+        const auto left = placeBeside(available, wanted, Side::Left);
+        const auto right = placeBeside(available, wanted, Side::Right);
+        ASSERT_TRUE(left && right) << available.width();
+        EXPECT_EQ(left->size(), size);
+        EXPECT_EQ(right->size(), size);
+        EXPECT_GE(right->left() - left->right(), 8) << "borders between";
+        EXPECT_NEAR(left->left() - available.left(), available.right() - right->right(), 1);
+        // With their title bars.
+        EXPECT_TRUE(available.contains(left->adjusted(-8, -40, 0, 8)));
+        EXPECT_TRUE(available.contains(right->adjusted(0, -40, 8, 8)));
+    }
+    EXPECT_FALSE(placeBeside({0, 0, 639, 480}, wanted, Side::Left));
+    EXPECT_FALSE(placeBeside({0, 0, 640, 407}, wanted, Side::Left));
 }
 
 } // namespace dubrix

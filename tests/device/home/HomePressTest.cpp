@@ -1,9 +1,10 @@
+#include "controls/ApplicationIconProvider.h"
 #include "device/home/HomeScreen.h"
 #include "device/home/Wallpaper.h"
-#include "looks/ApplicationIconProvider.h"
 #include "tests/device/DeviceFolder.h"
 #include "tests/support/ScreenReader.h"
 
+#include <QMimeData>
 #include <QQmlApplicationEngine>
 #include <QQmlExtensionPlugin>
 #include <QQuickItem>
@@ -15,41 +16,103 @@ namespace dubrix {
 
 /// The home screen's window over a device with two applications. Nobody carries out its requests,
 /// which it remarks on.
-TEST(HomePress, WhatIsCoveredIsNeitherFoundNorPressed) {
-    const DeviceFolder device;
-    const Registry registry = device.registry();
-    std::filesystem::create_directories(registry.hostPath(Registry::registryPath));
-    for (const std::string name : {"One", "Two"}) {
-        const std::string path = std::string(Registry::applicationPath) + "/" + name + "/It.app";
-        putFile(registry.hostPath(path) / "Info.plist", "{CFBundleDisplayName = " + name + ";}");
-        ASSERT_TRUE(static_cast<bool>(registry.enter("com.example." + name, path)));
+class HomePress : public testing::Test {
+protected:
+    HomePress() {
+        std::filesystem::create_directories(registry.hostPath(Registry::registryPath));
+        for (const std::string name : {"One", "Two"}) {
+            const std::string path =
+                std::string(Registry::applicationPath) + "/" + name + "/It.app";
+            putFile(registry.hostPath(path) / "Info.plist",
+                    "{CFBundleDisplayName = " + name + ";}");
+            EXPECT_TRUE(static_cast<bool>(registry.enter("com.example." + name, path)));
+        }
+        applications = std::make_unique<HomeApplications>(device.root());
+        home = std::make_unique<HomeScreen>(*applications, nullptr, "/");
+        home->reducedMotion = true;
+        engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+        engine.addImageProvider(QLatin1String(Wallpaper::name), new Wallpaper);
+        engine.addImageProvider(QLatin1String(ApplicationIconProvider::name),
+                                new ApplicationIconProvider([](const std::string&, unsigned) {
+                                    return std::optional<RgbaImage>();
+                                }));
+        engine.setInitialProperties({{QStringLiteral("home"), QVariant::fromValue(home.get())}});
+        engine.load(QUrl(QStringLiteral("qrc:/qt/qml/DubrixHome/HomeWindow.qml")));
+        window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
+    }
+    void SetUp() override {
+        ASSERT_TRUE(window && QTest::qWaitForWindowExposed(window));
+        window->requestActivate();
     }
 
-    HomeApplications applications(device.root());
-    HomeScreen home(applications, nullptr, "/");
-    home.reducedMotion = true;
+    const DeviceFolder device;
+    const Registry registry = device.registry();
+    std::unique_ptr<HomeApplications> applications;
+    std::unique_ptr<HomeScreen> home;
     QQmlApplicationEngine engine;
-    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
-    engine.addImageProvider(QLatin1String(Wallpaper::name), new Wallpaper);
-    engine.addImageProvider(QLatin1String(ApplicationIconProvider::name),
-                            new ApplicationIconProvider([](const std::string&, unsigned) {
-                                return std::optional<RgbaImage>();
-                            }));
-    engine.setInitialProperties({{QStringLiteral("home"), QVariant::fromValue(&home)}});
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/DubrixHome/HomeWindow.qml")));
-    auto* window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
-    ASSERT_TRUE(window && QTest::qWaitForWindowExposed(window));
-    window->requestActivate();
+    QQuickWindow* window = nullptr;
+};
+
+TEST_F(HomePress, DroppedFilesStayWhereTheyComeFrom) {
+    const auto answer = [this](const char* file) {
+        QMimeData files;
+        files.setUrls({QUrl(QString::fromLatin1(file))});
+        QDragEnterEvent enter(QPoint(100, 100), Qt::CopyAction | Qt::MoveAction, &files,
+                              Qt::LeftButton, Qt::NoModifier);
+        QDragMoveEvent move(QPoint(110, 110), Qt::CopyAction | Qt::MoveAction, &files,
+                            Qt::LeftButton, Qt::NoModifier);
+        for (QDropEvent* event :
+             {static_cast<QDropEvent*>(&enter), static_cast<QDropEvent*>(&move)}) {
+            event->setDropAction(Qt::MoveAction); // as its source would have it
+            QCoreApplication::sendEvent(window, event);
+        }
+        EXPECT_EQ(enter.isAccepted(), move.isAccepted());
+        return move.isAccepted() ? move.dropAction() : Qt::IgnoreAction;
+    };
+    EXPECT_EQ(answer("file:///tmp/It.ipa"), Qt::CopyAction);
+    EXPECT_EQ(answer("file:///tmp/It.txt"), Qt::IgnoreAction);
+}
+
+TEST_F(HomePress, TheKeyboardIsSeenWhereverItGoes) {
+    const ScreenReader reader(window);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reader.find("Two"); }));
+    const auto focused = [this] {
+        QAccessibleInterface* element =
+            QAccessible::queryAccessibleInterface(window->activeFocusItem());
+        return element ? element->text(QAccessible::Name) : QString();
+    };
+    const struct {
+        Qt::Key key;
+        const char* there;
+    } steps[] = {{Qt::Key_Tab, "Dubrix"}, {Qt::Key_Tab, "One"}, {Qt::Key_Right, "Two"},
+                 {Qt::Key_Tab, "Dubrix"}, {Qt::Key_Tab, "Two"}, {Qt::Key_Home, "One"},
+                 {Qt::Key_End, "Two"},    {Qt::Key_Left, "One"}};
+    for (const auto& [key, there] : steps) {
+        QTest::keyClick(window, key);
+        EXPECT_EQ(focused(), there) << key;
+    }
+    QTest::keyClick(window, Qt::Key_Enter); // the keypad's
+    EXPECT_TRUE(home->remark().startsWith("One")) << home->remark().toStdString();
+    QTest::keyClick(window, Qt::Key_Delete);
+    EXPECT_EQ(focused(), "Cancel");
+    EXPECT_TRUE(home->alertText().contains("com.example.One"));
+    QTest::keyClick(window, Qt::Key_Escape);
+    EXPECT_EQ(focused(), "One");
+    QTest::keyClick(window, Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(HomePress, WhatIsCoveredIsNeitherFoundNorPressed) {
     const ScreenReader reader(window);
     ASSERT_TRUE(QTest::qWaitFor([&] { return reader.find("One"); }));
     const auto remarkAfter = [&](ScreenReader::Element* pressed) {
-        home.remarkPassed();
+        home->remarkPassed();
         ScreenReader::press(pressed);
-        return home.remark();
+        return home->remark();
     };
 
     ScreenReader::Element *const icon = reader.find("One"), *const dock = reader.find("Dubrix");
-    home.remove("com.example.One"); // asks
+    home->remove("com.example.One"); // asks
     for (ScreenReader::Element* covered : {icon, dock})
         EXPECT_EQ(remarkAfter(covered), "");
     EXPECT_FALSE(reader.find("One") || reader.find("Dubrix"));
@@ -64,10 +127,10 @@ TEST(HomePress, WhatIsCoveredIsNeitherFoundNorPressed) {
     ScreenReader::Element* const choice = reader.find("Export");
     ASSERT_TRUE(choice);
     EXPECT_FALSE(reader.find("One"));
-    home.remove("com.example.One");
+    home->remove("com.example.One");
     EXPECT_EQ(remarkAfter(choice), "");
     EXPECT_FALSE(reader.find("Export"));
-    home.alertDismissed();
+    home->alertDismissed();
     EXPECT_EQ(reader.find("Export"), choice);
     EXPECT_EQ(choice->object(), window->activeFocusItem()) << "the keyboard is back, too";
     EXPECT_NE(remarkAfter(choice), "");

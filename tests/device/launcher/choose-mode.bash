@@ -1,6 +1,6 @@
 # Arguments BUILD namespace|rooted of a test: prepares the launcher for the mode, or ends the test
 # as skipped where namespaces are not permitted.
-# shellcheck shell=bash disable=SC2034,SC2154 # shared between the sourced files
+# shellcheck shell=bash
 mode=$2
 prepare "$1"
 mkdir "$work/temporary"

@@ -1,6 +1,6 @@
 # What the launcher's tests share: a private installation with a stand-in for the application, and
 # checks that count their failures.
-# shellcheck shell=bash disable=SC2034,SC2154 # shared between the sourced files
+# shellcheck shell=bash
 
 failures=0
 status=
@@ -27,6 +27,7 @@ not() {
 # Runs the launcher; leaves `status`, and its streams in the files out and err.
 dubrix() {
     "$work/prefix/bin/dubrix" "$@" >"$work/out" 2>"$work/err"
+    # shellcheck disable=SC2034 # for the tests
     status=$?
 }
 
@@ -36,9 +37,9 @@ out() {
 
 # ends DESCRIPTOR: whether the pipe ends, for a while after the last that came through it.
 ends() {
-    local line result=0
+    local result=0
     while ((result == 0)); do
-        read -r -t 20 -u "$1" line
+        read -r -t 20 -u "$1" _
         result=$?
     done
     ((result <= 128))

@@ -1,4 +1,4 @@
-#include "formats/WholeFile.h"
+#include "files/WholeFile.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <cstddef>

@@ -1,20 +1,21 @@
-#include "platform/linux/FileStyleByteCount.h"
-#include "platform/linux/LinuxApplicationList.h"
-#include "platform/linux/LinuxApplicationWorkspace.h"
-#include "platform/linux/LinuxCommandRunner.h"
-#include "platform/linux/LinuxFileManager.h"
+#include "platform/posix/FileStyleByteCount.h"
+#include "platform/posix/PosixApplications.h"
+#include "platform/posix/PosixCommandRunner.h"
+#include "platform/posix/PosixFileManager.h"
 #include "tests/device/DeviceFolder.h"
+#include "tests/formats/CrushedPngFile.h"
 
-#include <QCoreApplication>
-#include <QTimer>
+#include <csignal>
+#include <fcntl.h>
 #include <limits>
+#include <poll.h>
 
 namespace dubrix {
 
-TEST(LinuxCommandRunner, WaitsAndPassesEveryByteOn) {
+TEST(PosixCommandRunner, WaitsAndPassesEveryByteOn) {
     const TemporaryFolder folder;
     std::string strange = "\xff\xfe \xc3\x28 \xe2\x82 * $HOME \\ \" ` \n \t";
-    LinuxCommandRunner runner("/", "/none");
+    PosixCommandRunner runner("/", "/none");
     runner.runCommand("printf %s '" + strange + "' > '" + (folder / "out").native() + "'");
     EXPECT_EQ(contentsOf(folder / "out"), strange);
     runner.runCommand("exit 7"); // of no interest to anybody
@@ -27,40 +28,41 @@ TEST(LinuxCommandRunner, WaitsAndPassesEveryByteOn) {
     EXPECT_EQ(contentsOf(folder / "out"),
               "inherited " + std::filesystem::current_path().native() + " none hBc\n");
     putFile(folder / "paths.bash", "greeting=hello");
-    LinuxCommandRunner(folder.path(), folder / "paths.bash")
+    PosixCommandRunner(folder.path(), folder / "paths.bash")
         .runCommand("echo $greeting $DUBRIX_ROOT > \"$DUBRIX_ROOT/out\"");
     EXPECT_EQ(contentsOf(folder / "out"), "hello " + folder.path().native() + "\n");
 }
 
-TEST(LinuxCommandRunner, TheEventLoopGoesOnMeanwhile) {
-    int argumentCount = 1;
-    char name[] = "platform_tests";
-    char* arguments[] = {name, nullptr};
-    const QCoreApplication application(argumentCount, arguments);
+TEST(PosixCommandRunner, PassesNoDescriptorOn) {
+    const TemporaryFolder folder;
+    putFile(folder / "secret", "");
+    const int inherited = ::open((folder / "secret").c_str(), O_RDWR); // not closed by exec
+    PosixCommandRunner("/").runCommand("{ : >&" + std::to_string(inherited) + " && echo open || " +
+                                       "echo closed; } > '" + (folder / "out").native() +
+                                       "' 2>/dev/null");
+    ::close(inherited);
+    EXPECT_EQ(contentsOf(folder / "out"), "closed\n");
+}
+
+TEST(PosixCommandRunner, StopsACommandWithAllThatItHasStarted) {
     const TemporaryFolder folder;
     ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
-    // The command ends only when the timer, which needs the event loop, has fired.
-    QTimer::singleShot(0, [&folder] { std::ofstream(folder / "pipe") << "go\n"; });
-    LinuxCommandRunner("/", "/none")
-        .runCommand("cd '" + folder.path().native() + "' && read -r line < pipe; echo $line > out");
-    EXPECT_EQ(contentsOf(folder / "out"), "go\n");
-
-    // Told to quit meanwhile, it still waits for the end.
-    QTimer::singleShot(0, [&folder] {
-        QCoreApplication::quit();
-        std::ofstream(folder / "pipe") << "end\n";
-    });
-    LinuxCommandRunner("/", "/none")
-        .runCommand("cd '" + folder.path().native() + "' && read -r line < pipe; echo $line > out");
-    EXPECT_EQ(contentsOf(folder / "out"), "end\n");
-
-    // A folder's removal, which can take as long as a command's run, lets it go on too.
-    LinuxFileManager files(folder.path());
-    putFile(folder / "tmp/staging/file", "");
-    bool wentOn = false;
-    QTimer::singleShot(0, [&wentOn] { wentOn = true; });
-    EXPECT_TRUE(files.removeItemAtPath("/tmp/staging"));
-    EXPECT_TRUE(wentOn);
+    const Descriptor reading(::open((folder / "pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    static PosixCommandRunner* running = nullptr;
+    PosixCommandRunner runner("/");
+    runner.makeStoppable();
+    running = &runner;
+    ::signal(SIGUSR1, [](int) { running->stop(); });
+    runner.runCommand("cd '" + folder.path().native() +
+                      "'; exec 3> pipe; sleep 1000 & kill -USR1 $PPID; wait; echo > after");
+    ::signal(SIGUSR1, SIG_DFL);
+    EXPECT_TRUE(runner.isStopped());
+    // Nobody is left who could write.
+    pollfd end{reading.get(), POLLIN, 0};
+    EXPECT_EQ(::poll(&end, 1, 30'000), 1);
+    EXPECT_TRUE(end.revents & POLLHUP);
+    runner.runCommand("echo > '" + (folder / "after").native() + "'");
+    EXPECT_FALSE(std::filesystem::exists(folder / "after"));
 }
 
 TEST(FileStyleByteCount, RoundsAndCarries) {
@@ -100,10 +102,10 @@ TEST(FileStyleByteCount, RoundsAndCarries) {
     EXPECT_EQ(FileStyleByteCount().stringFromByteCount(999'950), "1 MB");
 }
 
-TEST(LinuxApplicationList, AnswersAreOfThisMoment) {
+TEST(PosixApplicationList, AnswersAreOfThisMoment) {
     const DeviceFolder device;
-    const LinuxApplicationList list(device.root());
-    const LinuxApplicationWorkspace workspace(device.root());
+    const PosixApplicationList list(device.root());
+    const PosixApplicationWorkspace workspace(device.root());
     const auto value = [&list](const char* key) { return list.valueForKey(key, "com.example.a"); };
     EXPECT_EQ(value("path"), std::nullopt);
     EXPECT_FALSE(workspace.applicationIsInstalled("com.example.a"));
@@ -133,6 +135,28 @@ TEST(LinuxApplicationList, AnswersAreOfThisMoment) {
     ASSERT_TRUE(device.installer().uninstall("com.example.a"));
     EXPECT_EQ(value("path"), std::nullopt);
     EXPECT_EQ(list.valueForKey("path", "com.example.settings"), std::nullopt) << "a system one";
+}
+
+TEST(PosixApplicationIcons, GivesTheFirstIconThatCanBeDrawn) {
+    TemporaryFolder folder;
+    const PosixApplicationIcons icons(folder.path());
+    const auto bundle = folder / "var/It.app";
+    EXPECT_FALSE(icons.iconOfBundle("/var/It.app", 58));
+    putFile(bundle / "Info.plist", "{CFBundleIconFiles = (A, B);}");
+    EXPECT_FALSE(icons.iconOfBundle("/var/It.app", 58));
+    CrushedPngFile crushed{.width = 3, .height = 2};
+    const std::vector<Rgba> pixels(6, Rgba{10, 20, 30, 255});
+    putFile(bundle / "B.png", crushed.bytes(pixels));
+    const auto whole = CrushedPngFile{.width = 60, .height = 60}.bytes(samplePixels(3600));
+    putFile(bundle / "A.png", whole.substr(0, whole.size() / 2)); // suits better, but damaged
+    const auto picture = icons.iconOfBundle("/var/It.app", 58);
+    ASSERT_TRUE(picture);
+    EXPECT_EQ(picture->width, 3U);
+    EXPECT_EQ(picture->height, 2U);
+    for (std::size_t sample = 0; sample < 4; ++sample)
+        EXPECT_EQ(picture->bytes[20 + sample], pixels[5][sample]) << sample;
+    putFile(bundle / "A.png", whole);
+    EXPECT_EQ(icons.iconOfBundle("/var/It.app", 58)->width, 60U);
 }
 
 } // namespace dubrix

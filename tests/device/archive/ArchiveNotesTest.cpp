@@ -1,4 +1,5 @@
-#include "device/ZipDirectory.h"
+#include "device/archive/ZipDirectory.h"
+#include "device/archive/ZipFormat.h"
 #include "tests/device/DeviceFolder.h"
 
 #include <clocale>
@@ -14,7 +15,7 @@ namespace {
 std::map<std::string, std::time_t> timesIn(const fs::path& folder) {
     std::map<std::string, std::time_t> times;
     const auto note = [&](const fs::path& path) {
-        struct stat status {};
+        struct stat status{};
         ::lstat(path.c_str(), &status);
         times[path.lexically_relative(folder).native()] = status.st_mtim.tv_sec;
     };
@@ -119,7 +120,6 @@ TEST(ArchiveNotes, AbsurdTimesAreNotTaken) {
 }
 
 TEST(ArchiveNotes, ExportsMarkTheNamesThatAreUtf8) {
-    constexpr unsigned utf8Flag = 1 << 11;
     const std::map<std::string, bool> names = {
         {"Payload/X.app/plain", false},  {"Payload/X.app/grüß", true},
         {"Payload/X.app/e\u0301", true}, {"Payload/X.app/🤖", true},

@@ -1,4 +1,4 @@
-#include "device/ProgressBar.h"
+#include "device/confine/ProgressBar.h"
 #include "tests/device/DeviceFolder.h"
 
 namespace dubrix {
@@ -30,7 +30,7 @@ TEST(Installer, TellsHowFarItIsInBytes) {
         "com.example.a", "1", {{"large", large}, {"packed", large, S_IFREG | 0644, 8}});
     const std::uint64_t all = 2 * large.size() + infoPlist("com.example.a").size();
     std::vector<std::uint64_t> told;
-    Installer installer(device.root(), {}, [&](std::uint64_t done, std::uint64_t total) {
+    Installer installer(device.root(), [&](std::uint64_t done, std::uint64_t total) {
         EXPECT_EQ(total, all);
         told.push_back(done);
     });

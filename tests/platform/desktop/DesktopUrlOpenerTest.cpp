@@ -1,4 +1,4 @@
-#include "platform/linux/DesktopUrlOpener.h"
+#include "platform/desktop/DesktopUrlOpener.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <QDesktopServices>

@@ -168,7 +168,7 @@ TEST(InstallerRefusal, AsksForRoomBeforeItUnpacks) {
     const DeviceFolder device;
     ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1")));
     const auto before = device.snapshot();
-    struct statvfs status {};
+    struct statvfs status{};
     ASSERT_EQ(::statvfs(device.root().c_str(), &status), 0);
     const std::uint64_t tooMuch =
         std::uint64_t{status.f_bavail} * status.f_frsize + (std::uint64_t{1} << 32);

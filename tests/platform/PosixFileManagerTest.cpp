@@ -1,4 +1,4 @@
-#include "platform/linux/LinuxFileManager.h"
+#include "platform/posix/PosixFileManager.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <algorithm>
@@ -22,7 +22,7 @@ protected:
 
     TemporaryFolder folder;
     const fs::path root = folder / "device";
-    LinuxFileManager files{root};
+    PosixFileManager files{root};
 };
 
 TEST_F(LinuxFileManagerTest, RemovesOnlyBelowTmp) {
@@ -99,7 +99,7 @@ TEST_F(LinuxFileManagerTest, MakesFoldersAndMeasuresWhatIsBelow) {
     std::vector<std::int64_t> expected;
     for (const char* const name : {"Payload", "Payload/X.app", "Payload/X.app/Info.plist",
                                    "Payload/X.app/astray", "Payload/X.app/here"}) {
-        struct stat status {};
+        struct stat status{};
         ASSERT_EQ(::lstat((root / "tmp/My App" / name).c_str(), &status), 0);
         expected.push_back(status.st_size);
     }

@@ -7,7 +7,7 @@
 namespace dubrix {
 
 /// For whoever must not reach for the network.
-struct NoDownloads final : Downloader {
+struct UnexpectedDownloads final : Downloader {
     std::optional<std::string> dataWithContentsOfURL(const std::string& address) override {
         ADD_FAILURE() << "asked for " << address;
         return std::nullopt;

@@ -1,4 +1,4 @@
-#include "platform/linux/PaintingWait.h"
+#include "platform/desktop/PaintingWait.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>

@@ -1,3 +1,4 @@
+#include "device/installer/BundleStore.h"
 #include "tests/device/DeviceFolder.h"
 
 #include <csignal>
@@ -53,9 +54,19 @@ TEST(InstallerProgram, SaysOneLineForEachApplication) {
     result = run(device, "--root device --progress lines -f 'my app.ipa' bad.ipa");
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.output, "progress 0 1 of 2: my app.ipa\nprogress 100\n"
-                             "Installed com.example.app3 (例 Example 3)\n"
+                             "Installed com.example.app3 (例 Example 3), replaced the one before\n"
                              "progress 0 2 of 2: bad.ipa\n"
                              "Installed 1 of 2 applications; not installed: bad.ipa\n");
+
+    device.application("com.example.App", "4\t2");
+    result = run(device, "--root device --report fields -f com.example.App-*.ipa bad.ipa");
+    EXPECT_EQ(result.output, "replaced\tcom.example.App\tX\t4 2\t4.2 Enhanced\n"
+                             "replaced\tcom.example.App\tX\t4.2 Enhanced\t4 2\n"
+                             "failed\tbad.ipa: is not an archive\n");
+    EXPECT_EQ(result.errors, "");
+    result = run(device, "--root device -f 'com.example.App-4\t2.ipa' com.example.App-4.2*.ipa");
+    EXPECT_EQ(result.output, "Installed com.example.App (X), replaced 4.2 Enhanced by 4 2\n"
+                             "Installed com.example.App (X), replaced 4 2 by 4.2 Enhanced\n");
 
     result = run(device, "--root device -l");
     EXPECT_EQ(result.status, 0);

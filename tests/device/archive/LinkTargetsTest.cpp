@@ -1,4 +1,4 @@
-#include "device/LinkTargets.h"
+#include "device/archive/LinkTargets.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
-#include "device/BundleInfo.h"
+#include "device/registry/BundleInfo.h"
+#include "formats/lists/PropertyList.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace dubrix {
