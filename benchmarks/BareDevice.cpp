@@ -20,7 +20,7 @@ const std::string registry = "/var/containers/Bundle/Registry/";
 
 std::string contentsOf(const std::string& path) {
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    struct stat status {};
+    struct stat status{};
     ::fstat(file, &status);
     std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
     bytes.resize(static_cast<std::size_t>(::read(file, bytes.data(), bytes.size())));
@@ -35,13 +35,6 @@ std::string BareDevice::bundleOf(const std::string& identifier) const {
     const ssize_t length =
         ::readlink((root_ + registry + identifier).c_str(), text.data(), text.size());
     return length < 0 ? "" : std::string(text.data(), static_cast<std::size_t>(length));
-}
-
-std::size_t BareDevice::readLinks(const std::string& source) const {
-    std::size_t found = 0;
-    for (int number = 1; number <= duplicates; ++number)
-        found += bundleOf(source + std::to_string(number)).size();
-    return found;
 }
 
 std::size_t BareDevice::readVersions(const std::string& source) const {

@@ -11,9 +11,8 @@ class BareDevice {
 public:
     explicit BareDevice(std::string root) : root_(std::move(root)) {}
 
-    /// One link read for each of the numbers 1 to 100.
-    std::size_t readLinks(const std::string& source) const;
-    /// The same, and the version from the property list of each.
+    /// One link read for each of the numbers 1 to 100, and the version from the property list
+    /// there.
     std::size_t readVersions(const std::string& source) const;
     /// The name from the Info.plist of every registered application.
     std::size_t readAllNames() const;

@@ -1,7 +1,7 @@
-#include "formats/ImageDecoding.h"
-#include "platform/linux/LinuxMonochromeFilter.h"
-#include "platform/linux/MonochromeRemap.h"
-#include "platform/linux/PngEncoding.h"
+#include "formats/images/ImageDecoding.h"
+#include "formats/images/MonochromeRemap.h"
+#include "formats/images/PngEncoding.h"
+#include "platform/posix/PosixMonochromeFilter.h"
 
 #include <benchmark/benchmark.h>
 #include <cstddef>
@@ -77,7 +77,7 @@ void encode(benchmark::State& state) {
 
 void wholeTint(benchmark::State& state) {
     const auto png = encodePng(icon(sizeOf(state)));
-    const LinuxMonochromeFilter filter;
+    const PosixMonochromeFilter filter;
     for (auto _ : state)
         benchmark::DoNotOptimize(filter.monochromePng(*png, 0.9F, 0.4F, 0.1F));
     countPixels(state);

@@ -1,9 +1,10 @@
-#include "device/BundleIcon.h"
+#include "controls/Appearance.h"
+#include "controls/ApplicationIconProvider.h"
 #include "device/home/HomeScreen.h"
 #include "device/home/Wallpaper.h"
-#include "formats/WholeFile.h"
-#include "looks/Appearance.h"
-#include "looks/ApplicationIconProvider.h"
+#include "device/registry/BundleIcon.h"
+#include "files/WholeFile.h"
+#include "formats/lists/PropertyList.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>

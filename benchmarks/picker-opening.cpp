@@ -1,25 +1,20 @@
-#include "looks/ApplicationIconProvider.h"
+#include "controls/ApplicationIconProvider.h"
+#include "formats/lists/PropertyList.h"
 #include "network/NetworkServices.h"
-#include "platform/linux/DesktopUrlOpener.h"
-#include "platform/linux/FileStyleByteCount.h"
-#include "platform/linux/LinuxApplicationIcons.h"
-#include "platform/linux/LinuxApplicationList.h"
-#include "platform/linux/LinuxApplicationWorkspace.h"
-#include "platform/linux/LinuxCommandRunner.h"
-#include "platform/linux/LinuxDeviceClaim.h"
-#include "platform/linux/LinuxFileManager.h"
-#include "platform/linux/LinuxMonochromeFilter.h"
-#include "platform/linux/LinuxSystemLog.h"
-#include "screens/AboutTableViewController.h"
-#include "screens/AppListSampleViewController.h"
+#include "platform/desktop/DesktopUrlOpener.h"
+#include "platform/desktop/PaintingPlatform.h"
+#include "platform/posix/PosixApplications.h"
+#include "platform/posix/PosixPlatform.h"
 #include "screens/InterfaceLayout.h"
-#include "screens/ModalStack.h"
-#include "screens/NavigationController.h"
 #include "screens/NotificationCenter.h"
-#include "screens/PrefsViewController.h"
-#include "screens/QuickOverlayStage.h"
-#include "screens/TabBarController.h"
-#include "screens/TemplateImageProvider.h"
+#include "screens/about/AboutTableViewController.h"
+#include "screens/applications/AppListSampleViewController.h"
+#include "screens/containers/ModalStack.h"
+#include "screens/containers/NavigationController.h"
+#include "screens/containers/TabBarController.h"
+#include "screens/containers/TemplateImageProvider.h"
+#include "screens/overlay/QuickOverlayStage.h"
+#include "screens/prefs/PrefsViewController.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -119,23 +114,16 @@ int main(int argc, char** argv) {
     if (argc != 2)
         return 2;
     const std::filesystem::path root = argv[1];
-    LinuxCommandRunner commands(root, "");
-    LinuxFileManager files(root);
-    LinuxApplicationWorkspace workspace(root);
-    LinuxApplicationList applications(root);
-    LinuxApplicationIcons icons(root);
-    LinuxMonochromeFilter monochrome;
-    FileStyleByteCount byteCounts;
-    LinuxSystemLog log;
-    LinuxDeviceClaim device(root);
-    NetworkServices network({}, log);
-    const Platform platform{commands,   files, workspace, applications, monochrome,
-                            byteCounts, log,   network,   device};
+    PosixPlatform posix(root);
+    NetworkServices network({}, posix.log);
+    PaintingPlatform painting(posix.ports({.downloader = &network}));
+    const Platform platform = painting.ports();
+    PosixApplicationIcons icons(root);
     NotificationCenter notifications;
     ModalStack modals;
     QuickOverlayStage stage;
     DesktopUrlOpener urls(root);
-    const AboutServices about{log, urls, network, PropertyList::dictionary()};
+    const AboutServices about{platform.log, urls, network, PropertyList::dictionary()};
     const auto tabs = makeInterfaceLayout(platform, notifications, about, modals);
     tabs->loadViewIfNeeded();
     QQmlApplicationEngine engine;

@@ -1,5 +1,5 @@
-#include "formats/WholeFile.h"
-#include "platform/linux/MonochromePng.h"
+#include "files/WholeFile.h"
+#include "formats/images/MonochromeRemap.h"
 
 #include <cstdio>
 #include <cstdlib>

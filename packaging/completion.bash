@@ -160,10 +160,22 @@ _dubrix_argument() {
     export/2) _dubrix_files '*.ipa' ;;
     home/1) _dubrix_offer drive ;;
     drive/*) _dubrix_drive ;;
+    duplicate/*)
+        _dubrix_identifiers
+        _dubrix_files '*.ipa'
+        ;;
+    update/* | status/*) _dubrix_identifiers ;;
+    settings/1) _dubrix_offer application name name-on color color-on ;;
     esac
     case $command/${words[-1]} in
     home/-*) _dubrix_offer --size --shot --help ;;
-    install/-* | list/-* | uninstall/-* | export/-* | shell/-*)
+    duplicate/-*)
+        [[ -n $names_only ]] || _dubrix_offer --name --color --plain --count --update --output \
+            --yes --json --quiet --verbose --help
+        ;;
+    update/-*) [[ -n $names_only ]] || _dubrix_offer --all --yes --json --quiet --verbose --help ;;
+    status/-* | settings/-* | list/-*) [[ -n $names_only ]] || _dubrix_offer --json --help ;;
+    install/-* | uninstall/-* | export/-* | shell/-*)
         [[ -n $names_only ]] || _dubrix_offer --help
         ;;
     esac
@@ -186,12 +198,18 @@ _dubrix() {
     /*)
         case ${words[-1]} in
         --device=*) _dubrix_files '' --device= ;;
-        -*) _dubrix_offer --device --samples --appearance --with-home --without-isolation --help --version ;;
-        *) _dubrix_offer install list uninstall export home shell drive ;;
+        -*) _dubrix_offer --device --samples --appearance --with-home --verbose --without-isolation --help --version ;;
+        *)
+            _dubrix_offer install duplicate update status settings list uninstall export home shell drive
+            ((${#COMPREPLY[@]} > 0)) || _dubrix_files '*.ipa'
+            ;;
         esac
         ;;
     drive/--size | home/--size) ;;
     home/--shot) _dubrix_files '*.png' ;;
+    duplicate/--update) _dubrix_offer yes no ask ;;
+    duplicate/--output) _dubrix_files '' ;;
+    duplicate/--name | duplicate/--color | duplicate/--count) ;;
     *) _dubrix_argument ;;
     esac
 }

@@ -38,6 +38,10 @@ _dubrix_device() {
 _dubrix_commands() {
     local -a commands=(
         'install:install applications on the device'
+        'duplicate:make duplicates of applications or of archives'
+        'update:rebuild duplicates that lag behind their source'
+        'status:duplicates of each source'
+        'settings:what is stored for duplicates'
         'list:identifier, name, version and path of every application'
         'uninstall:remove an application'
         'export:pack an installed application into an archive'
@@ -45,7 +49,7 @@ _dubrix_commands() {
         'shell:a shell on the device'
         'drive:act out a script'
     )
-    _describe command commands
+    _describe command commands || _files -g '*.ipa(-.) *.app(-/)'
 }
 
 _dubrix() {
@@ -57,6 +61,7 @@ _dubrix() {
         '--samples[install the sample applications on a device made now]' \
         '--appearance[how the application looks]:appearance:(light dark)' \
         '--with-home[open the home screen beside the application]' \
+        '--verbose[pass on all that commands say]' \
         '--without-isolation[install applications also where the system permits no isolation]' \
         '(-)'{-h,--help}'[a short help]' \
         '(-)--version[the version]' \
@@ -68,6 +73,24 @@ _dubrix() {
     ((${words[(i)--]} >= CURRENT)) || ((number--))
     case $words[1] in
     install) _files -g '*.ipa(-.) *.app(-/)' ;;
+    duplicate)
+        _arguments '--name[its name]:name:' '--color[the color of its icons]:color:' \
+            '--plain[neither name nor color]' '--count[so many of each]:number:' \
+            '--update[what is done about stale ones]:answer:(yes no ask)' \
+            '--output[as archives there]:path:_files' '(-y --yes)'{-y,--yes}'[ask nothing]' \
+            '--json[an array of objects]' '--quiet[failures only]' \
+            '--verbose[what the commands say]' '*:source:_dubrix_sources'
+        ;;
+    update)
+        _arguments '--all[of all sources]' '(-y --yes)'{-y,--yes}'[ask nothing]' \
+            '--json[an array of objects]' '--quiet[failures only]' \
+            '--verbose[what the commands say]' '*:source:_dubrix_identifiers'
+        ;;
+    status) _arguments '--json[an array of objects]' '*:source:_dubrix_identifiers' ;;
+    settings)
+        _arguments '--json[an object]' '1:key:(application name name-on color color-on)' '2:value:'
+        ;;
+    list) _arguments '--json[an array of objects]' ;;
     uninstall) ((number != 2)) || _dubrix_identifiers ;;
     export)
         if ((number == 2)); then
@@ -88,6 +111,11 @@ _dubrix() {
         ;;
     drive) _dubrix_drive ;;
     esac
+}
+
+_dubrix_sources() {
+    _dubrix_identifiers
+    _files -g '*.ipa(-.)'
 }
 
 _dubrix_drive() {

@@ -10,16 +10,29 @@ import subprocess
 import sys
 import tempfile
 
-from . import archives, device, picker, tint
-from .timing import Failed, Row
+from . import archives, device, drawing, picker, tint, window
+from .timing import Failed, Place, Row
 
 MEGABYTE = 1_000_000
+
+
+def in_both_places(measured):
+    """What copies bytes is measured in memory and on the disk, in one run."""
+    return lambda group, options: [row for place in options.places
+                                   for row in measured(group, options, place)]
+
+
 GROUPS = {
-    "duplicate-100": (("plistutil", "zip", "unzip"), lambda group, options: archives.duplication(
-        group, 100 * MEGABYTE, 1_500, options)),
-    "duplicate-1000": (("plistutil", "zip", "unzip"), lambda group, options: archives.duplication(
-        group, *options.large, options)),
-    "install": (("zip", "unzip"), archives.installation),
+    "duplicate-100": (("plistutil", "zip", "unzip"), in_both_places(
+        lambda group, options, place: archives.duplication(group, 100 * MEGABYTE, 1_500, options,
+                                                           place))),
+    "duplicate-1000": (("plistutil", "zip", "unzip"), in_both_places(
+        lambda group, options, place: archives.duplication(group, *options.large, options,
+                                                           place))),
+    "install": (("zip", "unzip"), in_both_places(archives.installation)),
+    "removal": ((), in_both_places(archives.removal)),
+    "question": ((), archives.question),
+    "window": ((), window.opening),
     "census": ((), device.census),
     "list": ((), device.picker_list),
     "settings": ((), device.settings),
@@ -34,8 +47,9 @@ GROUPS = {
 class Options:
     """What every group is told: where to work, how often, and where the programs are."""
 
-    def __init__(self, arguments, work):
+    def __init__(self, arguments, work, memory):
         self.build, self.work, self.quick = arguments.build, work, arguments.quick
+        self.places = [Place("in memory", memory, False), Place("on disk", work, True)]
         self.libexec = self.build + "/libexec/dubrix"
         self.installer = self.libexec + "/ipainstaller"
         self.repetitions = arguments.runs or (3 if self.quick else 9)
@@ -63,8 +77,14 @@ def parse():
     parser.add_argument("--quick", action="store_true",
                         help="fewer runs, and 200 MB in place of 1 GB")
     parser.add_argument("--runs", type=int, help="so many runs of everything")
-    parser.add_argument("--work", default=None, help="make the temporary folder in this one")
-    parser.add_argument("--build", default="build/release", help=argparse.SUPPRESS)
+    parser.add_argument("--work", default=None,
+                        help="make the temporary folder on the disk in this one")
+    parser.add_argument("--memory", default="/dev/shm", help="and the one in memory in this one")
+    parser.add_argument("--picture", nargs="+", metavar="FIGURES", help="measure nothing: print a "
+                        "drawing (SVG) of the ratios in these files, made with --json")
+    parser.add_argument("--markdown", nargs="+", metavar="FIGURES",
+                        help="the same as a table")
+    parser.add_argument("--build", default="build/bench", help=argparse.SUPPRESS)
     arguments = parser.parse_args()
     unknown = set(arguments.groups) - set(GROUPS)
     if unknown:
@@ -109,8 +129,14 @@ def line(row):
     target = "" if limit is None else f"<= {limit}"
     verdict = {True: "met", False: "MISSED", None: ""}[row.met]
     verdict = " ".join(filter(None, (verdict, row.note)))
-    return (f"{row.work:42} {figure(row.ours, row.unit):>10}  {row.against:26}"
+    work = ", ".join(filter(None, (row.work, row.place)))
+    return (f"{work:46} {figure(row.ours, row.unit):>10}  {row.against:26}"
             f"{figure(row.plain, row.unit):>10}  {ratio:>6}  {spread:12} {target:8} {verdict}")
+
+
+def rows_in(name):
+    with open(name, encoding="utf-8") as file:
+        return json.load(file)["rows"]
 
 
 def main():
@@ -118,13 +144,19 @@ def main():
     os.environ["LC_ALL"] = "C.UTF-8"
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))  # the temporary folder goes too
     arguments.build = os.path.abspath(arguments.build)
-    with tempfile.TemporaryDirectory(prefix="dubrix-bench-", dir=arguments.work) as work:
-        options = Options(arguments, work)
+    if arguments.picture or arguments.markdown:
+        runs = [rows_in(name) for name in arguments.picture or arguments.markdown]
+        print(drawing.picture(runs) if arguments.picture
+              else "\n".join(drawing.markdown(runs, figure)))
+        return 0
+    folder = functools.partial(tempfile.TemporaryDirectory, prefix="dubrix-bench-")
+    with folder(dir=arguments.work) as work, folder(dir=arguments.memory) as memory:
+        options = Options(arguments, work, memory)
         about = machine(work)
         rows = []
         if not arguments.json:
             print(", ".join(f"{name} {value}" for name, value in about.items()))
-            print(f"{'work':42} {'ours':>10}  {'plain':26}{'':>10}  {'ratio':>6}  "
+            print(f"{'work':46} {'ours':>10}  {'plain':26}{'':>10}  {'ratio':>6}  "
                   f"{'from-to':12} target")
         for group in arguments.groups or GROUPS:
             for row in measure(group, options):

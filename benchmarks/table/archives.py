@@ -2,6 +2,7 @@
 import os
 import shlex
 import shutil
+import statistics
 import subprocess
 
 from . import bundles
@@ -21,14 +22,24 @@ unzip -q Source.ipa -d {target}
 """
 
 
+# What the three commands of the pipeline move: the bundle, three times.
+THREE_COPIES = """set -e
+mkdir {stage}
+cp -r {bundle} {stage}/one
+cp -r {stage}/one {stage}/two
+cp -r {stage}/two {stage}/three
+"""
+
+
 def forget(*folders):
     for folder in folders:
         shutil.rmtree(folder, ignore_errors=True)
 
 
-def duplication(group, size, files, options):
-    """The whole way from the tap to the installed duplicate against commands by hand."""
-    root = f"{options.work}/{group}"
+def duplication(group, size, files, options, place):
+    """The whole way from the tap to the installed duplicate against commands by hand. On a disk the
+    copies are flushed once, as the installer flushes what it registers."""
+    root = f"{place.folder}/{group}"
     bundle = bundles.make_device(root, bundle=lambda place: bundles.make_bundle(place, size, files))
     stage, target = root + "/stage", root + "/target"
     ours = Contestant(
@@ -40,11 +51,16 @@ def duplication(group, size, files, options):
     by_hand, stored = (Contestant(["bash", "-c", script], environment,
                                   after=lambda: forget(stage, target))
                        for environment in ({}, {"ZIPOPT": "-0"}))
-    take_turns(options.runs_for(size), ours, by_hand, stored)
+    copies = Contestant(
+        ["bash", "-c", THREE_COPIES.format(stage=shlex.quote(stage), bundle=shlex.quote(bundle)) +
+         place.flush.format(folder=shlex.quote(stage))], after=lambda: forget(stage))
+    take_turns(options.runs_for(size), ours, by_hand, stored, copies)
     forget(root)
     work = f"duplicate {size // 1_000_000:,} MB, {files:,} files"
-    return [compared(group, work, ours, "cp, plistutil, zip, unzip", by_hand, 0.3),
-            compared(group, work, ours, "the same, ZIPOPT=-0", stored, 0.9)]
+    return [compared(group, work, ours, against, plain, target, place)
+            for against, plain, target in (("cp, plistutil, zip, unzip", by_hand, 0.3),
+                                           ("the same, ZIPOPT=-0", stored, 0.9),
+                                           ("three copies", copies, 1.2))]
 
 
 def remove_application(root, identifier, options):
@@ -60,28 +76,29 @@ def archive_of(folder, bundle, level):
     return folder + "/Source.ipa"
 
 
-def installation(group, options):
+def installation(group, options, place):
     """The installer against the tools that only lay out the files."""
     size, files = 100_000_000, 1_500
-    root, made = options.work + "/installation", options.work + "/archives"
+    root, made = place.folder + "/installation", place.folder + "/archives"
     packed = archive_of(made + "/deflated", new_bundle(made, size, files), "6")
     stored = archive_of(made + "/stored", new_bundle(made, size, files), "0")
-    target = options.work + "/unpacked"
+    target = place.folder + "/unpacked"
     bundles.make_device(root)
 
     def installer(archive):
         return Contestant([options.installer, "--root", root, "-f", archive],
                           after=lambda: remove_application(root, bundles.SOURCE, options))
 
-    pairs = (("deflated", installer(packed), "unzip", 0.3,
+    pairs = (("deflated", installer(packed), "unzip", 0.15,
               Contestant(["unzip", "-q", packed, "-d", target], after=lambda: forget(target))),
-             ("stored", installer(stored), "cp -r of the folder", 1.3,
+             ("stored", installer(stored), "cp -r of the folder", 1.0,
               Contestant(["cp", "-r", made + "/stored/Payload", target],
                          after=lambda: forget(target))))
     rows = []
     for form, ours, name, goal, plain in pairs:
         take_turns(options.runs_for(size), ours, plain)
-        rows.append(compared(group, f"install 100 MB, {form}", ours, name, plain, goal))
+        rows.append(compared(group, f"install 100 MB, {form}", ours, name, plain, goal,
+                             place))
     forget(root, made)
     return rows
 
@@ -93,6 +110,37 @@ def new_bundle(folder, size, files):
     os.rename(bundle, place)
     forget(root)
     return place
+
+
+def removal(group, options, place):
+    """The removal of what a duplication has staged, against the system's own."""
+    root = place.folder + "/removal"
+    made, staged = root + "/made", root + "/tmp/Source"
+    os.makedirs(root + "/tmp")
+    bundles.make_bundle(made, 100_000_000, 12_000)
+
+    def stage():
+        subprocess.run(["cp", "-r", made, staged], check=True)
+
+    ours = Contestant([options.program("benchmarks/engine-task"), root, "remove", "/tmp/Source"],
+                      before=stage)
+    plain = Contestant(["rm", "-rf", staged], before=stage)
+    take_turns(options.runs_for(0), ours, plain)
+    forget(root)
+    return [compared(group, "remove what was staged, 12,000 files", ours, "rm -rf", plain, 1.2,
+                     place)]
+
+
+def question(group, options):
+    """How long the question before a duplication takes, the size of the bundle included."""
+    root = options.work + "/question"
+    bundles.make_device(root, bundle=lambda place: bundles.make_bundle(place, 100_000_000, 12_000))
+    command = [options.program("benchmarks/engine-task"), root, "question"]
+    times = [float(subprocess.run(command, check=True, stdout=subprocess.PIPE).stdout)
+             for _ in range(options.repetitions)]
+    forget(root)
+    return Row(group, "question before duplicating 12,000 files", "ms", statistics.median(times),
+               target=50)
 
 
 def installer_memory(group, options):

@@ -47,23 +47,16 @@ def row(group, work, against, target, ours, plain):
 
 def census(group, options):
     found = times(options, "census/")
-    rows = []
-    for state, bare, name in (("unchanged", "links", "100 links read"),
-                              ("changed", "versions", "100 links and lists read")):
-        many = found[f"census/{state}/many"]
-        rows.append(row(group, f"census, bundles {state}", name, 5, many,
-                        found[f"census/{bare}/many"]))
-        rows.append(row(group, f"census, bundles {state}, 10,000 apps", "10 apps", 1.2, many,
-                        found[f"census/{state}/few"]))
-    return rows
+    return [row(group, "census", "100 links and lists read", 1.3, found["census/many"],
+                found["census/bare"]),
+            row(group, "census, 10,000 apps", "10 apps", 1.2, found["census/many"],
+                found["census/few"])]
 
 
 def picker_list(group, options):
     found = times(options, "list/")
-    return [row(group, "picker's list of 10,000, cold", "walk with libplist", 1.5,
-                found["list/cold"], found["list/bare"]),
-            row(group, "picker's list of 10,000, warm", "walk with libplist", 0.05,
-                found["list/warm"], found["list/bare"])]
+    return [row(group, "picker's list of 10,000", "walk with libplist", 0.7, found["list/ours"],
+                found["list/bare"])]
 
 
 def settings(group, options):

@@ -84,6 +84,7 @@ class Row:
     ratios: list = dataclasses.field(default_factory=list)
     processor: list = None
     note: str = ""
+    place: str = ""
 
     @property
     def ratio(self):
@@ -100,9 +101,22 @@ class Row:
         return dataclasses.asdict(self) | {"ratio": self.ratio, "met": self.met}
 
 
-def compared(group, work, ours, against, plain, target):
+@dataclasses.dataclass
+class Place:
+    """Where files are that are worked on. Targets hold in memory; what a disk does is told."""
+    name: str
+    folder: str
+    is_disk: bool
+
+    @property
+    def flush(self):
+        return "sync -f {folder}\n" if self.is_disk else ""
+
+
+def compared(group, work, ours, against, plain, target, place=None):
     """The row of two contestants that have taken turns: the ratio is the median of the pairs'."""
     return Row(group, work, "s", statistics.median(ours.seconds), against,
-               statistics.median(plain.seconds), target,
+               statistics.median(plain.seconds), None if place and place.is_disk else target,
                [a / b for a, b in zip(ours.seconds, plain.seconds)],
-               [statistics.median(ours.processor), statistics.median(plain.processor)])
+               [statistics.median(ours.processor), statistics.median(plain.processor)],
+               place=place.name if place else "")
