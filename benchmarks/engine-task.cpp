@@ -51,7 +51,7 @@ int main(int count, char** words) {
     if (task == "question")
         return ask(real);
     if (task == "remove")
-        return real.files.removeItemAtPath(words[3]) ? 0 : 1;
+        return real.posix.files.removeItemAtPath(words[3]) ? 0 : 1;
     std::puts(real.engine.sizeOfFolder(words[3]).c_str());
     return 0;
 }
