@@ -6,6 +6,9 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cstdlib>
+#include <sys/mman.h>
 #include <zlib.h>
 
 namespace dubrix {
@@ -13,11 +16,56 @@ namespace dubrix {
 namespace {
 
 constexpr std::size_t bufferSize = std::size_t{256} << 10;
-/// Entries of at most so many bytes, packed and unpacked, are unpacked whole: that is faster.
-constexpr std::uint64_t largestWhole = std::uint64_t{4} << 20;
+/// What all readers of the process together hold of entries that are unpacked whole. An entry that
+/// finds no room goes through the buffers, which takes longer.
+constexpr std::uint64_t mostHeld = std::uint64_t{48} << 20;
+
+std::atomic<std::uint64_t> held{0};
+
+/// Room for one entry, packed and unpacked.
+class Room {
+public:
+    explicit Room(const ZipEntry& entry)
+        : size_(std::max(entry.packedSize, entry.size) > mostHeld ? mostHeld + 1
+                                                                  : entry.packedSize + entry.size),
+          isThere_((held += size_) <= mostHeld) {}
+    ~Room() { held -= size_; }
+    Room(const Room&) = delete;
+    Room& operator=(const Room&) = delete;
+
+    bool isThere() const { return isThere_; }
+
+private:
+    const std::uint64_t size_;
+    const bool isThere_;
+};
+
+struct Freeing {
+    void operator()(char* space) const { std::free(space); }
+};
+using Space = std::unique_ptr<char[], Freeing>;
+
+/// Null when there is no memory. Much is asked for in large pages: a fault for every small one
+/// would take longer than the checksum of what it holds.
+Space makeSpace(std::size_t size) {
+    constexpr std::size_t largePage = std::size_t{2} << 20;
+    if (size < largePage)
+        return Space(static_cast<char*>(std::malloc(std::max(size, std::size_t{1}))));
+    const std::size_t whole = (size + largePage - 1) / largePage * largePage;
+    Space space(static_cast<char*>(std::aligned_alloc(largePage, whole)));
+#ifdef MADV_HUGEPAGE
+    if (space)
+        ::madvise(space.get(), whole, MADV_HUGEPAGE);
+#endif
+    return space;
+}
 
 Failure damagedEntry(const ZipEntry& entry) {
     return Failure{"is damaged at " + entry.name};
+}
+
+Failure notEnoughMemory() {
+    return Failure{"cannot be unpacked: not enough memory"};
 }
 
 } // namespace
@@ -59,10 +107,8 @@ Outcome ZipEntryReader::read(const ZipEntry& entry, const Sink& sink) {
     crc_ = 0;
     if (entry.method != 0 && entry.method != Z_DEFLATED)
         return Failure{"packs " + entry.name + " by an unknown method"};
-    const bool isSmall = std::max(entry.packedSize, entry.size) <= largestWhole;
-    Outcome done = entry.method == 0 ? copyStored(entry, offset, sink)
-                   : isSmall         ? inflateWhole(entry, offset, sink)
-                                     : inflateDeflated(entry, offset, sink);
+    Outcome done =
+        entry.method == 0 ? copyStored(entry, offset, sink) : inflateDeflated(entry, offset, sink);
     if (done && (passed_ != entry.size || crc_ != entry.crc))
         return damagedEntry(entry);
     return done;
@@ -96,14 +142,16 @@ Outcome ZipEntryReader::copyStored(const ZipEntry& entry, std::uint64_t offset, 
 
 Outcome ZipEntryReader::inflateWhole(const ZipEntry& entry, std::uint64_t offset,
                                      const Sink& sink) {
-    const auto packed = static_cast<std::size_t>(entry.packedSize);
+    const auto packedSize = static_cast<std::size_t>(entry.packedSize);
     const auto size = static_cast<std::size_t>(entry.size);
-    input_.resize(std::max(input_.size(), packed));
-    output_.resize(std::max(output_.size(), size));
-    if (!readExactly(archive_, offset, input_.data(), packed) ||
-        !inflater_->whole.inflate({input_.data(), packed}, output_.data(), size))
+    const Space packed = makeSpace(packedSize);
+    const Space made = makeSpace(size);
+    if (!packed || !made)
+        return notEnoughMemory();
+    if (!readExactly(archive_, offset, packed.get(), packedSize) ||
+        !inflater_->whole.inflate({packed.get(), packedSize}, made.get(), size))
         return damagedEntry(entry);
-    for (std::string_view left(output_.data(), size); !left.empty();) {
+    for (std::string_view left(made.get(), size); !left.empty();) {
         const std::string_view piece = left.substr(0, bufferSize);
         if (Outcome done = pass(entry, piece, sink); !done)
             return done;
@@ -114,9 +162,11 @@ Outcome ZipEntryReader::inflateWhole(const ZipEntry& entry, std::uint64_t offset
 
 Outcome ZipEntryReader::inflateDeflated(const ZipEntry& entry, std::uint64_t offset,
                                         const Sink& sink) {
+    if (const Room room(entry); room.isThere())
+        return inflateWhole(entry, offset, sink);
     z_stream& stream = inflater_->stream;
     if (!inflater_->ready || inflateReset(&stream) != Z_OK)
-        return Failure{"cannot be unpacked: not enough memory"};
+        return notEnoughMemory();
     std::uint64_t left = entry.packedSize;
     stream.avail_in = 0;
     for (int state = Z_OK; state != Z_STREAM_END;) {

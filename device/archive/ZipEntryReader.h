@@ -10,8 +10,9 @@
 
 namespace dubrix {
 
-/// Unpacks entries of one archive in bounded memory, below 9 MB. It reads by position and leaves
-/// the descriptor's own alone, so that several readers may work on one archive at a time.
+/// Unpacks entries of one archive, in 48 MB that all readers of the process share and half a
+/// megabyte of each one's own. It reads by position and leaves the descriptor's own alone, so that
+/// several readers may work on one archive at a time.
 class ZipEntryReader {
 public:
     /// Takes the next bytes, at most 256 KiB; a failure ends the reading with it.
