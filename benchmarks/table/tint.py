@@ -66,7 +66,7 @@ def largest_difference(one, other):
 
 
 def compare_size(group, size, convert, options):
-    icon, ours_made, plain_made = (f"{options.work}/{name}-{size}.png"
+    icon, ours_made, plain_made = (f"{options.places[0].folder}/{name}-{size}.png"
                                    for name in ("icon", "ours", "imagemagick"))
     write_icon(icon, size)
     one_core = frozenset({max(os.sched_getaffinity(0))})
@@ -76,7 +76,7 @@ def compare_size(group, size, convert, options):
                        {"MAGICK_THREAD_LIMIT": "1"}, cores=one_core)
     take_turns(4 * options.repetitions, ours, plain)
     row = compared(group, f"tint {size}x{size}, file to file", ours, "ImageMagick 6", plain,
-                   0.15 if size == 180 else 0.2)
+                   0.15 if size == 180 else 0.2, options.places[0])
     difference = largest_difference(ours_made, plain_made)
     if difference > 1.5:
         row.note = f"the results differ by {difference:.1f} of 255"

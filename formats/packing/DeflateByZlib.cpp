@@ -11,6 +11,16 @@ std::uint32_t checksum(std::string_view bytes, std::uint32_t before) {
         crc32_z(before, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size()));
 }
 
+std::optional<std::string> zlibStream(std::string_view bytes) {
+    uLongf size = compressBound(bytes.size());
+    std::string packed(size, '\0');
+    if (compress2(reinterpret_cast<Bytef*>(packed.data()), &size,
+                  reinterpret_cast<const Bytef*>(bytes.data()), bytes.size(), Z_BEST_SPEED) != Z_OK)
+        return std::nullopt;
+    packed.resize(size);
+    return packed;
+}
+
 struct WholeInflater::State {
     z_stream stream{};
     bool isReady = inflateInit2(&stream, -MAX_WBITS) == Z_OK;
