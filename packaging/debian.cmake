@@ -26,7 +26,7 @@ set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(needed
     "bubblewrap (>= 0.8.0-2+deb12u1)" zip
-    qml6-module-qtquick qml6-module-qtquick-templates qml6-module-qtquick-window
+    qml6-module-qtquick qml6-module-qtquick-templates
     qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript
     qml6-module-qtwebview qt6-webview-plugins)
 list(JOIN needed ", " CPACK_DEBIAN_PACKAGE_DEPENDS)

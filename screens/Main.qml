@@ -1,7 +1,6 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Window
 import Dubrix
 import DubrixControls
 
@@ -79,29 +78,44 @@ Window {
         }
     }
 
-    Banner {
+    // What comes and goes above all else is made when the first frame has been drawn.
+    Connections {
+        target: window
+        enabled: !above.active
+        function onFrameSwapped() {
+            above.active = true;
+        }
+    }
+
+    Loader {
+        id: above
+
         z: 900
-        anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(parent.width - 2 * Theme.margin, Theme.points(420))
-        line: parent.height - Theme.points(70)
-        words: window.drops?.words ?? ""
-        busy: window.drops?.busy ?? false
-        percent: window.drops?.percent ?? -1
-        stays: window.drops?.failed ?? false
-        onPassed: window.drops.passed()
-    }
-
-    DropZone {
-        z: 950
         anchors.fill: parent
-        enabled: window.drops !== null
-        takes: files => window.drops.takes(files)
-        onTaken: files => window.drops.drop(files)
-    }
+        active: false
+        sourceComponent: Item {
+            Banner {
+                anchors.horizontalCenter: parent.horizontalCenter
+                width: Math.min(parent.width - 2 * Theme.margin, Theme.points(420))
+                line: parent.height - Theme.points(70)
+                words: window.drops?.words ?? ""
+                busy: window.drops?.busy ?? false
+                percent: window.drops?.percent ?? -1
+                stays: window.drops?.failed ?? false
+                onPassed: window.drops.passed()
+            }
 
-    StatusOverlay {
-        z: 1000
-        anchors.fill: parent
-        stage: window.stage
+            DropZone {
+                anchors.fill: parent
+                enabled: window.drops !== null
+                takes: files => window.drops.takes(files)
+                onTaken: files => window.drops.drop(files)
+            }
+
+            StatusOverlay {
+                anchors.fill: parent
+                stage: window.stage
+            }
+        }
     }
 }

@@ -5,7 +5,9 @@
 #include "files/FileTree.h"
 
 #include <QIcon>
+#include <QImageReader>
 #include <QLibrary>
+#include <QPixmap>
 #include <QQuickWindow>
 #include <QScreen>
 #include <cstdio>
@@ -53,7 +55,9 @@ WindowProgram::WindowProgram(int& argc, char** argv, const Kind& kind)
     QGuiApplication::setApplicationName(QStringLiteral("dubrix"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Dubrix"));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.dubrix.Dubrix"));
-    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/own/AppIcon.png")));
+    QImageReader icon(QStringLiteral(":/own/AppIcon.png"), "png");
+    icon.setAutoDetectImageFormat(false); // which asks every image plugin first
+    QGuiApplication::setWindowIcon(QPixmap::fromImageReader(&icon));
     readLine(kind);
     script_ = descriptors(QStringLiteral("drive"), 3);
     if (const QList<int> pipes = descriptors(QStringLiteral("desk"), 2); !pipes.isEmpty()) {

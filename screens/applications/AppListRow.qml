@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 import DubrixControls
 
 /// One application of the picker's list: icon, name, check mark. Rows of a section form one card.
