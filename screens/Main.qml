@@ -81,9 +81,12 @@ Window {
     // What comes and goes above all else is made when the first frame has been drawn.
     Connections {
         target: window
-        enabled: !above.active
+        enabled: above.status === Loader.Null
         function onFrameSwapped() {
-            above.active = true;
+            above.setSource("AboveAll.qml", {
+                drops: window.drops,
+                stage: window.stage
+            });
         }
     }
 
@@ -92,30 +95,5 @@ Window {
 
         z: 900
         anchors.fill: parent
-        active: false
-        sourceComponent: Item {
-            Banner {
-                anchors.horizontalCenter: parent.horizontalCenter
-                width: Math.min(parent.width - 2 * Theme.margin, Theme.points(420))
-                line: parent.height - Theme.points(70)
-                words: window.drops?.words ?? ""
-                busy: window.drops?.busy ?? false
-                percent: window.drops?.percent ?? -1
-                stays: window.drops?.failed ?? false
-                onPassed: window.drops.passed()
-            }
-
-            DropZone {
-                anchors.fill: parent
-                enabled: window.drops !== null
-                takes: files => window.drops.takes(files)
-                onTaken: files => window.drops.drop(files)
-            }
-
-            StatusOverlay {
-                anchors.fill: parent
-                stage: window.stage
-            }
-        }
     }
 }
