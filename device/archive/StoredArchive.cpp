@@ -25,7 +25,7 @@ constexpr std::size_t pieceSize = std::size_t{256} << 10;
 /// So much of the directory is held at a time.
 constexpr std::size_t directoryPieceSize = std::size_t{256} << 10;
 
-struct Entry {
+struct PackedFile {
     /// Of a folder with a slash at its end.
     std::string name;
     mode_t mode = 0;
@@ -59,7 +59,7 @@ public:
                             .size = isFolder ? 0 : static_cast<std::uint64_t>(status.st_size)});
         return isFolder ? addBelow(name) : Success{};
     }
-    std::vector<Entry> take() { return std::move(entries_); }
+    std::vector<PackedFile> take() { return std::move(entries_); }
 
 private:
     Outcome addBelow(const std::string& name) {
@@ -80,7 +80,7 @@ private:
     }
 
     int folder_;
-    std::vector<Entry> entries_;
+    std::vector<PackedFile> entries_;
 };
 
 /// The two numbers that every entry has for its time: local, to two seconds, from 1980 on.
@@ -98,7 +98,7 @@ DosTime dosTime(std::time_t seconds) {
             number(parts.tm_hour) << 11 | number(parts.tm_min) << 5 | number(parts.tm_sec) / 2};
 }
 
-std::string timeField(const Entry& entry) {
+std::string timeField(const PackedFile& entry) {
     std::string field;
     if (entry.modified < INT32_MIN || entry.modified > INT32_MAX)
         return field;
@@ -110,7 +110,8 @@ std::string timeField(const Entry& entry) {
 }
 
 /// What both headers of an entry have in common, from the version needed to the size of `extra`.
-void appendCommon(std::string& bytes, const Entry& entry, bool is64, const std::string& extra) {
+void appendCommon(std::string& bytes, const PackedFile& entry, bool is64,
+                  const std::string& extra) {
     const bool isMarked =
         isUtf8(entry.name) && std::ranges::any_of(entry.name, [](char byte) { return byte < 0; });
     const DosTime time = dosTime(entry.modified);
@@ -127,7 +128,7 @@ void appendCommon(std::string& bytes, const Entry& entry, bool is64, const std::
     appendLittleEndian(bytes, extra.size(), 2);
 }
 
-std::string localHeader(const Entry& entry) {
+std::string localHeader(const PackedFile& entry) {
     std::string extra;
     if (entry.isLarge()) {
         appendLittleEndian(extra, extra64, 2);
@@ -142,7 +143,7 @@ std::string localHeader(const Entry& entry) {
     return header + entry.name + extra;
 }
 
-void appendDirectoryEntry(std::string& bytes, const Entry& entry) {
+void appendDirectoryEntry(std::string& bytes, const PackedFile& entry) {
     std::string wide;
     for (const std::uint64_t value : {entry.size, entry.size, entry.offset})
         if (value >= narrow)
@@ -197,7 +198,7 @@ class Packing {
 public:
     Packing(int folder, int archive) : folder_(folder), archive_(archive) {}
 
-    Outcome pack(Entry& entry) {
+    Outcome pack(PackedFile& entry) {
         const std::size_t headerSize = localHeader(entry).size();
         if (Outcome done = S_ISREG(entry.mode)   ? packFile(entry, headerSize)
                            : S_ISLNK(entry.mode) ? packLink(entry, headerSize)
@@ -208,7 +209,7 @@ public:
     }
 
 private:
-    Outcome packFile(Entry& entry, std::uint64_t headerSize) {
+    Outcome packFile(PackedFile& entry, std::uint64_t headerSize) {
         const Descriptor file(
             ::openat(folder_, entry.name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         struct stat status{};
@@ -236,7 +237,7 @@ private:
         }
     }
 
-    Outcome packLink(Entry& entry, std::uint64_t headerSize) {
+    Outcome packLink(PackedFile& entry, std::uint64_t headerSize) {
         piece_.resize(PATH_MAX);
         const ssize_t got = ::readlinkat(folder_, entry.name.c_str(), piece_.data(), piece_.size());
         if (got < 0)
@@ -248,7 +249,7 @@ private:
         return write(text, entry.offset + headerSize);
     }
 
-    static Failure changed(const Entry& entry) {
+    static Failure changed(const PackedFile& entry) {
         return Failure{"cannot hold " + entry.name + ", which changes meanwhile"};
     }
 
@@ -264,16 +265,16 @@ private:
 };
 
 /// Gives each entry its place; where the last one ends.
-std::uint64_t place(std::vector<Entry>& entries) {
+std::uint64_t place(std::vector<PackedFile>& entries) {
     std::uint64_t end = 0;
-    for (Entry& entry : entries) {
+    for (PackedFile& entry : entries) {
         entry.offset = end;
         end += localHeader(entry).size() + entry.size;
     }
     return end;
 }
 
-Outcome writeDirectory(const std::vector<Entry>& entries, int archive, std::uint64_t start) {
+Outcome writeDirectory(const std::vector<PackedFile>& entries, int archive, std::uint64_t start) {
     std::string bytes;
     std::uint64_t end = start;
     const auto flush = [&] {
@@ -282,7 +283,7 @@ Outcome writeDirectory(const std::vector<Entry>& entries, int archive, std::uint
         bytes.clear();
         return done;
     };
-    for (const Entry& entry : entries) {
+    for (const PackedFile& entry : entries) {
         appendDirectoryEntry(bytes, entry);
         if (bytes.size() >= directoryPieceSize && !flush())
             return systemFailure("cannot be written");
@@ -300,11 +301,11 @@ Outcome packStored(int folder, const std::vector<std::string>& names, int archiv
     for (const std::string& name : names)
         if (Outcome done = listing.add(name); !done)
             return done;
-    std::vector<Entry> entries = listing.take();
+    std::vector<PackedFile> entries = listing.take();
     const std::uint64_t end = place(entries);
     std::vector<std::uint64_t> sizes;
     sizes.reserve(entries.size());
-    for (const Entry& entry : entries)
+    for (const PackedFile& entry : entries)
         sizes.push_back(entry.size);
     Outcome done = workOnFiles(sizes, [&]() -> FileWork {
         return [&, packing = std::make_shared<Packing>(folder, archive)](std::size_t index) {
@@ -314,7 +315,7 @@ Outcome packStored(int folder, const std::vector<std::string>& names, int archiv
     if (done)
         done = writeDirectory(entries, archive, end);
     if (done && added)
-        for (const Entry& entry : entries)
+        for (const PackedFile& entry : entries)
             added(entry.name);
     return done;
 }

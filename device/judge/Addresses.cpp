@@ -11,7 +11,7 @@ namespace dubrix {
 
 namespace {
 
-constexpr std::size_t longest = 2048;
+constexpr std::size_t longestAddress = 2048;
 
 bool isLetterOrDigit(char byte) {
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
@@ -101,7 +101,7 @@ bool isPage(std::string_view rest) {
 
 bool mayBeOpened(std::string_view address) {
     const std::size_t colon = address.find(':');
-    if (address.size() > longest || colon == std::string_view::npos ||
+    if (address.size() > longestAddress || colon == std::string_view::npos ||
         !std::ranges::all_of(address, mayStand))
         return false;
     const std::string scheme = lowerCase(address.substr(0, colon));

@@ -11,7 +11,7 @@ std::vector<InstalledApplication> installedApplications(const Registry& registry
     if (Result<std::vector<std::string>> names = registry.names()) {
         applications.resize(names->size());
         // Of thousands, other threads read some.
-        const FileWork read = [&](std::size_t index) -> Outcome {
+        FileWork read = [&](std::size_t index) -> Outcome {
             if (auto bundle = registry.bundleOf((*names)[index]); bundle && bundle->info)
                 applications[index] = {(*names)[index], std::move(bundle->info->displayName),
                                        std::move(bundle->path), false, bundle->info->hidden};

@@ -234,10 +234,10 @@ private:
 bool looksLikeXml(std::string_view bytes) {
     constexpr std::size_t enough = 4096;
     constexpr std::size_t longestTag = 10;
-    constexpr std::string_view blanks = " \t\r\n";
+    constexpr std::string_view xmlBlanks = " \t\r\n";
     std::string text;
     for (char byte : bytes.substr(0, enough)) { // UTF-16 without its zero bytes reads as ASCII here
-        const bool isBefore = text.empty() && blanks.find(byte) != blanks.npos;
+        const bool isBefore = text.empty() && xmlBlanks.find(byte) != xmlBlanks.npos;
         if (byte == '\0' || static_cast<unsigned char>(byte) >= 0x80 || isBefore)
             continue;
         text += byte;
