@@ -1,4 +1,5 @@
 #include "formats/images/BundleIcons.h"
+#include "formats/lists/PropertyList.h"
 #include "fuzzers/ArchiveSamples.h"
 #include "fuzzers/Target.h"
 #include "tests/device/DeviceFolder.h"

@@ -15,7 +15,7 @@ namespace dubrix {
 
 namespace {
 
-constexpr std::size_t pieceSize = std::size_t{256} << 10;
+constexpr std::size_t largestPiece = std::size_t{256} << 10;
 /// What all readers of the process together hold of entries that are unpacked whole. An entry that
 /// finds no room goes through the buffers, which takes longer.
 constexpr std::uint64_t mostHeld = std::uint64_t{48} << 20;
@@ -88,8 +88,8 @@ struct ZipEntryReader::Inflater {
 ZipEntryReader::ZipEntryReader(int archive)
     : archive_(archive),
       inflater_(std::make_unique<Inflater>()),
-      input_(pieceSize, '\0'),
-      output_(pieceSize, '\0') {}
+      input_(largestPiece, '\0'),
+      output_(largestPiece, '\0') {}
 
 ZipEntryReader::~ZipEntryReader() = default;
 
@@ -129,7 +129,7 @@ Result<std::string> ZipEntryReader::readWhole(const ZipEntry& entry, std::size_t
 
 Outcome ZipEntryReader::copyStored(const ZipEntry& entry, std::uint64_t offset, const Sink& sink) {
     for (std::uint64_t left = entry.packedSize; left > 0;) {
-        const auto now = static_cast<std::size_t>(std::min<std::uint64_t>(left, pieceSize));
+        const auto now = static_cast<std::size_t>(std::min<std::uint64_t>(left, largestPiece));
         if (!readExactly(archive_, offset, input_.data(), now))
             return damagedEntry(entry);
         if (Outcome done = pass(entry, {input_.data(), now}, sink); !done)
@@ -152,7 +152,7 @@ Outcome ZipEntryReader::inflateWhole(const ZipEntry& entry, std::uint64_t offset
         !inflater_->whole.inflate({packed.get(), packedSize}, made.get(), size))
         return damagedEntry(entry);
     for (std::string_view left(made.get(), size); !left.empty();) {
-        const std::string_view piece = left.substr(0, pieceSize);
+        const std::string_view piece = left.substr(0, largestPiece);
         if (Outcome done = pass(entry, piece, sink); !done)
             return done;
         left.remove_prefix(piece.size());
@@ -171,7 +171,7 @@ Outcome ZipEntryReader::inflateDeflated(const ZipEntry& entry, std::uint64_t off
     stream.avail_in = 0;
     for (int state = Z_OK; state != Z_STREAM_END;) {
         if (stream.avail_in == 0 && left > 0) {
-            const auto now = static_cast<std::size_t>(std::min<std::uint64_t>(left, pieceSize));
+            const auto now = static_cast<std::size_t>(std::min<std::uint64_t>(left, largestPiece));
             if (!readExactly(archive_, offset, input_.data(), now))
                 return damagedEntry(entry);
             stream.next_in = reinterpret_cast<Bytef*>(input_.data());
@@ -180,12 +180,12 @@ Outcome ZipEntryReader::inflateDeflated(const ZipEntry& entry, std::uint64_t off
             left -= now;
         }
         stream.next_out = reinterpret_cast<Bytef*>(output_.data());
-        stream.avail_out = static_cast<uInt>(pieceSize);
+        stream.avail_out = static_cast<uInt>(largestPiece);
         // Without input it still hands out what it holds back, and reports when that is nothing.
         state = inflate(&stream, Z_NO_FLUSH);
         if (state != Z_OK && state != Z_STREAM_END)
             return damagedEntry(entry);
-        const std::string_view made(output_.data(), pieceSize - stream.avail_out);
+        const std::string_view made(output_.data(), largestPiece - stream.avail_out);
         if (Outcome done = pass(entry, made, sink); !done)
             return done;
     }

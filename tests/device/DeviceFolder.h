@@ -1,7 +1,6 @@
 #pragma once
 
 #include "device/installer/Installer.h"
-#include "formats/lists/PropertyList.h"
 #include "tests/device/archive/ZipBuilder.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -11,12 +10,8 @@
 
 namespace dubrix {
 
-inline std::string infoPlist(const std::string& identifier, const std::string& version = "1") {
-    PropertyList info = PropertyList::dictionary();
-    info.setValueForKey("CFBundleIdentifier", PropertyList::string(identifier));
-    info.setValueForKey("CFBundleVersion", PropertyList::string(version));
-    return info.binary();
-}
+/// Of an application, binary.
+std::string infoPlist(const std::string& identifier, const std::string& version = "1");
 
 /// A device with one system application, in a folder of its own, and archives beside it.
 class DeviceFolder {

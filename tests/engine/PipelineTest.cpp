@@ -1,3 +1,4 @@
+#include "formats/lists/PropertyList.h"
 #include "tests/engine/EngineTest.h"
 
 #include <cstdlib>

@@ -1,3 +1,4 @@
+#include "formats/lists/PropertyList.h"
 #include "platform/posix/FileStyleByteCount.h"
 #include "platform/posix/PosixApplications.h"
 #include "platform/posix/PosixCommandRunner.h"

@@ -28,35 +28,14 @@ public:
         std::filesystem::create_directories(root() / "tmp");
         std::filesystem::create_directories(tools());
         installSource("1");
-        PropertyList settings = PropertyList::dictionary();
-        settings.setValueForKey("bundleID", PropertyList::string(source));
-        settings.setValueForKey("customColorToggle", PropertyList::boolean(true));
-        settings.setValueForKey("Red", PropertyList::real(0.75));
-        putFile(settingsPath(), settings.xml());
+        writeSettings();
     }
 
     void installSource(const std::string& version) const {
         const auto result = installer().install(sourceArchive(version));
         ASSERT_TRUE(result) << result.failure().text;
     }
-    std::filesystem::path sourceArchive(const std::string& version) const {
-        PropertyList info = *PropertyList::parse(infoPlist(source, version));
-        info.setValueForKey("CFBundleDisplayName", PropertyList::string("Fine App"));
-        PropertyList icons = PropertyList::array();
-        for (const char* name : {"Icon", "art/Badge"})
-            icons.append(PropertyList::string(name));
-        info.setValueForKey("CFBundleIconFiles", icons);
-        const std::string icon = SamplePng({PNG_COLOR_TYPE_RGB_ALPHA, 8, false, false}).bytes();
-        std::vector<ZipItem> items;
-        for (const char* name : {"Icon.png", "Icon@2x.png", "art/Badge.png"})
-            items.push_back({"Payload/X.app/" + std::string(name), icon});
-        for (const char* name : {"one", "data/two", "data/three"})
-            items.push_back({"Payload/X.app/" + std::string(name), name + version});
-        items.push_back({"Payload/X.app/large", std::string(200'000, version[0])});
-        items.push_back({"Payload/X.app/link", "data/two", S_IFLNK | 0777});
-        items.push_back({"Payload/X.app/Info.plist", info.binary()});
-        return archive("source.ipa", zipOf(items));
-    }
+    std::filesystem::path sourceArchive(const std::string& version) const;
 
     /// What an installed application's bundle holds, by paths in it; empty when not installed.
     Contents bundle(const std::string& identifier) const {
@@ -125,6 +104,7 @@ public:
     const std::string failure = "Failed to duplicate Fine App.";
 
 private:
+    void writeSettings() const;
     std::filesystem::path outputOf(std::size_t program) const {
         return folder() / ("output" + std::to_string(program));
     }

@@ -1,4 +1,5 @@
 #include "device/installer/BundleStore.h"
+#include "formats/lists/PropertyList.h"
 #include "tests/device/DeviceFolder.h"
 
 #include <csignal>
