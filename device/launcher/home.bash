@@ -1,7 +1,7 @@
 # The home screen: a window that looks at the device and changes nothing itself.
 # shellcheck shell=bash
 
-home_requests=(install remove export start)
+home_requests=(install remove restore export start)
 
 # prepare_home APPEARANCE: leaves the arguments of the home screen in `home_arguments`; another
 # appearance may have been asked for. The home screen may read the device, has no network,

@@ -26,6 +26,12 @@ Window {
         onActivated: window.close()
     }
 
+    Shortcut {
+        sequences: [StandardKey.Undo]
+        enabled: !window.occupied
+        onActivated: window.home.undo()
+    }
+
     Image {
         anchors.fill: parent
         source: Theme.dark ? "image://wallpaper/dark" : "image://wallpaper/light"
@@ -97,7 +103,12 @@ Window {
         busy: window.home.errand !== ""
         words: window.home.errand || window.home.remark
         percent: window.home.percent
+        action: busy || window.occupied ? "" : window.home.remarkAction
+        stays: action !== ""
         onPassed: window.home.remarkPassed()
+        onActed: window.home.undo()
+        onFocusLost: if (!window.occupied)
+            pages.forceActiveFocus()
     }
 
     DropZone {
