@@ -21,8 +21,6 @@ class HomeScreen : public QObject {
     /// The application that this program belongs to, which stands in the dock.
     Q_PROPERTY(QString ownName READ ownName CONSTANT)
     Q_PROPERTY(QString ownIcon READ ownIcon CONSTANT)
-    /// Whether movements are to be left out.
-    Q_PROPERTY(bool reducedMotion MEMBER reducedMotion CONSTANT)
 
     /// What is being done, e.g. "Installing Fernleaf.ipa"; empty when nothing is.
     Q_PROPERTY(QString errand READ errand NOTIFY errandChanged)
@@ -77,8 +75,6 @@ public:
     /// icons on pages of `columns` by `rows`. Left and right go on in reading order, up and down
     /// stay in the column and on the page; -1 for another key.
     Q_INVOKABLE static int walk(int key, int position, int count, int columns, int rows);
-
-    bool reducedMotion = false;
 
 Q_SIGNALS:
     void errandChanged();

@@ -15,7 +15,9 @@ prepare_home() {
     else
         home_arguments+=(--own "$share/Dubrix.app")
     fi
-    [[ $(desktop_motion) != reduced ]] || home_arguments+=(--reduced-motion)
+    local motion
+    motion=$(desktop_motion)
+    home_arguments+=(${motion:+"$motion"})
 }
 
 # show_home SIZE BESIDE FILE...: the home screen, and these files to be installed by it; size and

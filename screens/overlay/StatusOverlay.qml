@@ -46,17 +46,17 @@ Item {
 
             Behavior on opacity {
                 NumberAnimation {
-                    duration: box.piece.duration
+                    duration: Theme.duration(box.piece.duration)
                 }
             }
             Behavior on scale {
                 NumberAnimation {
-                    duration: box.piece.duration
+                    duration: Theme.duration(box.piece.duration)
                 }
             }
             Behavior on y {
                 NumberAnimation {
-                    duration: box.piece.duration
+                    duration: Theme.duration(box.piece.duration)
                 }
             }
 

@@ -1,3 +1,4 @@
+#include "controls/Appearance.h"
 #include "formats/lists/PropertyList.h"
 #include "tests/screens/WholeWindow.h"
 #include "tests/support/ScreenReader.h"
@@ -206,6 +207,36 @@ TEST_F(HandTest, RowsObeyTheirCells) {
     field->setText(QAccessible::Value, "Dictated");
     EXPECT_EQ(DXShared(files, log).retrieveValueForKey("customText"),
               PropertyList::string("Dictated"));
+}
+
+struct Stillness {
+    Stillness() { chooseMotion(true); }
+    ~Stillness() { chooseMotion(false); }
+};
+
+class StillTest : private Stillness, public HandTest {};
+
+TEST_F(StillTest, WhatComesIsThereAtOnceAndGoesInItsTime) {
+    prefs().showSimpleAlertWithTitle("T", "M", "Ok");
+    EXPECT_TRUE(rested());
+    click("Ok");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return modals.rowCount() == 0; }));
+    click("Application");
+    EXPECT_TRUE(rested()) << "a sheet";
+
+    ProgressHUD::show("Done");
+    const auto isDrawn = [this](const QQuickItem& item) {
+        return item.isVisible() && item.opacity() == stage.hud()->alpha() &&
+               item.scale() == stage.hud()->scale();
+    };
+    const QAccessibleInterface* const box = find("Done");
+    ASSERT_TRUE(box);
+    const auto& item = *qobject_cast<QQuickItem*>(box->object());
+    EXPECT_TRUE(isDrawn(item) && item.opacity() == 1);
+    ProgressHUD::dismiss();
+    EXPECT_TRUE(isDrawn(item) && item.opacity() == 0);
+    EXPECT_TRUE(stage.hud()->shown()) << "its time is the overlay's own";
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !stage.hud()->shown(); }));
 }
 
 } // namespace dubrix

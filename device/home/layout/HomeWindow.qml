@@ -19,7 +19,6 @@ Window {
     title: qsTr("Home screen – Dubrix")
     color: HomeTheme.ground
     visible: true
-    Component.onCompleted: Theme.still = window.home.reducedMotion
 
     Shortcut {
         sequences: ["Ctrl+Q", "Ctrl+W"]

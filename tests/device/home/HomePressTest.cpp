@@ -1,3 +1,4 @@
+#include "controls/Appearance.h"
 #include "controls/ApplicationIconProvider.h"
 #include "device/home/HomeScreen.h"
 #include "device/home/Wallpaper.h"
@@ -31,7 +32,7 @@ protected:
         }
         applications = std::make_unique<HomeApplications>(device.root());
         home = std::make_unique<HomeScreen>(*applications, errands, "/");
-        home->reducedMotion = true;
+        chooseMotion(true);
         engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
         engine.addImageProvider(QLatin1String(Wallpaper::name), new Wallpaper);
         engine.addImageProvider(QLatin1String(ApplicationIconProvider::name),
