@@ -34,9 +34,7 @@ Pressable {
         label.text = words
     onTapped: if (!busy)
         passed()
-    Accessible.role: Accessible.AlertMessage
-    Accessible.name: words
-    Accessible.focusable: false
+    Accessible.ignored: true
 
     Behavior on y {
         NumberAnimation {
@@ -48,6 +46,12 @@ Pressable {
         NumberAnimation {
             duration: Theme.duration(240)
         }
+    }
+
+    Announcement {
+        anchors.fill: parent
+        words: banner.words
+        Accessible.onPressAction: banner.press()
     }
 
     Rectangle {
@@ -107,6 +111,7 @@ Pressable {
         }
         text: banner.action
         visible: banner.shown && text !== ""
+        Accessible.ignored: !visible
         onTapped: banner.acted()
         onVisibleChanged: if (!visible && focus)
             banner.focusLost()

@@ -40,9 +40,6 @@ Item {
             opacity: piece.alpha
             scale: piece.scale
             clip: true
-            Accessible.role: Accessible.AlertMessage
-            Accessible.name: overlay.stage.message
-            Accessible.ignored: !visible
 
             Behavior on opacity {
                 NumberAnimation {
@@ -58,6 +55,11 @@ Item {
                 NumberAnimation {
                     duration: Theme.duration(box.piece.duration)
                 }
+            }
+
+            Announcement {
+                anchors.fill: parent
+                words: overlay.stage.message
             }
 
             Rectangle {

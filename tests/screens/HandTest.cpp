@@ -231,7 +231,7 @@ TEST_F(StillTest, WhatComesIsThereAtOnceAndGoesInItsTime) {
     };
     const QAccessibleInterface* const box = find("Done");
     ASSERT_TRUE(box);
-    const auto& item = *qobject_cast<QQuickItem*>(box->object());
+    const auto& item = *qobject_cast<QQuickItem*>(box->object())->parentItem();
     EXPECT_TRUE(isDrawn(item) && item.opacity() == 1);
     ProgressHUD::dismiss();
     EXPECT_TRUE(isDrawn(item) && item.opacity() == 0);
