@@ -58,7 +58,11 @@ SettingsRow {
         onTapped: row.returned()
     }
 
+    // What is no stop of the Tab key would have it begin again at the top.
     Item {
         id: end
+
+        Keys.onTabPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
+        Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
     }
 }
