@@ -15,7 +15,8 @@ int main(int argc, char** argv) {
         argc, argv,
         {.description = "The device's home screen. Start it with the command 'dubrix home'.",
          .side = Side::Left,
-         .options = {{own, "The application's own bundle.", "folder", "/Applications/Dubrix.app"}}});
+         .options = {
+             {own, "The application's own bundle.", "folder", "/Applications/Dubrix.app"}}});
     HomeApplications applications(program.root()); // reads while the window is made
     HomeScreen home(applications, program.errands(), program.value(own));
 

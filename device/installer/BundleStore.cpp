@@ -170,6 +170,11 @@ void BundleStore::sweep() {
     for (const std::string& name : namesIn(bundle_.get()).value_or(none))
         if (name.starts_with(Registry::temporaryLinkPrefix))
             ::unlinkat(bundle_.get(), name.c_str(), 0);
+    // A removal, or its undoing, that did not come to its end.
+    if (Result<std::vector<std::string>> kept = removed_.names())
+        for (const std::string& identifier : *kept)
+            if (removed_.targetOf(identifier) == registry_.targetOf(identifier))
+                static_cast<void>(removed_.strike(identifier));
 
     const std::optional<std::set<std::string>> owned = foldersIn({registry_, removed_});
     std::optional<bool> isFlushed;

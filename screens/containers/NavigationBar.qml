@@ -42,7 +42,8 @@ Item {
                                                Theme.margin)
 
         anchors.verticalCenter: parent.verticalCenter
-        x: Math.max(start, Math.min((parent.width - width) / 2, parent.width - Theme.margin - width))
+        x: Math.round(Math.max(start, Math.min((parent.width - width) / 2,
+                                               parent.width - Theme.margin - width)))
         width: Math.min(implicitWidth, parent.width - start - Theme.margin)
         text: bar.screen.title
         color: Theme.text
