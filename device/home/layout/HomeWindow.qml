@@ -26,7 +26,7 @@ Window {
     }
 
     Shortcut {
-        sequences: [StandardKey.Undo]
+        sequence: "Ctrl+Z"
         enabled: !window.occupied
         onActivated: window.home.undo()
     }
