@@ -116,7 +116,8 @@ serve_desk() {
 }
 
 forget_removed() {
-    [[ ! -d $device/var/containers/Bundle/Removed ]] || run_on_device ipainstaller -d </dev/null &>/dev/null
+    [[ ! -d $device/var/containers/Bundle/Removed ]] ||
+        (run_on_device ipainstaller -d) </dev/null &>/dev/null # which ends where nothing can be written
 }
 
 serve_requests() {
