@@ -6,6 +6,12 @@
 
 namespace dubrix {
 
+namespace {
+
+bool motionIsReduced = false;
+
+} // namespace
+
 void chooseFont() {
     const QString family = QStringLiteral("Inter");
     if (!QFontDatabase::families().contains(family))
@@ -21,6 +27,14 @@ void chooseAppearance(const QString& appearance) {
     const bool dark = appearance == QStringLiteral("dark");
     const QPalette palette(dark ? QColor(28, 28, 30) : QColor(242, 242, 247));
     QGuiApplication::setPalette(palette);
+}
+
+void chooseMotion(bool reduced) {
+    motionIsReduced = reduced;
+}
+
+bool Appearance::isStill() {
+    return motionIsReduced;
 }
 
 } // namespace dubrix

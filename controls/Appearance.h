@@ -14,13 +14,18 @@ void chooseFont();
 /// for what the platform's theme says.
 void chooseAppearance(const QString& appearance);
 
-/// Light or dark, for the layout and for others that have to look like it.
+/// Whether windows that are made from now on leave movements out.
+void chooseMotion(bool reduced);
+
+/// Light or dark, moving or not, for the layout and for others that have to look like it.
 class Appearance : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_SINGLETON
+    Q_PROPERTY(bool still READ isStill CONSTANT)
 
 public:
+    static bool isStill();
     /// Whether windows are dark when this is the ground of the palette.
     Q_INVOKABLE static bool isDark(const QColor& ground) { return ground.lightnessF() < 0.5F; }
 };

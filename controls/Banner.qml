@@ -1,7 +1,8 @@
 import QtQuick
 
-/// Tells what is being done and how far it is, or a passing remark; it comes and goes again. What is
-/// not being done goes by a tap, and by itself unless it is to stay.
+/// Tells what is being done and how far it is, or a passing remark, perhaps with something to do about
+/// it; it comes and goes again. What is not being done goes by a tap, and by itself unless it is to
+/// stay.
 Pressable {
     id: banner
 
@@ -11,12 +12,17 @@ Pressable {
     property bool busy: false
     property int percent: -1
     property bool stays: false
+    /// What can be done about it; empty when nothing can.
+    property string action: ""
     /// Where it ends at the bottom.
     required property real line
 
     readonly property bool shown: words !== ""
 
     signal passed
+    signal acted
+    /// What had the keyboard has gone.
+    signal focusLost
 
     y: line - height + (shown ? 0 : Theme.points(20))
     height: label.height + Theme.points(busy ? 40 : 28)
@@ -28,9 +34,7 @@ Pressable {
         label.text = words
     onTapped: if (!busy)
         passed()
-    Accessible.role: Accessible.AlertMessage
-    Accessible.name: words
-    Accessible.focusable: false
+    Accessible.ignored: true
 
     Behavior on y {
         NumberAnimation {
@@ -42,6 +46,12 @@ Pressable {
         NumberAnimation {
             duration: Theme.duration(240)
         }
+    }
+
+    Announcement {
+        anchors.fill: parent
+        words: banner.words
+        Accessible.onPressAction: banner.press()
     }
 
     Rectangle {
@@ -57,7 +67,7 @@ Pressable {
 
         x: Theme.margin
         y: Theme.points(14)
-        width: parent.width - 2 * x
+        width: parent.width - 2 * x - (button.visible ? button.width : 0)
         color: Theme.text
         font.pixelSize: Theme.remarkSize
         horizontalAlignment: Text.AlignHCenter
@@ -89,6 +99,22 @@ Pressable {
             radius: parent.radius
             color: Theme.accent
         }
+    }
+
+    TextButton {
+        id: button
+
+        anchors {
+            right: parent.right
+            rightMargin: Theme.points(8)
+            verticalCenter: label.verticalCenter
+        }
+        text: banner.action
+        visible: banner.shown && text !== ""
+        Accessible.ignored: !visible
+        onTapped: banner.acted()
+        onVisibleChanged: if (!visible && focus)
+            banner.focusLost()
     }
 
     Timer {

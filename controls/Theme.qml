@@ -13,7 +13,7 @@ QtObject {
     /// Pixels to the point.
     readonly property real scale: Math.max(1, Application.font.pointSize / 11)
     /// Whether movements are left out.
-    property bool still: false
+    readonly property bool still: Appearance.still
 
     readonly property color ground: dark ? "#000000" : "#f2f2f7"
     readonly property color card: dark ? "#1c1c1e" : "#ffffff"

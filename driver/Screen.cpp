@@ -10,6 +10,7 @@
 #include <QStyleHints>
 #include <QUrl>
 #include <algorithm>
+#include <private/qhighdpiscaling_p.h>
 #include <qpa/qplatformdrag.h>
 #include <qpa/qwindowsysteminterface.h>
 #include <utility>
@@ -144,8 +145,10 @@ QQuickItem* Screen::find(const QString& name) const {
 
 void Screen::sendMouse(const QPointF& point, bool down) {
     QWindowSystemInterface::handleMouseEvent(
-        &window_, point, window_.mapToGlobal(point), down ? Qt::LeftButton : Qt::NoButton,
-        Qt::LeftButton, down ? QEvent::MouseButtonPress : QEvent::MouseButtonRelease);
+        &window_, QHighDpi::toNativeLocalPosition(point, &window_),
+        QHighDpi::toNativeGlobalPosition(window_.mapToGlobal(point), &window_),
+        down ? Qt::LeftButton : Qt::NoButton, Qt::LeftButton,
+        down ? QEvent::MouseButtonPress : QEvent::MouseButtonRelease);
 }
 
 void Screen::press(int key, Qt::KeyboardModifiers modifiers, const QString& text) {
@@ -203,7 +206,8 @@ bool Screen::hold(const QString& name) {
 bool Screen::drop(const QString& file) {
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(file)});
-    const QPoint middle(window_.width() / 2, window_.height() / 2);
+    const QPoint middle = QHighDpi::toNativeLocalPosition(
+        QPoint(window_.width() / 2, window_.height() / 2), &window_);
     const auto drag = QWindowSystemInterface::handleDrag(&window_, &data, middle, Qt::CopyAction,
                                                          Qt::LeftButton, Qt::NoModifier);
     if (!drag.isAccepted()) {

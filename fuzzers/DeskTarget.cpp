@@ -16,7 +16,7 @@ namespace {
 constexpr char separator = '\x1e';
 
 const std::vector<std::string> applicationVerbs = {"install"};
-const std::vector<std::string> homeVerbs = {"install", "remove", "export", "start"};
+const std::vector<std::string> homeVerbs = {"install", "remove", "restore", "export", "start"};
 
 /// Feeds `bytes` in pieces whose size `random` chooses; at once without it.
 void feed(std::string_view bytes, Random* random,
@@ -51,7 +51,9 @@ void tryRequests(std::string_view bytes, Random& random) {
         require((request.verb.empty() && argument.empty()) ||
                     (request.verb == "install" && argument.starts_with('/') &&
                      argument.size() <= RequestReader::longest) ||
-                    ((request.verb == "remove" || request.verb == "export") && isIdentifier) ||
+                    ((request.verb == "remove" || request.verb == "restore" ||
+                      request.verb == "export") &&
+                     isIdentifier) ||
                     (request.verb == "start" && argument.empty()),
                 "what is handed on has its verb's form");
         if (request.verb != "install")

@@ -21,6 +21,10 @@ std::optional<DeskAnswer> answerIn(const QStringList& fields) {
         return DeskAnswer{.kind = Kind::Started};
     if (kind == QStringLiteral("removed"))
         return DeskAnswer{.kind = Kind::Removed};
+    if (kind == QStringLiteral("kept"))
+        return DeskAnswer{.kind = Kind::Kept};
+    if (kind == QStringLiteral("back"))
+        return DeskAnswer{.kind = Kind::Back};
     if (kind == QStringLiteral("saved"))
         return DeskAnswer{.kind = Kind::Saved, .text = fields.value(1)};
     const bool replaced = kind == QStringLiteral("replaced");

@@ -9,7 +9,7 @@ namespace dubrix {
 
 /// What came of a request.
 struct DeskAnswer {
-    enum class Kind { Failed, Started, Removed, Saved, Installed };
+    enum class Kind { Failed, Started, Removed, Kept, Back, Saved, Installed };
 
     Kind kind = Kind::Failed;
     /// Why it failed, or the file that was saved.
@@ -28,6 +28,8 @@ struct DeskAnswer {
 ///     installed IDENTIFIER NAME VERSION
 ///     replaced IDENTIFIER NAME VERSION EARLIER-VERSION
 ///     removed IDENTIFIER
+///     kept IDENTIFIER            (removed, and can be put back)
+///     back IDENTIFIER
 ///     saved FILE
 ///     started
 ///     failed REASON
@@ -43,9 +45,9 @@ public:
     Desk(int answers, int requests, QObject* parent = nullptr);
     ~Desk() override;
 
-    /// Asks for `verb`: "install" (a file or folder of the desktop), "remove" and "export" (an
-    /// identifier), "start" (the application; without argument). Answered once, after the call; the
-    /// next may be asked for then, so nobody ever waits for a full pipe.
+    /// Asks for `verb`: "install" (a file or folder of the desktop), "remove", "restore" and
+    /// "export" (an identifier), "start" (the application; without argument). Answered once, after
+    /// the call; the next may be asked for then, so nobody ever waits for a full pipe.
     void ask(const QByteArray& verb, const QByteArray& argument);
 
 Q_SIGNALS:

@@ -20,6 +20,10 @@ bool isInstallable(const QUrl& file) {
 
 /// What there is to say of an errand that went well; nothing where the window shows it.
 QString wordsFor(const QString& subject, const DeskAnswer& answer) {
+    if (answer.kind == DeskAnswer::Kind::Removed || answer.kind == DeskAnswer::Kind::Kept)
+        return Errands::tr("%1 is removed").arg(subject);
+    if (answer.kind == DeskAnswer::Kind::Back)
+        return Errands::tr("%1 is back").arg(subject);
     if (answer.kind == DeskAnswer::Kind::Saved)
         return Errands::tr("%1 is saved as %2").arg(subject, answer.text);
     if (answer.kind != DeskAnswer::Kind::Installed)
@@ -71,6 +75,7 @@ void Errands::tellNotOpened(const QString& address) {
 QString Errands::doing() const {
     const QString words[] = {{}, // its window says so
                              tr("Removing %1"),
+                             tr("Putting %1 back"),
                              tr("Exporting %1"),
                              tr("Installing %1")};
     if (waiting_.isEmpty() || waiting_.constFirst().kind == Kind::Start)
@@ -87,7 +92,7 @@ void Errands::forget() {
 }
 
 void Errands::begin() {
-    constexpr const char* verbs[] = {"start", "remove", "export", "install"};
+    constexpr const char* verbs[] = {"start", "remove", "restore", "export", "install"};
     percent_ = -1;
     const Errand& errand = waiting_.constFirst();
     desk_.ask(verbs[static_cast<int>(errand.kind)], errand.argument);
@@ -97,11 +102,17 @@ void Errands::finish(const DeskAnswer& answer) {
     if (waiting_.isEmpty())
         return;
     const QString failures[] = {tr("%1 did not start"), tr("“%1” was not removed"),
-                                tr("“%1” was not exported"), tr("“%1” was not installed")};
+                                tr("“%1” was not put back"), tr("“%1” was not exported"),
+                                tr("“%1” was not installed")};
     const Errand errand = waiting_.takeFirst();
     Outcome outcome{wordsFor(errand.subject, answer)};
-    if (answer.kind == DeskAnswer::Kind::Failed)
+    const bool isFailed = answer.kind == DeskAnswer::Kind::Failed;
+    if (isFailed)
         outcome = {failures[static_cast<int>(errand.kind)].arg(errand.subject), answer.text};
+    if (answer.kind == DeskAnswer::Kind::Removed)
+        outcome.removal = {errand.subject, {}};
+    else if (answer.kind == DeskAnswer::Kind::Kept || (isFailed && errand.kind == Kind::Restore))
+        outcome.removal = {errand.subject, errand.argument};
     if (!waiting_.isEmpty())
         begin();
     else

@@ -13,12 +13,19 @@ class Errands : public QObject {
     Q_OBJECT
 
 public:
-    enum class Kind { Start, Remove, Save, Install };
+    enum class Kind { Start, Remove, Restore, Save, Install };
 
     /// The end of an errand. An errand that failed has a reason.
     struct Outcome {
         QString words;
         QString reason{};
+        /// The application that was removed, or still is, with an identifier as long as it can be
+        /// put back.
+        struct Removal {
+            QString name;
+            QByteArray identifier;
+        };
+        std::optional<Removal> removal{};
     };
 
     explicit Errands(Desk& desk);

@@ -66,6 +66,7 @@ WindowProgram::WindowProgram(int& argc, char** argv, const Kind& kind)
     }
     chooseFont();
     chooseAppearance(line_.value(QStringLiteral("appearance")));
+    chooseMotion(line_.isSet(QStringLiteral("reduced-motion")));
     engine_ = std::make_unique<QQmlApplicationEngine>();
     engine_->addImportPath(QStringLiteral("qrc:/qt/qml"));
 }
@@ -76,6 +77,7 @@ void WindowProgram::readLine(const Kind& kind) {
     line_.addOptions(
         {option("root", "The device's root folder.", "folder"),
          option("appearance", "How the windows look: light or dark.", "appearance"),
+         option("reduced-motion", "Leave movements out."),
          option("size", "The window's size.", "WIDTHxHEIGHT"),
          option("beside", "Stand beside the other window; not at all without room for both."),
          option("verbose", "Pass on all that commands and logs say."),

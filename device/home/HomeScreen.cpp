@@ -2,8 +2,6 @@
 
 #include "controls/ApplicationIconProvider.h"
 #include "device/registry/BundleInfo.h"
-#include "windows/Errands.h"
-
 #include <algorithm>
 
 namespace dubrix {
@@ -38,8 +36,10 @@ void HomeScreen::tap(const QString& identifier) {
 
 void HomeScreen::remove(const QString& identifier) {
     alert({tr("Remove “%1”?").arg(nameOf(identifier)),
-           tr("%1 and all of its files leave the device.").arg(identifier), tr("Remove"),
-           identifier});
+           tr("%1 and all of its files leave the device. This can be undone until you remove "
+              "something else or close the home screen.")
+               .arg(identifier),
+           tr("Remove"), identifier});
 }
 
 void HomeScreen::save(const QString& identifier) {
@@ -70,14 +70,29 @@ int HomeScreen::percent() const {
     return errands_ ? errands_->percent() : -1;
 }
 
+QString HomeScreen::remark() const {
+    return remark_.isEmpty() && removal_ ? removal_->words : remark_;
+}
+
+QString HomeScreen::remarkAction() const {
+    return remark_.isEmpty() && !remark().isEmpty() ? tr("Undo") : QString();
+}
+
 /// A failure waits for an answer; whatever went well is remarked on.
 void HomeScreen::tellOutcome() {
     const Errands::Outcome& last = errands_->outcomes().constLast();
+    const auto isUndoable = [](const Errands::Outcome& outcome) {
+        return outcome.removal && !outcome.removal->identifier.isEmpty();
+    };
+    if (last.removal) {
+        removal_ = isUndoable(last) ? std::optional(last) : std::nullopt;
+        Q_EMIT remarkChanged();
+    }
     if (!last.reason.isEmpty())
         return alert({last.words, last.reason, {}, {}});
     QStringList lines;
     for (const Errands::Outcome& outcome : errands_->outcomes())
-        if (outcome.reason.isEmpty())
+        if (outcome.reason.isEmpty() && !isUndoable(outcome))
             lines << outcome.words;
     say(lines.join(u'\n'));
 }
@@ -88,7 +103,19 @@ void HomeScreen::say(const QString& remark) {
 }
 
 void HomeScreen::remarkPassed() {
+    if (remark_.isEmpty() && removal_) {
+        removal_->words.clear();
+        Q_EMIT remarkChanged();
+    }
     say({});
+}
+
+void HomeScreen::undo() {
+    const auto undone = std::exchange(removal_, std::nullopt);
+    say({});
+    Q_EMIT remarkChanged();
+    if (undone)
+        errands_->run(Errands::Kind::Restore, undone->removal->name, undone->removal->identifier);
 }
 
 void HomeScreen::alert(const Alert& alert) {

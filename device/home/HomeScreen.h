@@ -1,6 +1,7 @@
 #pragma once
 
 #include "device/home/HomeApplications.h"
+#include "windows/Errands.h"
 
 #include <QList>
 #include <QObject>
@@ -8,8 +9,6 @@
 #include <qqmlregistration.h>
 
 namespace dubrix {
-
-class Errands;
 
 /// What a home screen does when it is used: starting the application, removing, saving and
 /// installing others by way of the launcher, and what it says about all that. The layout binds to
@@ -22,15 +21,16 @@ class HomeScreen : public QObject {
     /// The application that this program belongs to, which stands in the dock.
     Q_PROPERTY(QString ownName READ ownName CONSTANT)
     Q_PROPERTY(QString ownIcon READ ownIcon CONSTANT)
-    /// Whether movements are to be left out.
-    Q_PROPERTY(bool reducedMotion MEMBER reducedMotion CONSTANT)
 
     /// What is being done, e.g. "Installing Fernleaf.ipa"; empty when nothing is.
     Q_PROPERTY(QString errand READ errand NOTIFY errandChanged)
     /// How far that is; -1 when nothing tells.
     Q_PROPERTY(int percent READ percent NOTIFY errandChanged)
-    /// Passing remarks, a line for each; empty when there is none.
+    /// Passing remarks, a line for each; empty when there is none. Without another one, what was
+    /// removed last, as long as that can be undone.
     Q_PROPERTY(QString remark READ remark NOTIFY remarkChanged)
+    /// What the remark offers to do; empty when it passes by itself.
+    Q_PROPERTY(QString remarkAction READ remarkAction NOTIFY remarkChanged)
     /// A question or a failure that is to be answered before anything else; none without a title.
     Q_PROPERTY(QString alertTitle READ alertTitle NOTIFY alertChanged)
     Q_PROPERTY(QString alertText READ alertText NOTIFY alertChanged)
@@ -48,7 +48,8 @@ public:
     QString ownIcon() const { return ownIcon_; }
     QString errand() const;
     int percent() const;
-    QString remark() const { return remark_; }
+    QString remark() const;
+    QString remarkAction() const;
     QString alertTitle() const { return alert_.title; }
     QString alertText() const { return alert_.text; }
     QString alertAction() const { return alert_.action; }
@@ -67,13 +68,13 @@ public:
     Q_INVOKABLE void alertAccepted();
     Q_INVOKABLE void alertDismissed();
     Q_INVOKABLE void remarkPassed();
+    /// Puts back what was removed last, if that is possible, also when the remark on it has passed.
+    Q_INVOKABLE void undo();
 
     /// The position that the arrow, page or end key `key` leads to from `position`, among `count`
     /// icons on pages of `columns` by `rows`. Left and right go on in reading order, up and down
     /// stay in the column and on the page; -1 for another key.
     Q_INVOKABLE static int walk(int key, int position, int count, int columns, int rows);
-
-    bool reducedMotion = false;
 
 Q_SIGNALS:
     void errandChanged();
@@ -101,6 +102,8 @@ private:
     QString ownName_;
     QString ownIcon_;
     QString remark_;
+    /// What can be undone, and what was said of it; no words when that has passed.
+    std::optional<Errands::Outcome> removal_;
     Alert alert_;
     /// Failures that wait until the alert on the screen has been answered.
     QList<Alert> alerts_;

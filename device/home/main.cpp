@@ -11,16 +11,14 @@ Q_IMPORT_QML_PLUGIN(DubrixHomePlugin)
 int main(int argc, char** argv) {
     using namespace dubrix;
     const QString own = QStringLiteral("own");
-    const QString still = QStringLiteral("reduced-motion");
     WindowProgram program(
         argc, argv,
         {.description = "The device's home screen. Start it with the command 'dubrix home'.",
          .side = Side::Left,
-         .options = {{own, "The application's own bundle.", "folder", "/Applications/Dubrix.app"},
-                     {still, "Leave movements out."}}});
+         .options = {
+             {own, "The application's own bundle.", "folder", "/Applications/Dubrix.app"}}});
     HomeApplications applications(program.root()); // reads while the window is made
     HomeScreen home(applications, program.errands(), program.value(own));
-    home.reducedMotion = program.isSet(still);
 
     program.engine().addImageProvider(QLatin1String(Wallpaper::name), new Wallpaper);
     program.showIcons(iconOfBundle);

@@ -20,26 +20,30 @@ namespace {
 
 constexpr std::string_view stagingPrefix = ".installing-";
 constexpr std::string_view removalPrefix = ".removing-";
+const std::string removedName(Registry::removedPath.substr(Registry::bundlePath.size() + 1));
 
 std::string stagingName(const std::string& uuid) {
     return std::string(stagingPrefix) + uuid;
 }
 
-/// The folders of bundles to which the registry leads; nothing when it cannot be read, so that an
-/// unreadable registry never makes every application a leftover.
-std::optional<std::set<std::string>> registeredFolders(const Registry& registry) {
-    Result<std::vector<std::string>> identifiers = registry.names();
-    if (!identifiers)
-        return std::nullopt;
+/// The folders of bundles to which the records lead; nothing when one cannot be read, so that an
+/// unreadable record never makes every application a leftover.
+std::optional<std::set<std::string>>
+foldersIn(std::initializer_list<std::reference_wrapper<const Registry>> records) {
     const std::string bundles = std::string(Registry::applicationPath) + "/";
     std::set<std::string> folders;
-    for (const std::string& identifier : *identifiers)
-        if (const auto target = registry.targetOf(identifier)) {
-            const std::string_view path = *target;
-            if (path.starts_with(bundles))
-                folders.emplace(
-                    path.substr(bundles.size(), path.find('/', bundles.size()) - bundles.size()));
-        }
+    for (const Registry& record : records) {
+        Result<std::vector<std::string>> identifiers = record.names();
+        if (!identifiers)
+            return std::nullopt;
+        for (const std::string& identifier : *identifiers)
+            if (const auto target = record.targetOf(identifier)) {
+                const std::string_view path = *target;
+                if (path.starts_with(bundles))
+                    folders.emplace(path.substr(bundles.size(),
+                                                path.find('/', bundles.size()) - bundles.size()));
+            }
+    }
     return folders;
 }
 
@@ -65,6 +69,7 @@ bool lock(int folder, const std::function<void()>& waiting) {
 
 BundleStore::BundleStore(const Registry& registry, Descriptor bundle, Descriptor applications)
     : registry_(registry),
+      removed_(registry.removed()),
       bundle_(std::move(bundle)),
       applications_(std::move(applications)) {}
 
@@ -130,18 +135,53 @@ Outcome BundleStore::strike(const std::string& identifier) {
     return done ? registry_.flush() : done;
 }
 
+bool BundleStore::keep(const std::string& identifier) {
+    forgetKept();
+    ::mkdirat(bundle_.get(), removedName.c_str(), 0755);
+    const auto target = registry_.targetOf(identifier);
+    return target && removed_.names() && removed_.enter(identifier, *target);
+}
+
+Outcome BundleStore::putBack(const std::string& identifier) {
+    const auto path = removed_.pathOf(identifier);
+    if (!path)
+        return Failure{"cannot be put back any more"};
+    if (registry_.isRegistered(identifier))
+        return Failure{"has been installed again meanwhile"};
+    Outcome done = registry_.enterNew(identifier, *path);
+    if (done)
+        done = registry_.flush();
+    if (done)
+        forgetKept();
+    return done;
+}
+
+void BundleStore::forgetKept() {
+    if (Result<std::vector<std::string>> identifiers = removed_.names())
+        for (const std::string& identifier : *identifiers)
+            static_cast<void>(removed_.strike(identifier));
+    // Or whatever else lies there, which nobody here has made.
+    if (::unlinkat(bundle_.get(), removedName.c_str(), AT_REMOVEDIR) != 0 && errno == ENOTDIR)
+        ::unlinkat(bundle_.get(), removedName.c_str(), 0);
+}
+
 void BundleStore::sweep() {
     const std::vector<std::string> none;
     for (const std::string& name : namesIn(bundle_.get()).value_or(none))
         if (name.starts_with(Registry::temporaryLinkPrefix))
             ::unlinkat(bundle_.get(), name.c_str(), 0);
+    // A removal, or its undoing, that did not come to its end.
+    if (Result<std::vector<std::string>> kept = removed_.names())
+        for (const std::string& identifier : *kept)
+            if (removed_.targetOf(identifier) == registry_.targetOf(identifier))
+                static_cast<void>(removed_.strike(identifier));
 
-    const std::optional<std::set<std::string>> registered = registeredFolders(registry_);
+    const std::optional<std::set<std::string>> owned = foldersIn({registry_, removed_});
     std::optional<bool> isFlushed;
     // An installer killed before it could flush them leaves links that are not yet on the disk,
     // where those before them still lead to what seems to be a leftover.
     const auto isLeftover = [&](const std::string& name) {
-        if (!registered || !isUuid(name) || registered->contains(name))
+        if (!owned || !isUuid(name) || owned->contains(name))
             return false;
         if (!isFlushed)
             isFlushed = static_cast<bool>(registry_.flush());

@@ -40,9 +40,18 @@ public:
     /// Takes the registration away; from the disk, too, when this returns.
     Outcome strike(const std::string& identifier);
 
+    /// Notes the bundle of an application that is about to be struck, in place of any other, so
+    /// that sweeps leave it alone; false when that is not possible.
+    bool keep(const std::string& identifier);
+    /// Registers the bundle that was kept again; fails, and still keeps it, where another has been
+    /// registered meanwhile. On the disk when this returns.
+    Outcome putBack(const std::string& identifier);
+    /// Keeps nothing any more but for what the next sweep finds.
+    void forgetKept();
+
     /// Removes what no application owns: staging folders, links that never came into place, bundle
-    /// folders that the registry does not name, and on the disk does not name either. Goes on after
-    /// a failure; what is left, the next sweep finds again.
+    /// folders that neither the registry names, on the disk either, nor the record of what is kept.
+    /// Goes on after a failure; what is left, the next sweep finds again.
     void sweep();
 
     /// Bytes free for a process without special rights, and the size of the blocks in which they
@@ -57,6 +66,7 @@ private:
     BundleStore(const Registry& registry, Descriptor bundle, Descriptor applications);
 
     Registry registry_;
+    Registry removed_;
     Descriptor bundle_;
     Descriptor applications_;
 };

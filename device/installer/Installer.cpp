@@ -77,6 +77,22 @@ bool makeEmpty(int file) {
     return ::ftruncate(file, 0) == 0 && ::lseek(file, 0, SEEK_SET) == 0;
 }
 
+/// What could be put back makes way for it.
+Outcome checkRoom(BundleStore& store, const ArchivedBundle& bundle) {
+    for (const bool isLast : {false, true}) {
+        Result<BundleStore::Room> room = store.room();
+        if (!room)
+            return room.failure();
+        if (bundle.roomNeeded(room->block) <= room->free)
+            break;
+        if (isLast)
+            return Failure{"not enough room on the device"};
+        store.forgetKept();
+        store.sweep();
+    }
+    return Success{};
+}
+
 } // namespace
 
 struct Installer::Package {
@@ -127,11 +143,8 @@ Outcome Installer::place(const Package& package, Installed& installed) {
     if (!store)
         return store.failure();
     store->sweep();
-    Result<BundleStore::Room> room = store->room();
-    if (!room)
-        return room.failure();
-    if (package.bundle.roomNeeded(room->block) > room->free)
-        return Failure{"not enough room on the device"};
+    if (Outcome done = checkRoom(*store, package.bundle); !done)
+        return done;
 
     Result<BundleStore::Staging> staging = store->makeStaging();
     if (!staging)
@@ -154,13 +167,13 @@ Outcome Installer::place(const Package& package, Installed& installed) {
     return done;
 }
 
-Outcome Installer::uninstall(const std::string& identifier) {
-    if (Outcome done = uninstallApplication(identifier); !done)
-        return about(identifier, done.failure());
-    return Success{};
+Result<Installer::Removed> Installer::uninstall(const std::string& identifier, Removal removal) {
+    Result<Removed> removed = uninstallApplication(identifier, removal);
+    return removed ? removed : about(identifier, removed.failure());
 }
 
-Outcome Installer::uninstallApplication(const std::string& identifier) {
+Result<Installer::Removed> Installer::uninstallApplication(const std::string& identifier,
+                                                           Removal removal) {
     if (belongsToSystem(identifier))
         return Failure{"is a system application and cannot be removed"};
     if (!registry_.isInstalled(identifier))
@@ -172,8 +185,28 @@ Outcome Installer::uninstallApplication(const std::string& identifier) {
     // Asked again: another installer may have been first.
     if (!registry_.isInstalled(identifier))
         return Failure{"is not installed"};
+    Removed removed;
+    if (removal == Removal::Undoable)
+        removed.isKept = store->keep(identifier);
+    else
+        store->forgetKept();
     if (Outcome done = store->strike(identifier); !done)
-        return done;
+        return done.failure();
+    store->sweep();
+    return removed;
+}
+
+Outcome Installer::putBack(const std::string& identifier) {
+    Result<BundleStore> store = BundleStore::open(registry_, waiting_);
+    Outcome done = store ? store->putBack(identifier) : store.failure();
+    return done ? done : about(identifier, done.failure());
+}
+
+Outcome Installer::forgetRemoved() {
+    Result<BundleStore> store = BundleStore::open(registry_, waiting_);
+    if (!store)
+        return store.failure();
+    store->forgetKept();
     store->sweep();
     return Success{};
 }

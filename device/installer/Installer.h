@@ -36,8 +36,20 @@ public:
     /// identifier. A refused archive changes nothing.
     Result<Installed> install(const std::filesystem::path& file);
 
-    /// Removes an installed application; not a system application.
-    Outcome uninstall(const std::string& identifier);
+    enum class Removal { Final, Undoable };
+    struct Removed {
+        /// Whether it can be put back.
+        bool isKept = false;
+    };
+    /// Removes an installed application; not a system application. One whose removal is undoable
+    /// stays aside as long as nothing else is removed, nobody forgets it and its room is not
+    /// needed, and is no installed application meanwhile.
+    Result<Removed> uninstall(const std::string& identifier, Removal removal = Removal::Final);
+    /// Undoes the last removal, if that was the application's; not when another of its identifier
+    /// has been installed meanwhile.
+    Outcome putBack(const std::string& identifier);
+    /// Gives up what could be put back.
+    Outcome forgetRemoved();
 
     /// Packs an installed application into an archive, in place of an earlier file: the old file or
     /// the new one is there, whole, and after a success on the disk. One that is replaced meanwhile
@@ -66,7 +78,7 @@ private:
 
     Result<Installed> installArchive(int archive);
     Outcome place(const Package& package, Installed& installed);
-    Outcome uninstallApplication(const std::string& identifier);
+    Result<Removed> uninstallApplication(const std::string& identifier, Removal removal);
     Outcome pack(const std::string& identifier, const std::string& fileName, int archive) const;
     /// Whether the application is one of the system's, by its own word or by the registry's.
     bool belongsToSystem(const std::string& identifier) const;

@@ -62,8 +62,13 @@ void Report::installed(const Installer::Installed& installed) const {
     say("Installed " + *info.identifier + " (" + info.displayName + ")" + replaced, fields);
 }
 
-void Report::removed(const std::string& identifier) const {
-    say("Removed " + identifier, {"removed", identifier});
+void Report::removed(const std::string& identifier, Installer::Removed removed) const {
+    say("Removed " + identifier + (removed.isKept ? ", can be put back" : ""),
+        {removed.isKept ? "kept" : "removed", identifier});
+}
+
+void Report::putBack(const std::string& identifier) const {
+    say("Put back " + identifier, {"back", identifier});
 }
 
 void Report::saved(const std::string& identifier, const std::string& file) const {

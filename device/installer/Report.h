@@ -14,6 +14,8 @@ namespace dubrix {
 ///     installed IDENTIFIER NAME VERSION
 ///     replaced IDENTIFIER NAME VERSION EARLIER-VERSION
 ///     removed IDENTIFIER
+///     kept IDENTIFIER            (removed, and can be put back)
+///     back IDENTIFIER
 ///     saved FILE
 ///     failed REASON
 ///
@@ -30,7 +32,8 @@ public:
     void progress(std::uint64_t done, std::uint64_t total);
 
     void installed(const Installer::Installed& installed) const;
-    void removed(const std::string& identifier) const;
+    void removed(const std::string& identifier, Installer::Removed removed) const;
+    void putBack(const std::string& identifier) const;
     void saved(const std::string& identifier, const std::string& file) const;
     void failed(const Failure& failure) const;
     void waits() const;

@@ -27,6 +27,9 @@ constexpr const char* usage =
     "  -f FILE.ipa…              install applications, in place of earlier versions\n"
     "  -l                        list installed applications: identifier, name, version, path\n"
     "  -u IDENTIFIER             remove an application\n"
+    "  -U IDENTIFIER             the same, so that it can be put back until the next removal\n"
+    "  -r IDENTIFIER             put back what was removed by -U\n"
+    "  -d                        drop what could be put back\n"
     "  -b IDENTIFIER FILE.ipa    save an application as an archive\n"
     "  --                        what follows are files and identifiers, even \"-l\"\n"
     "  --descriptor NUMBER       with -b: write the archive into this open file, which must be "
@@ -38,13 +41,13 @@ constexpr const char* usage =
     "                            the beginning of each file and \"progress PERCENT\" at each "
     "step;\n"
     "                            several archives are summed up in a last line\n"
-    "  --report fields           what came of -f, -u and -b as lines of fields, with tabs "
-    "between, on the\n"
-    "                            standard output: \"installed\", identifier, name and version; "
-    "\"replaced\",\n"
-    "                            the same and the earlier version; \"removed\" and identifier; "
-    "\"saved\"\n"
-    "                            and FILE.ipa; \"failed\" and the reason\n"
+    "  --report fields           what came of it as lines of fields, with tabs between, on the "
+    "standard\n"
+    "                            output: \"installed\", identifier, name and version; "
+    "\"replaced\", the\n"
+    "                            same and the earlier version; \"removed\", \"kept\" or "
+    "\"back\" and\n"
+    "                            identifier; \"saved\" and FILE.ipa; \"failed\" and the reason\n"
     "  --help                    show this text\n"
     "\n"
     "Status: 0 done, 1 failed, 2 wrong command line, 3 the one FILE.ipa is no archive of an\n"
@@ -88,8 +91,11 @@ bool isComplete(const Request& request) {
     const std::size_t count = request.arguments.size();
     if (request.descriptor && request.command != "-b")
         return false;
-    return (request.command == "-f" && count >= 1) || (request.command == "-l" && count == 0) ||
-           (request.command == "-u" && count == 1) || (request.command == "-b" && count == 2);
+    const std::string& command = request.command;
+    if (command == "-u" || command == "-U" || command == "-r")
+        return count == 1;
+    return (command == "-f" && count >= 1) || (command == "-b" && count == 2) ||
+           ((command == "-l" || command == "-d") && count == 0);
 }
 
 /// What is asked for; nothing when the command line makes no sense.
@@ -98,7 +104,8 @@ std::optional<Request> parse(std::span<char* const> words) {
     bool optionsEnded = false;
     for (std::size_t index = 0; index < words.size(); ++index) {
         const std::string word = words[index];
-        const bool isCommand = word == "-f" || word == "-l" || word == "-u" || word == "-b";
+        constexpr std::string_view commands = "-f -l -u -U -r -d -b ";
+        const bool isCommand = word.size() == 2 && commands.find(word + " ") != commands.npos;
         if (word == "--" && !optionsEnded)
             optionsEnded = true;
         else if (word == "--help" && !optionsEnded)
@@ -168,6 +175,18 @@ int save(const Installer& installer, Request& request) {
     return 0;
 }
 
+/// By putting back what was removed, or by giving it up.
+int endRemoval(Installer& installer, const Request& request) {
+    const bool isUndone = request.command == "-r";
+    const auto done =
+        isUndone ? installer.putBack(request.arguments[0]) : installer.forgetRemoved();
+    if (!done)
+        return report(request, done.failure());
+    if (isUndone)
+        request.report.putBack(request.arguments[0]);
+    return 0;
+}
+
 int carryOut(Request& request) {
     std::error_code error;
     if (!std::filesystem::is_directory(request.root, error))
@@ -184,10 +203,15 @@ int carryOut(Request& request) {
         return list(installer, request);
     if (request.command == "-b")
         return save(installer, request);
+    if (request.command == "-r" || request.command == "-d")
+        return endRemoval(installer, request);
     const std::string& identifier = request.arguments[0];
-    if (auto done = installer.uninstall(identifier); !done)
-        return report(request, done.failure());
-    request.report.removed(identifier);
+    using Removal = Installer::Removal;
+    const auto removed = installer.uninstall(identifier, request.command == "-U" ? Removal::Undoable
+                                                                                 : Removal::Final);
+    if (!removed)
+        return report(request, removed.failure());
+    request.report.removed(identifier, *removed);
     return 0;
 }
 

@@ -11,7 +11,7 @@ namespace {
 bool fits(std::string_view verb, std::string_view argument) {
     if (verb == "install")
         return argument.starts_with('/');
-    if (verb == "remove" || verb == "export")
+    if (verb == "remove" || verb == "restore" || verb == "export")
         return Registry::mayBeRegistered(argument);
     return verb == "start" && argument.empty();
 }

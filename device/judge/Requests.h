@@ -18,7 +18,7 @@ struct DeskRequest {
 
 /// Reads a window's requests, pairs of texts that end in a zero byte, and judges them: the verb is
 /// one that this window may say, and its argument has the verb's form: an absolute path for
-/// "install", an identifier for "remove" and "export", nothing for "start".
+/// "install", an identifier for "remove", "restore" and "export", nothing for "start".
 class RequestReader {
 public:
     explicit RequestReader(std::vector<std::string> verbs);

@@ -106,17 +106,25 @@ remove_pipes() {
     [[ -z $desk_folder ]] || rm -f -- "$desk_folder"/{requests,answers}
 }
 
-# The program between judges what is asked: device/judge/Requests.h.
+# The program between judges what is asked: device/judge/Requests.h. What can be put back is kept as
+# long as the window that may ask for it; one that was killed has left it.
 serve_desk() {
     trap - EXIT HUP INT TERM
+    [[ " $* " != *" restore "* ]] || forget_removed
     "$libexec/dubrix-judge" requests $$ "$desk_folder" "$@" | serve_requests
+    [[ " $* " != *" restore "* ]] || forget_removed
+}
+
+forget_removed() {
+    [[ ! -d $device/var/containers/Bundle/Removed ]] ||
+        (run_on_device ipainstaller -d) </dev/null &>/dev/null # which ends where nothing can be written
 }
 
 serve_requests() {
     local verb argument
     while IFS= read -r -d '' verb && IFS= read -r -d '' argument; do
         case $verb in
-        install | remove | export) answer "desk_$verb" "$argument" </dev/null ;;
+        install | remove | restore | export) answer "desk_$verb" "$argument" </dev/null ;;
         start) desk_start ;;
         *) printf 'failed\tunknown request\n' ;;
         esac
@@ -131,7 +139,7 @@ answer() {
     errors=$(mktemp) || return
     while IFS= read -r line; do
         case ${line%%$'\t'*} in
-        installed | replaced | removed | saved) well=$line ;;
+        installed | replaced | removed | kept | back | saved) well=$line ;;
         failed) badly=$line ;;
         'progress '*)
             [[ ! $line =~ ^progress\ ([0-9]{1,3})$ ]] ||
@@ -167,7 +175,11 @@ desk_install() {
 }
 
 desk_remove() {
-    run_on_device ipainstaller --report "$report" -u -- "$1"
+    run_on_device ipainstaller --report "$report" -U -- "$1"
+}
+
+desk_restore() {
+    run_on_device ipainstaller --report "$report" -r -- "$1"
 }
 
 # Saves the application in the person's own folder, over nothing that is there; the last word is where.

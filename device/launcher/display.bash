@@ -63,11 +63,11 @@ forget_display() {
     mount_point=
 }
 
-# "reduced" where the desktop's settings ask for fewer movements.
+# "--reduced-motion" where the desktop's settings ask for fewer movements.
 desktop_motion() {
     if type -P gsettings >/dev/null &&
         [[ $(timeout 1 gsettings get org.gnome.desktop.interface enable-animations 2>/dev/null) == false ]]; then
-        echo reduced
+        echo --reduced-motion
     fi
 }
 

@@ -1,7 +1,7 @@
 # The home screen: a window that looks at the device and changes nothing itself.
 # shellcheck shell=bash
 
-home_requests=(install remove export start)
+home_requests=(install remove restore export start)
 
 # prepare_home APPEARANCE: leaves the arguments of the home screen in `home_arguments`; another
 # appearance may have been asked for. The home screen may read the device, has no network,
@@ -15,7 +15,9 @@ prepare_home() {
     else
         home_arguments+=(--own "$share/Dubrix.app")
     fi
-    [[ $(desktop_motion) != reduced ]] || home_arguments+=(--reduced-motion)
+    local motion
+    motion=$(desktop_motion)
+    home_arguments+=(${motion:+"$motion"})
 }
 
 # show_home SIZE BESIDE FILE...: the home screen, and these files to be installed by it; size and

@@ -47,6 +47,12 @@ std::string targetOfText(std::string_view text) {
     return target.native();
 }
 
+/// What a link to this bundle says: relative, so that it leads there from inside the device and
+/// from outside.
+std::string textFor(std::string_view devicePath) {
+    return fs::path(devicePath).lexically_relative(Registry::registryPath).native();
+}
+
 /// The root without slashes at its end, so that a device's path can follow.
 std::string prefixOf(std::string root) {
     if (root.empty())
@@ -58,6 +64,12 @@ std::string prefixOf(std::string root) {
 } // namespace
 
 Registry::Registry(const fs::path& root) : root_(prefixOf(root.native())) {}
+
+Registry Registry::removed() const {
+    Registry record = *this;
+    record.links_ = removedPath;
+    return record;
+}
 
 bool Registry::mayBeRegistered(std::string_view identifier) {
     const auto isControl = [](unsigned char byte) { return byte < 0x20 || byte == 0x7f; };
@@ -122,13 +134,13 @@ std::optional<Registry::Bundle> Registry::bundleOf(const std::string& identifier
 }
 
 Result<std::vector<std::string>> Registry::names() const {
-    const Descriptor folder = openFolderAt(AT_FDCWD, hostPathText(registryPath));
+    const Descriptor folder = openFolderAt(AT_FDCWD, hostPathText(links_));
     if (!folder.isOpen() && errno == ENOENT)
         return std::vector<std::string>{};
     std::optional<std::vector<std::string>> names =
         folder.isOpen() ? namesIn(folder.get()) : std::nullopt;
     if (!names)
-        return systemFailure("cannot read " + std::string(registryPath));
+        return systemFailure("cannot read " + std::string(links_));
     return std::move(*names);
 }
 
@@ -182,11 +194,9 @@ Outcome Registry::enter(const std::string& identifier, std::string_view devicePa
                         const std::function<Outcome()>& beforeChange) const {
     if (!isUsableIdentifier(identifier))
         return Failure{"\"" + identifier + "\" cannot be an application's identifier"};
-    // Relative, so that it leads to the bundle from inside the device and from outside.
-    const fs::path text = fs::path(devicePath).lexically_relative(registryPath);
     const std::string temporary =
         hostPathText(bundlePath) + "/" + std::string(temporaryLinkPrefix) + randomUuid();
-    if (::symlink(text.c_str(), temporary.c_str()) != 0)
+    if (::symlink(textFor(devicePath).c_str(), temporary.c_str()) != 0)
         return systemFailure("cannot register " + identifier);
     Outcome done = beforeChange ? beforeChange() : Success{};
     if (done && ::rename(temporary.c_str(), linkOf(identifier).c_str()) != 0)
@@ -196,6 +206,14 @@ Outcome Registry::enter(const std::string& identifier, std::string_view devicePa
     return done;
 }
 
+Outcome Registry::enterNew(const std::string& identifier, std::string_view devicePath) const {
+    if (!isUsableIdentifier(identifier))
+        return Failure{"\"" + identifier + "\" cannot be an application's identifier"};
+    if (::symlink(textFor(devicePath).c_str(), linkOf(identifier).c_str()) != 0)
+        return systemFailure("cannot register " + identifier);
+    return Success{};
+}
+
 Outcome Registry::strike(const std::string& identifier) const {
     if (!mayBeRegistered(identifier) || ::unlink(linkOf(identifier).c_str()) != 0)
         return systemFailure("cannot unregister " + identifier);
@@ -203,10 +221,10 @@ Outcome Registry::strike(const std::string& identifier) const {
 }
 
 Outcome Registry::flush() const {
-    const Descriptor links = openFolder(registryPath);
+    const Descriptor links = openFolder(links_);
     // Some file systems have nothing to flush of a folder and say so.
     if (!links.isOpen() || (::fsync(links.get()) != 0 && errno != EINVAL))
-        return systemFailure("cannot write " + std::string(registryPath) + " to the disk");
+        return systemFailure("cannot write " + std::string(links_) + " to the disk");
     return Success{};
 }
 
@@ -228,7 +246,7 @@ std::string Registry::hostPathText(std::string_view devicePath) const {
 }
 
 std::string Registry::linkOf(const std::string& identifier) const {
-    return hostPathText(registryPath).append("/").append(identifier);
+    return hostPathText(links_).append("/").append(identifier);
 }
 
 } // namespace dubrix

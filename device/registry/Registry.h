@@ -27,8 +27,12 @@ public:
     static constexpr std::string_view applicationPath = "/var/containers/Bundle/Application";
     static constexpr std::string_view registryPath = "/var/containers/Bundle/Registry";
     static constexpr std::string_view systemPath = "/Applications";
+    /// Where the link of an application lies that was removed and may be put back.
+    static constexpr std::string_view removedPath = "/var/containers/Bundle/Removed";
 
     explicit Registry(const std::filesystem::path& root = "/");
+    /// The record of the same form of what can be put back.
+    Registry removed() const;
 
     /// Whether `identifier` may name an application that is to be installed: 1 to 255 bytes, none
     /// of them '/', that are neither "." nor ".." nor begin like an option, and without what
@@ -78,6 +82,8 @@ public:
     /// BundleStore, which has the lock and knows what must be on the disk when.
     Outcome enter(const std::string& identifier, std::string_view devicePath,
                   const std::function<Outcome()>& beforeChange = {}) const;
+    /// The same where nothing is registered under that name; fails where something is.
+    Outcome enterNew(const std::string& identifier, std::string_view devicePath) const;
     /// Takes the registration away, at one stroke.
     Outcome strike(const std::string& identifier) const;
     /// Returns when the links are on the disk as they are.
@@ -107,6 +113,7 @@ private:
 
     /// Without slashes at its end.
     std::string root_;
+    std::string_view links_ = registryPath;
 };
 
 } // namespace dubrix

@@ -35,13 +35,16 @@ Item {
         onTapped: bar.screen.tapLeftBarButton()
     }
 
+    // In the middle as far as the button leaves that to it.
     Text {
-        readonly property real side: Math.max(back.visible ? back.x + back.width : 0,
-                                              left.visible ? left.x + left.width : 0,
-                                              Theme.margin)
+        readonly property real start: Math.max(back.visible ? back.x + back.width : 0,
+                                               left.visible ? left.x + left.width : 0,
+                                               Theme.margin)
 
-        anchors.centerIn: parent
-        width: Math.min(implicitWidth, parent.width - 2 * side - Theme.points(8))
+        anchors.verticalCenter: parent.verticalCenter
+        x: Math.round(Math.max(start, Math.min((parent.width - width) / 2,
+                                               parent.width - Theme.margin - width)))
+        width: Math.min(implicitWidth, parent.width - start - Theme.margin)
         text: bar.screen.title
         color: Theme.text
         font.pixelSize: Theme.titleSize

@@ -40,24 +40,26 @@ Item {
             opacity: piece.alpha
             scale: piece.scale
             clip: true
-            Accessible.role: Accessible.AlertMessage
-            Accessible.name: overlay.stage.message
-            Accessible.ignored: !visible
 
             Behavior on opacity {
                 NumberAnimation {
-                    duration: box.piece.duration
+                    duration: Theme.duration(box.piece.duration)
                 }
             }
             Behavior on scale {
                 NumberAnimation {
-                    duration: box.piece.duration
+                    duration: Theme.duration(box.piece.duration)
                 }
             }
             Behavior on y {
                 NumberAnimation {
-                    duration: box.piece.duration
+                    duration: Theme.duration(box.piece.duration)
                 }
+            }
+
+            Announcement {
+                anchors.fill: parent
+                words: overlay.stage.message
             }
 
             Rectangle {

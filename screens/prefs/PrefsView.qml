@@ -73,6 +73,8 @@ Flickable {
             }
 
             TextFieldRow {
+                id: nameRow
+
                 title: "Name"
                 rowHeight: view.rowHeight(1, 1)
                 hidden: view.controller.textfieldCell.hidden
@@ -85,7 +87,7 @@ Flickable {
                 Connections {
                     target: view.controller.textField
                     function onEditingEnded() {
-                        view.forceActiveFocus();
+                        nameRow.leave();
                     }
                 }
             }

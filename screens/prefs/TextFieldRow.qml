@@ -11,6 +11,11 @@ SettingsRow {
     signal edited(string text)
     signal returned
 
+    /// Takes the keyboard from the field; from here it goes on to what comes after the row.
+    function leave() {
+        end.forceActiveFocus();
+    }
+
     selectable: false
     titleShown: false
     Accessible.ignored: true
@@ -51,5 +56,13 @@ SettingsRow {
         text: "Done"
         visible: input.activeFocus
         onTapped: row.returned()
+    }
+
+    // What is no stop of the Tab key would have it begin again at the top.
+    Item {
+        id: end
+
+        Keys.onTabPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
+        Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
     }
 }

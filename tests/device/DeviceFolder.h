@@ -63,13 +63,15 @@ public:
         return everything;
     }
 
-    /// What lies among the installed bundles beyond one folder for each registered application.
+    /// What lies among the installed bundles beyond one folder for each registered application, and
+    /// for one that can be put back.
     long leftovers() const {
         const auto bundles = root() / "var/containers/Bundle";
         const auto count = [](const std::filesystem::path& path) {
             return std::distance(std::filesystem::directory_iterator(path), {});
         };
-        return count(bundles) - 2 + count(bundles / "Application") -
+        const long kept = exists(bundles / "Removed") ? count(bundles / "Removed") : -1;
+        return count(bundles) - 3 + count(bundles / "Application") - kept -
                static_cast<long>(registry().identifiers().size());
     }
 

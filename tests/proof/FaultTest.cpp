@@ -215,4 +215,27 @@ TEST(Fault, UnusableSettingsStayAndSayNoSource) {
     }
 }
 
+TEST(Fault, WhatCouldBePutBackMakesWay) {
+    if (!PrivateMounts::permitted())
+        GTEST_SKIP() << "mounting is not permitted here";
+    const DeviceFolder device;
+    fs::create_directories(device.root() / "var");
+    PrivateMounts mounts;
+    ASSERT_TRUE(mounts.small(device.root() / "var", 3'000'000));
+    Installer installer = device.installer();
+    const auto install = [&](const std::string& identifier, std::size_t size) {
+        return static_cast<bool>(installer.install(
+            device.application(identifier, "1", {{"large", std::string(size, 'l')}})));
+    };
+    ASSERT_TRUE(install("com.example.one", 2'000'000));
+    ASSERT_TRUE(installer.uninstall("com.example.one", Installer::Removal::Undoable));
+    ASSERT_TRUE(install("com.example.small", 100'000));
+    ASSERT_TRUE(installer.putBack("com.example.one")) << "there was room for both";
+    ASSERT_FALSE(install("com.example.two", 2'000'000));
+    ASSERT_TRUE(installer.uninstall("com.example.one", Installer::Removal::Undoable));
+    ASSERT_TRUE(install("com.example.two", 2'000'000));
+    EXPECT_FALSE(installer.putBack("com.example.one"));
+    EXPECT_EQ(device.leftovers(), 0);
+}
+
 } // namespace dubrix

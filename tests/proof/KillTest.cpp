@@ -194,36 +194,47 @@ TEST_F(KillTest, AnInstallerIsKilledAtEveryCall) {
         return device.application(identifier, version, items);
     };
     const auto change = [&](const ProofDevice& device, std::vector<std::string> words,
-                            const std::string& after) {
-        words.insert(words.end(), {PROGRAMS "/ipainstaller", "--root", device.root()});
-        words.insert(words.end(), {after.empty() ? "-u" : "-f",
-                                   after.empty() ? identifier : archiveOf(device, after).native()});
+                            const std::string& command, const std::string& after) {
+        words.insert(words.end(),
+                     {PROGRAMS "/ipainstaller", "--root", device.root(), command,
+                      command == "-f" ? archiveOf(device, after).native() : identifier});
         return device.run(words);
     };
+    struct Step {
+        std::string before, command, after;
+    };
     int faults = 0;
-    for (const auto& [before, after] : {std::pair("", "1"), {"1", "2"}, {"2", ""}}) {
+    for (const auto& [before, command, after] : {Step{"", "-f", "1"},
+                                                 {"1", "-f", "2"},
+                                                 {"2", "-u", ""},
+                                                 {"2", "-U", ""},
+                                                 {"", "-r", "2"}}) {
         std::map<bool, int> seen;
         std::vector<Point> points{{"none", 1}};
         Contents old, next;
         for (std::size_t index = 0; index < points.size(); ++index) {
             const Point point = points[index];
-            SCOPED_TRACE(std::string(before) + " to " + after + ", killed at " + point.call + " " +
+            SCOPED_TRACE(before + " " + command + " " + after + ", killed at " + point.call + " " +
                          std::to_string(point.number));
             const ProofDevice device;
-            if (*before != '\0') {
-                ASSERT_TRUE(device.installer().install(archiveOf(device, before)));
+            if (!before.empty() || command == "-r") {
+                ASSERT_TRUE(
+                    device.installer().install(archiveOf(device, before.empty() ? after : before)));
+            }
+            if (command == "-r") {
+                ASSERT_TRUE(device.installer().uninstall(identifier, Installer::Removal::Undoable));
             }
             bool killed = false;
             if (index == 0) {
                 const fs::path log = device.folder() / "log";
                 old = device.bundle(identifier);
-                ASSERT_EQ(change(device, withThreads(traced(log)), after).status, 0);
+                ASSERT_EQ(change(device, withThreads(traced(log)), command, after).status, 0);
                 next = device.bundle(identifier);
                 ASSERT_NE(old, next);
                 for (Point& found : pointsOf(log, 1))
                     points.push_back(std::move(found));
             } else {
-                killed = change(device, withThreads(killedAt(point)), after).killed();
+                killed = change(device, withThreads(killedAt(point)), command, after).killed();
             }
             faults += killed ? 1 : 0;
             const Contents found = device.bundle(identifier);

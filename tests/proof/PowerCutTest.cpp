@@ -123,11 +123,11 @@ TEST_F(PowerCutTest, AnApplicationIsTheOldOrTheNewWhole) {
     const std::string first = archiveOf("1"), second = archiveOf("2");
     Contents wholes[3];
     for (const bool commits : {true, false}) {
-        for (const int next : {1, 2, 0}) {
+        for (const char* const next : {"-f 1", "-f 2", "-U", "-r", "-u"}) {
             const Contents before = bundleIn(root());
-            std::vector<std::string> words{installer, "--root", root(), "-u", identifier};
-            if (next != 0)
-                words = {installer, "--root", root(), "-f", next == 1 ? first : second};
+            std::vector<std::string> words{installer, "--root", root(), next, identifier};
+            if (next[1] == 'f')
+                words = {installer, "--root", root(), "-f", next[3] == '1' ? first : second};
             std::vector<Contents> seen;
             runWithCuts(
                 words,
@@ -144,7 +144,7 @@ TEST_F(PowerCutTest, AnApplicationIsTheOldOrTheNewWhole) {
             ASSERT_NE(before, after);
             for (const Contents& found : seen)
                 ASSERT_TRUE(found == before || found == after)
-                    << "version " << next << " with " << found.size() << " files";
+                    << next << ": " << found.size() << " files";
             EXPECT_EQ(seen.front(), before);
             cut([&](const fs::path& left) {
                 EXPECT_TRUE(bundleIn(left) == after) << "what has been said is on the disk";

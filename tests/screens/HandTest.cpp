@@ -1,3 +1,5 @@
+#include "controls/Appearance.h"
+#include "controls/ApplicationIconDrawing.h"
 #include "formats/lists/PropertyList.h"
 #include "tests/screens/WholeWindow.h"
 #include "tests/support/ScreenReader.h"
@@ -206,6 +208,145 @@ TEST_F(HandTest, RowsObeyTheirCells) {
     field->setText(QAccessible::Value, "Dictated");
     EXPECT_EQ(DXShared(files, log).retrieveValueForKey("customText"),
               PropertyList::string("Dictated"));
+}
+
+TEST_F(HandTest, TabGoesOnAfterTheFieldThatReturnHasLeft) {
+    click("Name");
+    QTest::keyClick(window, 'x');
+    key(Qt::Key_Return);
+    EXPECT_NE(focused(), "Name");
+    key(Qt::Key_Tab);
+    EXPECT_EQ(focused(), "Custom color");
+    key(Qt::Key_Tab, Qt::ShiftModifier);
+    EXPECT_EQ(focused(), "Name");
+}
+
+TEST_F(HandTest, ALongNameFadesWhereItGoesOn) {
+    const QAccessibleInterface* const field = find("Name");
+    ASSERT_TRUE(field);
+    auto* const item = qobject_cast<QQuickItem*>(field->object());
+    /// How clearly letters can be seen in these columns of the field, counted from the left or
+    /// right.
+    const auto ink = [&](int from, int to) {
+        const QImage picture = window->grabWindow();
+        const QRect area = item->mapRectToScene({0, 0, item->width(), item->height()}).toRect();
+        const int ground = qGray(picture.pixel(area.left() - 4, area.center().y()));
+        int most = 0;
+        for (int x = from; x < to; ++x)
+            for (int y = area.top(); y <= area.bottom(); ++y) {
+                const QRgb seen = picture.pixel(x < 0 ? area.right() + x : area.left() + x, y);
+                most = std::max(most, std::abs(qGray(seen) - ground));
+            }
+        return most;
+    };
+    prefs().textFieldChanged(QString(200, u'm'));
+    QCoreApplication::processEvents();
+    EXPECT_GT(ink(0, 20), 200);
+    EXPECT_GT(ink(-60, -30), 200);
+    EXPECT_LT(ink(-3, 0), 100) << "there is more";
+    click("Name");
+    key(Qt::Key_End);
+    QCoreApplication::processEvents();
+    EXPECT_LT(ink(0, 3), 100) << "there is more on the left";
+    EXPECT_GT(ink(-30, 0), 200);
+}
+
+/// With the type of a person who sees badly.
+struct LargeType {
+    LargeType() { chooseSize(20); }
+    ~LargeType() { chooseSize(11); }
+    static void chooseSize(int points) {
+        QFont font = QGuiApplication::font();
+        font.setPointSize(points);
+        QGuiApplication::setFont(font);
+    }
+};
+
+class LargeTypeTest : private LargeType, public HandTest {
+protected:
+    /// Words that do not stand whole in the window.
+    QStringList cut() {
+        EXPECT_TRUE(settled());
+        QStringList cut;
+        const std::function<void(const QQuickItem*)> look = [&](const QQuickItem* item) {
+            if (!item->isVisible() || item->opacity() == 0)
+                return;
+            const QVariant text = item->property("text");
+            const QRectF place = item->mapRectToScene({0, 0, item->width(), item->height()});
+            if (item->inherits("QQuickText") && place.bottom() > 0 &&
+                place.top() < window->height() &&
+                (item->property("truncated").toBool() || place.left() < 0 ||
+                 place.right() > window->width()))
+                cut << text.toString();
+            for (const QQuickItem* child : item->childItems())
+                look(child);
+        };
+        look(window->contentItem());
+        return cut;
+    }
+};
+
+TEST_F(LargeTypeTest, NoWordsAreCutInTheSmallestWindow) {
+    EXPECT_GT(window->minimumWidth(), 500);
+    window->resize(window->minimumSize());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(cut(), QStringList());
+    for (const char* row : {"Application", "Select color", "Duplicate"}) {
+        qobject_cast<QQuickItem*>(find(row)->object())->forceActiveFocus();
+        key(Qt::Key_Return);
+        ASSERT_TRUE(modals.topmost()) << row;
+        EXPECT_EQ(cut(), QStringList()) << row;
+        key(Qt::Key_Escape);
+        ASSERT_TRUE(QTest::qWaitFor([this] { return modals.rowCount() == 0; }));
+    }
+    click("About");
+    EXPECT_EQ(cut(), QStringList());
+}
+
+TEST(IconDrawing, WhatHasNoIconDoesNotLookLikeUs) {
+    const QImage none = drawnPlaceholder(60);
+    const QImage own(QStringLiteral(":/resources/AppIcon.png"));
+    ASSERT_FALSE(own.isNull());
+    const auto saturation = [](const QImage& image) {
+        const QImage small = image.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        return small.pixelColor(0, 0).hslSaturationF();
+    };
+    EXPECT_LT(saturation(none), 0.2F) << "grey";
+    EXPECT_GT(saturation(own), 0.5F);
+    int lines = 0;
+    for (int x = 0; x < 60; ++x)
+        lines += qGray(none.pixel(x, 20)) < qGray(none.pixel(5, 8)) - 10 ? 1 : 0;
+    EXPECT_GT(lines, 4) << "with something on it";
+}
+
+struct Stillness {
+    Stillness() { chooseMotion(true); }
+    ~Stillness() { chooseMotion(false); }
+};
+
+class StillTest : private Stillness, public HandTest {};
+
+TEST_F(StillTest, WhatComesIsThereAtOnceAndGoesInItsTime) {
+    prefs().showSimpleAlertWithTitle("T", "M", "Ok");
+    EXPECT_TRUE(rested());
+    click("Ok");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return modals.rowCount() == 0; }));
+    click("Application");
+    EXPECT_TRUE(rested()) << "a sheet";
+
+    ProgressHUD::show("Done");
+    const auto isDrawn = [this](const QQuickItem& item) {
+        return item.isVisible() && item.opacity() == stage.hud()->alpha() &&
+               item.scale() == stage.hud()->scale();
+    };
+    const QAccessibleInterface* const box = find("Done");
+    ASSERT_TRUE(box);
+    const auto& item = *qobject_cast<QQuickItem*>(box->object())->parentItem();
+    EXPECT_TRUE(isDrawn(item) && item.opacity() == 1);
+    ProgressHUD::dismiss();
+    EXPECT_TRUE(isDrawn(item) && item.opacity() == 0);
+    EXPECT_TRUE(stage.hud()->shown()) << "its time is the overlay's own";
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !stage.hud()->shown(); }));
 }
 
 } // namespace dubrix

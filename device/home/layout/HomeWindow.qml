@@ -18,11 +18,16 @@ Window {
     title: qsTr("Home screen – Dubrix")
     color: HomeTheme.ground
     visible: true
-    Component.onCompleted: Theme.still = window.home.reducedMotion
 
     Shortcut {
         sequences: ["Ctrl+Q", "Ctrl+W"]
         onActivated: window.close()
+    }
+
+    Shortcut {
+        sequence: "Ctrl+Z"
+        enabled: !window.occupied
+        onActivated: window.home.undo()
     }
 
     Image {
@@ -96,7 +101,12 @@ Window {
         busy: window.home.errand !== ""
         words: window.home.errand || window.home.remark
         percent: window.home.percent
+        action: busy || window.occupied ? "" : window.home.remarkAction
+        stays: action !== ""
         onPassed: window.home.remarkPassed()
+        onActed: window.home.undo()
+        onFocusLost: if (!window.occupied)
+            pages.forceActiveFocus()
     }
 
     DropZone {

@@ -1,3 +1,4 @@
+#include "controls/Appearance.h"
 #include "controls/ApplicationIconProvider.h"
 #include "device/home/HomeScreen.h"
 #include "device/home/Wallpaper.h"
@@ -9,16 +10,18 @@
 #include <QQmlExtensionPlugin>
 #include <QQuickItem>
 #include <QTest>
+#include <fcntl.h>
+#include <unistd.h>
 
 Q_IMPORT_QML_PLUGIN(DubrixHomePlugin)
 
 namespace dubrix {
 
 /// The home screen's window over a device with two applications. Nobody carries out its requests,
-/// which it remarks on.
+/// which it remarks on, unless it has a desk.
 class HomePress : public testing::Test {
 protected:
-    HomePress() {
+    explicit HomePress(Errands* errands = nullptr) {
         std::filesystem::create_directories(registry.hostPath(Registry::registryPath));
         for (const std::string name : {"One", "Two"}) {
             const std::string path =
@@ -28,8 +31,8 @@ protected:
             EXPECT_TRUE(static_cast<bool>(registry.enter("com.example." + name, path)));
         }
         applications = std::make_unique<HomeApplications>(device.root());
-        home = std::make_unique<HomeScreen>(*applications, nullptr, "/");
-        home->reducedMotion = true;
+        home = std::make_unique<HomeScreen>(*applications, errands, "/");
+        chooseMotion(true);
         engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
         engine.addImageProvider(QLatin1String(Wallpaper::name), new Wallpaper);
         engine.addImageProvider(QLatin1String(ApplicationIconProvider::name),
@@ -39,6 +42,12 @@ protected:
         engine.setInitialProperties({{QStringLiteral("home"), QVariant::fromValue(home.get())}});
         engine.load(QUrl(QStringLiteral("qrc:/qt/qml/DubrixHome/HomeWindow.qml")));
         window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
+    }
+    /// What the keyboard is at.
+    QString focused() const {
+        QAccessibleInterface* element =
+            QAccessible::queryAccessibleInterface(window->activeFocusItem());
+        return element ? element->text(QAccessible::Name) : QString();
     }
     void SetUp() override {
         ASSERT_TRUE(window && QTest::qWaitForWindowExposed(window));
@@ -76,11 +85,6 @@ TEST_F(HomePress, DroppedFilesStayWhereTheyComeFrom) {
 TEST_F(HomePress, TheKeyboardIsSeenWhereverItGoes) {
     const ScreenReader reader(window);
     ASSERT_TRUE(QTest::qWaitFor([&] { return reader.find("Two"); }));
-    const auto focused = [this] {
-        QAccessibleInterface* element =
-            QAccessible::queryAccessibleInterface(window->activeFocusItem());
-        return element ? element->text(QAccessible::Name) : QString();
-    };
     const struct {
         Qt::Key key;
         const char* there;
@@ -134,6 +138,116 @@ TEST_F(HomePress, WhatIsCoveredIsNeitherFoundNorPressed) {
     EXPECT_EQ(reader.find("Export"), choice);
     EXPECT_EQ(choice->object(), window->activeFocusItem()) << "the keyboard is back, too";
     EXPECT_NE(remarkAfter(choice), "");
+}
+
+/// The test is the launcher.
+class HomeDesk {
+protected:
+    HomeDesk() {
+        EXPECT_EQ(::pipe2(answers, O_CLOEXEC) + ::pipe2(requests, O_CLOEXEC | O_NONBLOCK), 0);
+        desk = std::make_unique<Desk>(answers[0], requests[1]);
+        errands = std::make_unique<Errands>(*desk);
+    }
+    ~HomeDesk() {
+        ::close(answers[1]);
+        ::close(requests[0]);
+    }
+    void answer(const QByteArray& line) const {
+        EXPECT_EQ(::write(answers[1], line.constData(), static_cast<std::size_t>(line.size())),
+                  line.size());
+    }
+    /// What the window asks for next; empty when it does not.
+    QByteArray asked() const {
+        QByteArray text(200, '\0');
+        const ssize_t count = ::read(requests[0], text.data(), 200);
+        return text.left(std::max<ssize_t>(count, 0)).replace('\0', ' ').trimmed();
+    }
+
+    int answers[2] = {-1, -1};
+    int requests[2] = {-1, -1};
+    std::unique_ptr<Desk> desk;
+    std::unique_ptr<Errands> errands;
+};
+
+class HomeUndo : private HomeDesk, public HomePress {
+protected:
+    HomeUndo() : HomePress(errands.get()) {}
+    using HomeDesk::answer;
+    using HomeDesk::asked;
+
+    /// Until the window says so.
+    bool says(const QString& remark) const {
+        return QTest::qWaitFor(
+            [&] { return home->remark() == remark && home->errand().isEmpty(); });
+    }
+    void remove(const QString& name) {
+        home->remove("com.example." + name);
+        home->alertAccepted();
+        EXPECT_EQ(asked(), "remove com.example." + name.toUtf8());
+        answer("kept\tcom.example." + name.toUtf8() + "\n");
+        ASSERT_TRUE(says(name + " is removed"));
+    }
+};
+
+TEST_F(HomeUndo, ARemovalIsUndoneByEveryHand) {
+    const ScreenReader reader(window);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reader.find("One"); }));
+    const auto isBack = [&] {
+        answer("back\tcom.example.One\n");
+        return says("One is back");
+    };
+    const auto undoByKeys = [this] { QTest::keyClick(window, Qt::Key_Z, Qt::ControlModifier); };
+    undoByKeys();
+    EXPECT_EQ(asked(), "") << "nothing has been removed";
+
+    remove("One");
+    undoByKeys();
+    undoByKeys();
+    EXPECT_EQ(asked(), "restore com.example.One") << "once";
+    EXPECT_TRUE(isBack());
+    EXPECT_FALSE(reader.find("Undo"));
+
+    home->remarkPassed();
+    remove("One");
+    ScreenReader::press(reader.find("Undo"));
+    EXPECT_EQ(asked(), "restore com.example.One");
+    EXPECT_TRUE(isBack());
+
+    // By Tab and Return: then the keyboard is among the icons again.
+    home->remarkPassed();
+    remove("One");
+    for (int tries = 0; focused() != "Undo" && tries < 5; ++tries)
+        QTest::keyClick(window, Qt::Key_Tab);
+    QTest::keyClick(window, Qt::Key_Return);
+    EXPECT_EQ(asked(), "restore com.example.One");
+    EXPECT_EQ(focused(), "One");
+    EXPECT_TRUE(isBack());
+}
+
+TEST_F(HomeUndo, OnlyTheLastRemovalAndAsLongAsItIsPossible) {
+    const ScreenReader reader(window);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reader.find("Two"); }));
+    remove("One");
+    home->tap("com.example.Two");
+    EXPECT_FALSE(reader.find("Undo")) << "of another remark";
+    home->remarkPassed();
+    EXPECT_TRUE(reader.find("Undo"));
+    home->remove("com.example.Two");
+    EXPECT_FALSE(reader.find("Undo")) << "below a question";
+    QTest::keyClick(window, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(asked(), "");
+    home->alertDismissed();
+    remove("Two");
+    home->remarkPassed();
+    EXPECT_FALSE(reader.find("Undo")) << "put away";
+    home->undo();
+    EXPECT_EQ(asked(), "restore com.example.Two");
+    answer("failed\tno room\n");
+    ASSERT_TRUE(says("“Two” was not put back"));
+    EXPECT_EQ(home->alertText(), "no room");
+    home->alertDismissed();
+    home->undo();
+    EXPECT_EQ(asked(), "restore com.example.Two") << "tried again";
 }
 
 } // namespace dubrix

@@ -163,6 +163,64 @@ TEST(Installer, RemovesOnlyWhatIsTheUsers) {
     EXPECT_TRUE(fs::is_empty(device.root() / "var/containers/Bundle/Application"));
 }
 
+TEST(Installer, ARemovalIsUndoneUntilTheNextAndOverNothing) {
+    const DeviceFolder device;
+    Installer installer = device.installer();
+    const std::string one = "com.example.one", two = "com.example.two";
+    const auto install = [&](const std::string& identifier, const std::string& version) {
+        return static_cast<bool>(installer.install(device.application(identifier, version)));
+    };
+    const auto remove = [&](const std::string& identifier) {
+        auto removed = installer.uninstall(identifier, Installer::Removal::Undoable);
+        return removed && removed->isKept;
+    };
+    const auto putBack = [&](const std::string& identifier) {
+        return static_cast<bool>(installer.putBack(identifier));
+    };
+    ASSERT_TRUE(install(one, "1") && install(two, "1"));
+    const auto before = device.snapshot();
+    ASSERT_TRUE(remove(one));
+    EXPECT_EQ(device.versionOf(one), "not installed");
+    ASSERT_TRUE(putBack(one));
+    EXPECT_TRUE(device.snapshot() == before);
+    EXPECT_FALSE(putBack(one)) << "once";
+
+    ASSERT_TRUE(remove(one) && install(one, "2")); // which sweeps
+    EXPECT_FALSE(putBack(one));
+    EXPECT_EQ(device.versionOf(one), "2") << "what was installed meanwhile";
+
+    ASSERT_TRUE(remove(one) && install(two, "2") && remove(two));
+    EXPECT_FALSE(putBack(one)) << "another has been removed";
+    EXPECT_EQ(device.leftovers(), 0);
+    ASSERT_TRUE(installer.forgetRemoved());
+    EXPECT_FALSE(putBack(two));
+    ASSERT_TRUE(install(one, "1") && install(two, "1") && remove(one) && installer.uninstall(two));
+    EXPECT_FALSE(putBack(one)) << "a removal for good is one, too";
+    EXPECT_EQ(device.leftovers(), 0);
+}
+
+// What a hostile application leaves in its place.
+TEST(Installer, NothingIsKeptOrTakenFromElsewhere) {
+    const DeviceFolder device;
+    Installer installer = device.installer();
+    const std::string identifier = "com.example.one";
+    const fs::path place = device.root() / (Registry::removedPath.data() + 1);
+    const fs::path letters = device.root() / "var/mobile/Documents";
+    putFile(letters / "letter", "mine");
+    ASSERT_TRUE(installer.install(device.application(identifier, "1")));
+    fs::create_directory_symlink(letters, place);
+    auto removed = installer.uninstall(identifier, Installer::Removal::Undoable);
+    ASSERT_TRUE(removed && removed->isKept);
+    EXPECT_TRUE(installer.putBack(identifier));
+    for (const char* target : {"../../../mobile/Documents", "../Registry", "nowhere"}) {
+        fs::create_directories(place);
+        fs::create_symlink(target, place / "com.example.odd");
+        EXPECT_FALSE(installer.putBack("com.example.odd")) << target;
+        fs::remove_all(place);
+    }
+    EXPECT_EQ(contentsOf(letters / "letter"), "mine");
+}
+
 TEST(Installer, AnExportInstallsAgainAsItWas) {
     const DeviceFolder device;
     ASSERT_TRUE(

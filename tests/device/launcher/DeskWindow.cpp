@@ -19,10 +19,11 @@ void say(const QString& line) {
 }
 
 Errands::Kind kindOf(const QByteArray& verb) {
-    return verb == "start"    ? Errands::Kind::Start
-           : verb == "remove" ? Errands::Kind::Remove
-           : verb == "export" ? Errands::Kind::Save
-                              : Errands::Kind::Install;
+    return verb == "start"     ? Errands::Kind::Start
+           : verb == "remove"  ? Errands::Kind::Remove
+           : verb == "restore" ? Errands::Kind::Restore
+           : verb == "export"  ? Errands::Kind::Save
+                               : Errands::Kind::Install;
 }
 
 } // namespace
@@ -35,8 +36,6 @@ int main(int count, char* words[]) {
     dubrix::Desk desk(3, 4);
     Errands errands(desk);
     QObject::connect(&desk, &dubrix::Desk::answered, [](const dubrix::DeskAnswer& answer) {
-        if (answer.kind == dubrix::DeskAnswer::Kind::Removed)
-            say(QStringLiteral("removed"));
         if (answer.kind == dubrix::DeskAnswer::Kind::Started)
             say(QStringLiteral("started"));
     });
