@@ -40,11 +40,10 @@ ExitStatus duplicateOne(Session& session, const std::string& source, int count,
             else
                 engine.DuplicateStartAt(1);
         });
-        const TerminalAlerts::Course& course = session.alerts.course();
-        if (course.wasUnanswered)
+        if (session.alerts.wasUnanswered())
             return wrongUse;
         if (attempts.empty())
-            return course.wasCancelled ? allDone : somethingFailed;
+            return somethingFailed; // or cancelled
         for (const Attempt& attempt : attempts) {
             if (!attempt.succeeded)
                 return somethingFailed;
@@ -115,10 +114,10 @@ ExitStatus duplicate(Session& session, const Request& request) {
             ended = duplicateOne(session, source.identifier, request.count, give);
         }
         status = std::max(status, ended);
-        if (session.isStopped() || session.alerts.course().wasUnanswered)
+        if (session.isStopped() || session.alerts.wasUnanswered())
             break;
     }
-    if (session.isStopped())
+    if (session.isStopped() && !session.console.isPassing())
         session.console.refuse(standing.empty() ? "stopped; nothing was made"
                                                 : "stopped; made before that:" + standing);
     if (request.asJson)
