@@ -25,6 +25,7 @@ public:
     void say(const std::string& text) override;
     std::optional<std::string> answer() override;
     bool isAnswered() const { return ways_.isAnswered; }
+    bool drawsProgress() const { return ways_.drawsProgress && !ways_.isQuiet; }
     bool isPassing() const { return ways_.isPassing; }
 
     /// What the command gives.

@@ -129,8 +129,9 @@ duplicate_and_pack() {
 # its number; the lines with it at their ends. What stands in them is the device's: the identifier goes
 # to the device's own installer, and into a name only as one part of a path.
 pack_made() {
-    local line number identifier archive status=0 progress=visible
-    trap 'trap "" TERM; [[ -z $child ]] || { kill -TERM "$child"; wait "$child"; }; exit 1' HUP INT TERM
+    local line number identifier archive stopped='' status=0 progress=visible
+    # An archive that is whole by then stands, and its line with it.
+    trap '[[ -n $child ]] || exit 1; kill -TERM "$child"; wait "$child"; stopped=$?' HUP TERM
     # Beside the work on others there is no room for another bar.
     [[ -z $single || -n $quiet ]] || progress=
     while IFS= read -r line; do
@@ -146,13 +147,15 @@ pack_made() {
             say "$archive is there already"
             archive=''
         elif [[ ! $number =~ ^[0-9]{1,3}$ || $identifier == */* || ! $line == *$'\t' ]] ||
-            ! export_archive "$identifier" "$archive" <&- >/dev/null; then
-            say "no archive of $identifier"
+            ! { export_archive "$identifier" "$archive" <&- >/dev/null || [[ $stopped == 0 ]]; }; then
+            [[ -n $stopped ]] || say "no archive of $identifier"
             archive=''
         fi
+        [[ -z $stopped || -n $archive ]] || break
         [[ -n $archive ]] || status=1
         printf '%s%s\n' "$line" "$archive" >&"$lines"
         printf '%s' "${archive:+ ${archive##*/}}" >>"$scratch/standing"
+        [[ -z $stopped ]] || break
     done
     return "$status"
 }
