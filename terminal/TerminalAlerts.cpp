@@ -57,9 +57,7 @@ void TerminalAlerts::show2ButtonAlertWithTitle(const Text& title, const Text& me
                                                const std::string& cancelButton,
                                                AlertBlock cancelBlock, AlertBlock okBlock) {
     open_.push_back(
-        {title,
-         message,
-         {{okButton, std::move(okBlock)}, {cancelButton, std::move(cancelBlock)}}});
+        {title, message, {{okButton, std::move(okBlock)}, {cancelButton, std::move(cancelBlock)}}});
 }
 
 void TerminalAlerts::show3ButtonAlertWithTitle(const Text& title, const Text& message,

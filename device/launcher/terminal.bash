@@ -132,7 +132,7 @@ pack_made() {
     local line number identifier archive stopped='' status=0 progress=visible
     # An archive that is whole by then stands, and its line with it.
     trap '[[ -n $child ]] || exit 1; kill -TERM "$child"; wait "$child"; stopped=$?' HUP TERM
-    # Beside the work on others there is no room for another bar.
+    # Beside the work on the next one there is no room for another bar.
     [[ -z $single || -n $quiet ]] || progress=
     while IFS= read -r line; do
         number=${line%%$'\t'*}
