@@ -144,6 +144,7 @@ pack_made() {
             [[ -z $1 ]] || archive="$target$1 $number.ipa"
         fi
         if [[ -e $archive || -L $archive ]]; then
+            clear_line
             say "$archive is there already"
             archive=''
         elif [[ ! $number =~ ^[0-9]{1,3}$ || $identifier == */* || ! $line == *$'\t' ]] ||
@@ -153,6 +154,7 @@ pack_made() {
         fi
         [[ -z $stopped || -n $archive ]] || break
         [[ -n $archive ]] || status=1
+        clear_line
         printf '%s%s\n' "$line" "$archive" >&"$lines"
         printf '%s' "${archive:+ ${archive##*/}}" >>"$scratch/standing"
         [[ -z $stopped ]] || break
@@ -195,10 +197,15 @@ wait_for_errand() {
     return "$status"
 }
 
+# Takes away what shows progress, so that a whole line can stand there.
+clear_line() {
+    [[ ! -t 2 || -n $quiet ]] || printf '\r\033[K' >&2
+}
+
 # What the next errand has to give and to say.
 give_next() {
     ((++told))
-    [[ ! -t 2 || -n $quiet ]] || printf '\r\033[K' >&2
+    clear_line
     cat -- "$scratch/words-$told" >&2
     cat -- "$scratch/lines-$told" >&"$lines"
 }

@@ -1,6 +1,7 @@
-"""asked_terminal.py LAUNCHER DEVICE SOURCE: what a person at a terminal is asked, answers, sees and breaks off.
+"""asked_terminal.py LAUNCHER DEVICE SOURCE work|offers: what a person at a terminal is asked, answers, sees, breaks off.
 
-A duplicate's archive is not finished here: the stand-in for zip has written half of it and waits.
+For "work" the device has no duplicates and none is finished: the stand-in for zip has written half of
+the archive and waits. For "offers" numbers 1 and 3 are stale.
 """
 
 import re
@@ -9,8 +10,9 @@ import sys
 
 from person import Terminal
 
-LAUNCHER, DEVICE, SOURCE = sys.argv[1:]
-QUESTION = "Duplicates: 0\r\n[D]uplicate  [C]ancel "
+LAUNCHER, DEVICE, SOURCE, WHAT = sys.argv[1:]
+QUESTION = "[D]uplicate  [C]ancel "
+OFFER = "[U]pdate  [N]ew duplicate  [C]ancel "
 
 
 def asked(*options):
@@ -27,6 +29,15 @@ def ends(person, what):
 
 
 signal.alarm(60)
+if WHAT == "offers":
+    person = asked("--count", "2", "--plain")
+    for answers, answer in enumerate(["d", "n", "update"]):
+        person.wait_for("[C]ancel ", answers + 1)
+        person.type(answer + "\r")
+    ends(person, "offered")
+    print(person.seen.count(QUESTION), person.seen.count(OFFER),
+          re.findall(r"\n(\d+)\t", person.seen.replace("\x1b[K", "\n")))
+    sys.exit()
 person = asked()
 person.type("c\r")
 ends(person, "cancelled")
