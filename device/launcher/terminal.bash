@@ -6,7 +6,7 @@ at_stop=() # what is still to be said when the work is stopped
 # terminal_command COMMAND ARGUMENT...
 terminal_command() {
     local plan words=() arguments=() archives=() target='' single='' json='' agreed='' quiet=''
-    local status=0 lines told=0
+    local status=0 lines errand_kind=errand begun=0 told=0 processors
     [[ -x $libexec/dubrix-terminal ]] || fail "$libexec/dubrix-terminal is missing: incomplete build"
     mapfile -d '' -t plan < <("$libexec/dubrix-terminal" --plan "$@")
     wait $! || exit 2
@@ -35,6 +35,7 @@ terminal_command() {
         return
     fi
     make_scratch
+    processors=$(nproc)
     at_stop=(tell_what_stands)
     if [[ -n $json ]]; then
         exec {lines}>"$scratch/lines"
@@ -125,47 +126,59 @@ duplicate_and_pack() {
     return "$status"
 }
 
-# pack_made NAME: each duplicate of the lines as an archive, called after its identifier, or NAME and
-# its number; the lines with it at their ends. What stands in them is the device's: the identifier goes
-# to the device's own installer, and into a name only as one part of a path.
+# pack_made NAME: packs the duplicates of the lines that it reads, and gives their lines in that order.
 pack_made() {
-    local line number identifier archive stopped='' status=0 progress=visible
-    # An archive that is whole by then stands, and its line with it.
-    trap '[[ -n $child ]] || exit 1; kill -TERM "$child"; wait "$child"; stopped=$?' HUP TERM
-    # Beside the work on the next one there is no room for another bar.
-    [[ -z $single || -n $quiet ]] || progress=
-    while IFS= read -r line; do
-        number=${line%%$'\t'*}
-        identifier=${line#*$'\t'}
-        identifier=${identifier%%$'\t'*}
-        archive=$target
-        if [[ $target == */ ]]; then
-            archive=$target$identifier.ipa
-            [[ -z $1 ]] || archive="$target$1 $number.ipa"
-        fi
-        if [[ -e $archive || -L $archive ]]; then
-            clear_line
-            say "$archive is there already"
-            archive=''
-        elif [[ ! $number =~ ^[0-9]{1,3}$ || $identifier == */* || ! $line == *$'\t' ]] ||
-            ! { export_archive "$identifier" "$archive" <&- >/dev/null || [[ $stopped == 0 ]]; }; then
-            [[ -n $stopped ]] || say "no archive of $identifier"
-            archive=''
-        fi
-        [[ -z $stopped || -n $archive ]] || break
-        [[ -n $archive ]] || status=1
-        clear_line
-        printf '%s%s\n' "$line" "$archive" >&"$lines"
-        printf '%s' "${archive:+ ${archive##*/}}" >>"$scratch/standing"
-        [[ -z $stopped ]] || break
+    local line errands=() errand_kind=packed begun=0 told status=0
+    while [[ -e $scratch/packed-$((begun + 1)) ]]; do
+        ((++begun))
     done
+    told=$begun
+    trap 'stop_errands; give_rest; exit 1' HUP TERM
+    while IFS= read -r line; do
+        if [[ -z $single ]]; then
+            begin_errand pack_one "$1" "$line" || status=1
+        else
+            ((++begun))
+            pack_one "$1" "$line" <&- >"$scratch/packed-$begun" || status=1
+            give_rest
+        fi
+    done
+    finish_errands || status=1
     return "$status"
 }
 
-# duplicate_archives FILE...: several at a time where nothing is asked, with their lines and words in
-# the order of the files.
+# pack_one NAME LINE: the duplicate of the line as an archive, called after its identifier, or NAME
+# and its number; the line with it at its end. What stands in it is the device's: the identifier goes
+# to the device's own installer, and into a name only as one part of a path.
+pack_one() {
+    local line=$2 number identifier archive=$target stopped='' progress=visible
+    # An archive that is whole by then stands, and its line with it.
+    trap '[[ -n $child ]] || exit 1; kill -TERM "$child"; wait "$child"; stopped=$?' HUP TERM
+    # Beside other work there is no room for another bar.
+    [[ -z $single || -n $quiet ]] || progress=
+    number=${line%%$'\t'*}
+    identifier=${line#*$'\t'}
+    identifier=${identifier%%$'\t'*}
+    if [[ $target == */ ]]; then
+        archive=$target$identifier.ipa
+        [[ -z $1 ]] || archive="$target$1 $number.ipa"
+    fi
+    if [[ -e $archive || -L $archive ]]; then
+        say "$archive is there already"
+        archive=''
+    elif [[ ! $number =~ ^[0-9]{1,3}$ || $identifier == */* || ! $line == *$'\t' ]] ||
+        ! { export_archive "$identifier" "$archive" >/dev/null || [[ $stopped == 0 ]]; }; then
+        [[ -z $stopped ]] || return
+        say "no archive of $identifier"
+        archive=''
+    fi
+    printf '%s%s\n' "$line" "$archive"
+    [[ -n $archive ]]
+}
+
+# duplicate_archives FILE...: several at a time where nothing is asked.
 duplicate_archives() {
-    local file status=0 number=0
+    local file status=0
     if (($# == 1)) || [[ -z $agreed ]]; then
         for file; do
             duplicate_archive "$file" || status=$((status > $? ? status : $?))
@@ -173,19 +186,26 @@ duplicate_archives() {
         return "$status"
     fi
     for file; do
-        if ((${#errands[@]} >= $(nproc))); then
-            wait_for_errand || status=$((status > $? ? status : $?))
-        fi
-        ((++number))
+        begin_errand "$self" ${without_isolation:+--without-isolation} "${words[@]}" \
+            --output "$target" -- "$file" || status=$((status > $? ? status : $?))
         [[ ! -t 2 || -n $quiet ]] ||
-            printf '\r\033[K%d of %d: %s' "$number" "$#" "$(basename -- "$file")" >&2
-        "$self" ${without_isolation:+--without-isolation} "${words[@]}" --output "$target" \
-            -- "$file" </dev/null >"$scratch/lines-$number" 2>"$scratch/words-$number" &
-        errands+=("$!")
+            printf '\r\033[K%d of %d: %s' "$begun" "$#" "$(basename -- "$file")" >&2
     done
-    while ((${#errands[@]} > 0)); do
-        wait_for_errand || status=$((status > $? ? status : $?))
-    done
+    finish_errands || status=$((status > $? ? status : $?))
+    return "$status"
+}
+
+# begin_errand COMMAND...: beside as many others as there are processors. What it gives and says is
+# kept until it is its turn. Fails as one for which there had to be room did.
+begin_errand() {
+    local status=0
+    if ((${#errands[@]} >= processors)); then
+        wait_for_errand
+        status=$?
+    fi
+    ((++begun))
+    "$@" </dev/null >"$scratch/$errand_kind-$begun" 2>"$scratch/$errand_kind-$begun-said" &
+    errands+=("$!")
     return "$status"
 }
 
@@ -197,31 +217,46 @@ wait_for_errand() {
     return "$status"
 }
 
+finish_errands() {
+    local status=0
+    while ((${#errands[@]} > 0)); do
+        wait_for_errand || status=$((status > $? ? status : $?))
+    done
+    return "$status"
+}
+
+give_next() {
+    local files=$scratch/$errand_kind-$((++told))
+    clear_line
+    [[ ! -e $files-said ]] || cat -- "$files-said" >&2
+    cat -- "$files" >&"$lines"
+}
+
+give_rest() {
+    while [[ -e $scratch/$errand_kind-$((told + 1)) ]]; do
+        give_next
+    done
+}
+
 # Takes away what shows progress, so that a whole line can stand there.
 clear_line() {
     [[ ! -t 2 || -n $quiet ]] || printf '\r\033[K' >&2
 }
 
-# What the next errand has to give and to say.
-give_next() {
-    ((++told))
-    clear_line
-    cat -- "$scratch/words-$told" >&2
-    cat -- "$scratch/lines-$told" >&"$lines"
-}
-
+# Each launcher that works for this one says itself what stands.
 tell_what_stands() {
-    while [[ -e $scratch/lines-$((told + 1)) ]]; do
-        give_next
+    local archive standing='' number=1
+    give_rest
+    while [[ -e $scratch/packed-$number ]]; do
+        archive=$(<"$scratch/packed-$number")
+        archive=${archive##*$'\t'}
+        standing+=${archive:+ ${archive##*/}}
+        ((++number))
     done
-    if ((told == 0)); then
-        local standing=''
-        [[ ! -s $scratch/standing ]] || standing=$(<"$scratch/standing")
-        if [[ -n $standing ]]; then
-            say "stopped; archives made before that:$standing"
-        else
-            say "stopped; no archive was made"
-        fi
+    if [[ -n $standing ]]; then
+        say "stopped; archives made before that:$standing"
+    elif ((told == 0)); then
+        say "stopped; no archive was made"
     fi
     [[ -z $json ]] || give_json
 }
