@@ -9,7 +9,7 @@ namespace dubrix {
 
 namespace {
 
-/// What comes of an application's name may not act on the terminal; lines are the message's own.
+/// What comes of an application's name may not act on the terminal; a message has lines.
 std::string harmless(const std::string& text) {
     std::string lines;
     for (std::size_t start = 0; start <= text.size();) {
@@ -23,9 +23,10 @@ std::string harmless(const std::string& text) {
 
 std::string heading(const Text& title, const Text& message) {
     std::string text;
-    for (const Text& part : {title, message})
-        if (part)
-            text += harmless(*part) + "\n";
+    if (title)
+        text += onOneLine(*title) + "\n";
+    if (message)
+        text += harmless(*message) + "\n";
     return text;
 }
 

@@ -182,6 +182,7 @@ duplicate_archives() {
     if (($# == 1)) || [[ -z $agreed ]]; then
         for file; do
             duplicate_archive "$file" || status=$((status > $? ? status : $?))
+            ((status != 2)) || break # there was nobody to ask
         done
         return "$status"
     fi
