@@ -34,6 +34,7 @@ terminal_command() {
         run_terminal "${words[@]}" ${json:+--json} -- "${arguments[@]}"
         return
     fi
+    check_tools
     make_scratch
     processors=$(nproc)
     at_stop=(tell_what_stands)
@@ -266,7 +267,6 @@ tell_what_stands() {
 duplicate_archive() {
     local name status=1 identifier device=$scratch/device with_samples='' touched=''
     local progress=${quiet:+visible}
-    check_tools
     [[ -n $isolated ]] || choose_isolation
     name=$(basename -- "$1")
     make_folders "$device" || fail "cannot make a device in $scratch"
