@@ -21,6 +21,12 @@ TintColor fromNumber(std::uint32_t number) {
     return fromBytes(number >> 16 & 0xff, number >> 8 & 0xff, number & 0xff);
 }
 
+/// Without those around it.
+std::string_view withoutBlanks(std::string_view text) {
+    const std::size_t start = std::min(text.find_first_not_of(' '), text.size());
+    return text.substr(start, text.find_last_not_of(' ') + 1 - start);
+}
+
 /// The whole text as a number; nothing for any other.
 std::optional<std::uint32_t> numberIn(std::string_view text, int base) {
     std::uint32_t number = 0;
@@ -33,7 +39,7 @@ std::optional<TintColor> ofComponents(std::string_view text) {
     std::array<unsigned, 3> bytes{};
     for (std::size_t index = 0; index < bytes.size(); ++index) {
         const std::size_t end = index < 2 ? text.find(',') : text.size();
-        const auto number = numberIn(text.substr(0, end), 10);
+        const auto number = numberIn(withoutBlanks(text.substr(0, end)), 10);
         if (end == text.npos || !number || *number > 255)
             return std::nullopt;
         bytes[index] = *number;
@@ -45,6 +51,7 @@ std::optional<TintColor> ofComponents(std::string_view text) {
 } // namespace
 
 std::optional<TintColor> colorIn(std::string_view text) {
+    text = withoutBlanks(text);
     if (text.starts_with('#')) {
         const auto number = numberIn(text.substr(1), 16);
         return number && text.size() == 7 ? std::optional(fromNumber(*number)) : std::nullopt;

@@ -14,6 +14,8 @@ public:
         bool isAnswered = false;
         /// Whether the launcher draws a bar of lines "progress PERCENT TITLE".
         bool drawsProgress = false;
+        /// What is made does not outlive the run.
+        bool isPassing = false;
         bool isQuiet = false;
         bool isVerbose = false;
     };
@@ -23,6 +25,8 @@ public:
     void say(const std::string& text) override;
     std::optional<std::string> answer() override;
     bool isAnswered() const { return ways_.isAnswered; }
+    bool drawsProgress() const { return ways_.drawsProgress && !ways_.isQuiet; }
+    bool isPassing() const { return ways_.isPassing; }
 
     /// What the command gives.
     void give(const std::string& text);

@@ -19,6 +19,12 @@ Reply replyToOffers(const Request& request, const Console& console) {
                                                          : Reply::Ask;
 }
 
+int numberIn(const std::string& text) {
+    int number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
+}
+
 /// Number, identifier, name, version and archive; the launcher knows the last.
 std::string lineOf(const Session& session, const std::string& source,
                    const std::string& identifier) {
@@ -31,25 +37,25 @@ std::string lineOf(const Session& session, const std::string& source,
 /// rebuilt go to `lines`.
 ExitStatus duplicateOne(Session& session, const std::string& source, int count,
                         const std::function<void(const std::string&)>& give) {
+    int last = 0;
     for (int made = 0; made < count && !session.isStopped();) {
-        // Asked once for all of them.
-        const bool isFirst = made == 0;
-        const std::vector<Attempt> attempts = session.run([isFirst](CloneEngine& engine) {
-            if (isFirst)
+        // Asked once for all of them; nor is what was declined below the last one offered again.
+        const std::vector<Attempt> attempts = session.run([last](CloneEngine& engine) {
+            if (last == 0)
                 engine.showDuplicateAlert();
             else
-                engine.DuplicateStartAt(1);
+                engine.DuplicateStartAt(std::min(last + 1, highestDuplicateNumber));
         });
-        const TerminalAlerts::Course& course = session.alerts.course();
-        if (course.wasUnanswered)
+        if (session.alerts.wasUnanswered())
             return wrongUse;
         if (attempts.empty())
-            return course.wasCancelled ? allDone : somethingFailed;
+            return somethingFailed; // or cancelled
         for (const Attempt& attempt : attempts) {
             if (!attempt.succeeded)
                 return somethingFailed;
             give(lineOf(session, source, attempt.identifier));
             made += attempt.wasInstalled ? 0 : 1;
+            last = numberIn(attempt.identifier.substr(source.size()));
         }
     }
     return session.isStopped() ? somethingFailed : allDone;
@@ -79,10 +85,8 @@ std::string duplicatesAsJson(const std::string& lines) {
         start = end + 1;
         if (fields.size() < 5)
             continue;
-        int number = 0;
-        std::from_chars(fields[0].data(), fields[0].data() + fields[0].size(), number);
         objects.push_back(
-            Json::object({{"number", Json::number(number)},
+            Json::object({{"number", Json::number(numberIn(fields[0]))},
                           {"identifier", Json::text(fields[1])},
                           {"name", Json::text(fields[2])},
                           {"version", Json::text(fields[3])},
@@ -115,10 +119,10 @@ ExitStatus duplicate(Session& session, const Request& request) {
             ended = duplicateOne(session, source.identifier, request.count, give);
         }
         status = std::max(status, ended);
-        if (session.isStopped() || session.alerts.course().wasUnanswered)
+        if (session.isStopped() || session.alerts.wasUnanswered())
             break;
     }
-    if (session.isStopped())
+    if (session.isStopped() && !session.console.isPassing())
         session.console.refuse(standing.empty() ? "stopped; nothing was made"
                                                 : "stopped; made before that:" + standing);
     if (request.asJson)

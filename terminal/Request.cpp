@@ -53,7 +53,7 @@ Mistake takeOffers(Request& request, const std::string& value) {
 
 Mistake takeColor(Request& request, const std::string& value) {
     request.color = colorIn(value);
-    return request.color ? "" : "no colour: " + value + " (#rrggbb, r,g,b or a name is one)";
+    return request.color ? "" : "no color: " + value + " (#rrggbb, r,g,b or a name is one)";
 }
 
 struct Option {
@@ -203,8 +203,10 @@ std::string planOf(const Request& request) {
         add("archive", archive);
     if (!request.output.empty())
         add("output", request.output);
-    const std::pair<const char*, bool> facts[] = {
-        {"single", isSingle(request)}, {"json", request.asJson}, {"yes", request.saysYes}};
+    const std::pair<const char*, bool> facts[] = {{"single", isSingle(request)},
+                                                  {"json", request.asJson},
+                                                  {"yes", request.saysYes},
+                                                  {"quiet", request.isQuiet}};
     for (const auto& [key, holds] : facts)
         if (holds)
             add(key, "yes");

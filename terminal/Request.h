@@ -45,7 +45,8 @@ std::variant<Request, std::string> parseRequest(std::span<const std::string> wor
 
 /// The request for the launcher: pairs of words, each word followed by a zero byte. "archive FILE",
 /// "output PATH", "single yes" where at most one duplicate can come of it, "json yes", "yes yes",
-/// and as "word WORD" and "argument WORD" the command line for the program on the device.
+/// "quiet yes", and as "word WORD" and "argument WORD" the command line for the program on the
+/// device.
 std::string planOf(const Request& request);
 
 } // namespace dubrix

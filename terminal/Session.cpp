@@ -2,6 +2,8 @@
 
 #include "overlays/ProgressHUD.h"
 
+#include <numeric>
+
 namespace dubrix {
 
 Session::Session(const std::filesystem::path& root, const std::filesystem::path& pathsScript,
@@ -12,10 +14,12 @@ Session::Session(const std::filesystem::path& root, const std::filesystem::path&
           {.commands = &commands_, .files = &settings, .workspace = &workspace, .log = &silence_})),
       engine(platform_, alerts) {
     posix.commands.makeStoppable();
-    commands_.begins = [this](const std::string& command) { showCommand(command); };
+    commands_.begins = [this](const std::string& command) { beginPart(command); };
+    if (console.drawsProgress())
+        commands_.meanwhile = [this] { showPart(); };
     alerts.workBegins = [this](const std::string& work) {
         work_ = work;
-        console.showWork(work_, 0);
+        size_.reset();
     };
     stage_.says = [this](const std::string& sentence, bool succeeded) {
         if (succeeded)
@@ -45,12 +49,24 @@ std::vector<Attempt> Session::run(const std::function<void(CloneEngine&)>& work)
     return std::move(attempts_);
 }
 
-/// How far a duplicate is when one of its three commands begins, about.
-void Session::showCommand(const std::string& command) {
-    if (command.starts_with("cd "))
-        console.showWork(work_, 35);
-    else if (command.starts_with("ipainstaller "))
-        console.showWork(work_, 65);
+/// Each of a duplicate's three commands writes the application's bytes once: where they lie, into
+/// the archive, and where they are installed.
+void Session::beginPart(const std::string& command) {
+    part_ = command.starts_with("cd ") ? 1 : command.starts_with("ipainstaller ") ? 2 : 0;
+    written_ = 0;
+    console.showWork(work_, 100 * part_ / 3);
+}
+
+void Session::showPart() {
+    if (!size_) {
+        const auto path =
+            posix.applications.valueForKey("path", settings.values.identifier.value_or(""));
+        const auto sizes = posix.files.sizesOfItemsBelowPath(path.value_or("/none"));
+        size_ = std::accumulate(sizes.begin(), sizes.end(), std::int64_t{1});
+    }
+    written_ = std::max(written_, static_cast<std::int64_t>(posix.commands.bytesWritten()));
+    console.showWork(work_, static_cast<unsigned>(
+                                (100 * part_ + 100 * std::min(written_, *size_) / *size_) / 3));
 }
 
 } // namespace dubrix

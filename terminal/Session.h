@@ -51,7 +51,8 @@ private:
             al = &given.applications;
         }
     };
-    void showCommand(const std::string& command);
+    void beginPart(const std::string& command);
+    void showPart();
 
     WatchedCommands commands_{posix.commands};
     Silence silence_;
@@ -59,6 +60,11 @@ private:
     const Platform platform_;
     std::vector<Attempt> attempts_;
     std::string work_;
+    /// Of the source, in bytes, once it has been asked for.
+    std::optional<std::int64_t> size_;
+    /// Which of the three parts of a duplicate is being done, and its bytes that have been written.
+    unsigned part_ = 0;
+    std::int64_t written_ = 0;
 
 public:
     Engine engine;

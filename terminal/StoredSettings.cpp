@@ -56,7 +56,7 @@ std::variant<Values, std::string> valuesFor(const Session& session, const std::s
     if (key == "color") {
         const auto tint = colorIn(value);
         if (!tint)
-            return "no colour: " + value + " (#rrggbb, r,g,b or a name is one)";
+            return "no color: " + value + " (#rrggbb, r,g,b or a name is one)";
         return Values{{"Red", PropertyList::real((*tint)[0])},
                       {"Green", PropertyList::real((*tint)[1])},
                       {"Blue", PropertyList::real((*tint)[2])}};

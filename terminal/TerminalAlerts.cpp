@@ -9,7 +9,7 @@ namespace dubrix {
 
 namespace {
 
-/// What comes of an application's name may not act on the terminal; lines are the message's own.
+/// What comes of an application's name may not act on the terminal; a message has lines.
 std::string harmless(const std::string& text) {
     std::string lines;
     for (std::size_t start = 0; start <= text.size();) {
@@ -23,9 +23,10 @@ std::string harmless(const std::string& text) {
 
 std::string heading(const Text& title, const Text& message) {
     std::string text;
-    for (const Text& part : {title, message})
-        if (part)
-            text += harmless(*part) + "\n";
+    if (title)
+        text += onOneLine(*title) + "\n";
+    if (message)
+        text += harmless(*message) + "\n";
     return text;
 }
 
@@ -57,9 +58,7 @@ void TerminalAlerts::show2ButtonAlertWithTitle(const Text& title, const Text& me
                                                const std::string& cancelButton,
                                                AlertBlock cancelBlock, AlertBlock okBlock) {
     open_.push_back(
-        {title,
-         message,
-         {{okButton, std::move(okBlock)}, {cancelButton, std::move(cancelBlock), true}}});
+        {title, message, {{okButton, std::move(okBlock)}, {cancelButton, std::move(cancelBlock)}}});
 }
 
 void TerminalAlerts::show3ButtonAlertWithTitle(const Text& title, const Text& message,
@@ -88,10 +87,8 @@ const TerminalAlerts::Button* TerminalAlerts::pressed(const Question& question) 
     if (buttons.size() > 1 && reply != Reply::Ask)
         return &buttons[reply == Reply::Yes ? 0 : 1];
     conversation_.say(heading(question.title, question.message));
-    if (buttons.size() == 1) {
-        course_.wasTold = true;
+    if (buttons.size() == 1)
         return &buttons[0];
-    }
     std::string choices;
     for (const Button& button : buttons)
         choices += choice(button.title) + (&button == &buttons.back() ? " " : "  ");
@@ -100,7 +97,7 @@ const TerminalAlerts::Button* TerminalAlerts::pressed(const Question& question) 
         const std::optional<std::string> line = conversation_.answer();
         if (!line) {
             conversation_.say("\n");
-            course_.wasUnanswered = true;
+            wasUnanswered_ = true;
             return nullptr;
         }
         const std::string typed = lowerCase(trimmed(*line));
@@ -115,10 +112,8 @@ void TerminalAlerts::settle() {
     while (!open_.empty()) {
         const Question question = std::move(open_.front());
         open_.erase(open_.begin());
-        if (const Button* const button = pressed(question)) {
-            course_.wasCancelled = course_.wasCancelled || button->cancels;
+        if (const Button* const button = pressed(question))
             button->block();
-        }
     }
 }
 

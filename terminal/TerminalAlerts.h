@@ -40,23 +40,14 @@ public:
     /// Told of each work that begins, on one line.
     std::function<void(const std::string& work)> workBegins = [](const std::string&) {};
 
-    /// Since the last `forget`:
-    struct Course {
-        /// A message has been shown that only could be read.
-        bool wasTold = false;
-        /// Somebody has pressed "Cancel".
-        bool wasCancelled = false;
-        /// A question has found nobody to answer it.
-        bool wasUnanswered = false;
-    };
-    const Course& course() const { return course_; }
-    void forget() { course_ = {}; }
+    /// Whether a question has found nobody to answer it since the last `forget`.
+    bool wasUnanswered() const { return wasUnanswered_; }
+    void forget() { wasUnanswered_ = false; }
 
 private:
     struct Button {
         std::string title;
         AlertBlock block;
-        bool cancels = false;
     };
     struct Question {
         Text title;
@@ -70,7 +61,7 @@ private:
     Reply toQuestions_ = Reply::Ask;
     Reply toOffers_ = Reply::Ask;
     std::vector<Question> open_;
-    Course course_;
+    bool wasUnanswered_ = false;
 };
 
 } // namespace dubrix

@@ -55,10 +55,10 @@ ExitStatus updateOne(Session& session, const std::string& source, std::vector<Up
         if (!stale)
             return allDone;
         const std::vector<Attempt> attempts = rebuild(session, source, *stale, isFirst);
-        if (session.alerts.course().wasUnanswered)
+        if (session.alerts.wasUnanswered())
             return wrongUse;
         if (attempts.empty())
-            return session.alerts.course().wasCancelled ? allDone : somethingFailed;
+            return somethingFailed; // or cancelled
         if (!attempts.back().succeeded)
             return somethingFailed;
         updates.push_back({*stale, valueOf(session, "bundleVersion", stale->identifier)});
@@ -106,7 +106,7 @@ ExitStatus update(Session& session, const Request& request) {
                     field(update.version) + "\n");
         }
         status = std::max(status, ended);
-        if (session.isStopped() || session.alerts.course().wasUnanswered)
+        if (session.isStopped() || session.alerts.wasUnanswered())
             break;
     }
     if (session.isStopped())

@@ -2,9 +2,10 @@
 
 #include "platform/ApplicationWorkspace.h"
 #include "platform/CommandRunner.h"
+#include "terminal/Watch.h"
 
 #include <functional>
-#include <map>
+#include <optional>
 #include <string>
 
 namespace dubrix {
@@ -35,15 +36,19 @@ private:
     mutable bool is_ = false;
 };
 
-/// Runs commands, and says of each before it starts.
+/// Runs commands, says of each before it starts, and looks what it does.
 class WatchedCommands final : public CommandRunner {
 public:
     explicit WatchedCommands(CommandRunner& commands) : commands_(commands) {}
 
     std::function<void(const std::string& command)> begins = [](const std::string&) {};
+    /// Called by another thread, while the command runs; none when it is empty.
+    std::function<void()> meanwhile;
 
     void runCommand(const std::string& command) override {
         begins(command);
+        const std::optional<Watch> watch =
+            meanwhile ? std::optional<Watch>(std::in_place, meanwhile) : std::nullopt;
         commands_.runCommand(command);
     }
 

@@ -1,6 +1,7 @@
 // The application without a window: what the launcher's commands duplicate, update, status,
 // settings and list run on the device.
 
+#include "formats/text/PlainText.h"
 #include "terminal/Commands.h"
 #include "terminal/Ending.h"
 
@@ -21,6 +22,7 @@ constexpr const char* usage =
     "  --root DIR     the device's root folder\n"
     "  --answered     somebody answers questions at the standard input\n"
     "  --progress     write lines \"progress PERCENT TITLE\"\n"
+    "  --passing      what is made does not outlive the run: say nothing of it when stopped\n"
     "  --stop NUMBER  stop the work when this descriptor can be read or is closed\n"
     "  --plan         only read the command line, and say how it is to be carried out\n"
     "  --json         write the lines of duplicate that come at the standard input as JSON\n";
@@ -33,7 +35,7 @@ struct Options {
 };
 
 int complain(const std::string& sentence) {
-    std::cerr << "dubrix: " << sentence << " (see dubrix --help)\n";
+    std::cerr << "dubrix: " << onOneLine(sentence) << " (see dubrix --help)\n";
     return wrongUse;
 }
 
@@ -46,6 +48,8 @@ bool takeOptions(std::span<const std::string>& words, Options& options) {
             options.ways.isAnswered = true;
         else if (option == "--progress")
             options.ways.drawsProgress = true;
+        else if (option == "--passing")
+            options.ways.isPassing = true;
         else if (option == "--plan")
             options.isPlan = true;
         else if (option == "--root" && !value.empty())

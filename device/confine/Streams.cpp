@@ -118,6 +118,13 @@ bool Streams::enter() const {
            ::dup2(err_.theirs.get(), STDERR_FILENO) >= 0;
 }
 
+/// Whether the command has ended; it can still be signalled afterwards.
+bool Streams::hasEnded() const {
+    siginfo_t ended{};
+    return ::waitid(P_PID, static_cast<id_t>(command_), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           ended.si_pid == command_;
+}
+
 void Streams::takeSignals() {
     signalfd_siginfo signal{};
     while (::read(signals_.get(), &signal, sizeof signal) == sizeof signal) {
@@ -125,7 +132,11 @@ void Streams::takeSignals() {
         if (signal.ssi_signo != SIGCHLD) {
             if (!status_)
                 askForEnd(static_cast<int>(signal.ssi_signo));
-        } else if (!status_ && ::waitpid(command_, &status, WNOHANG) == command_) {
+        } else if (!status_ && hasEnded()) {
+            // Of a namespace that was not complete, a process may wait for the one that has ended.
+            if (endsWhole_)
+                ::kill(-command_, SIGKILL);
+            ::waitpid(command_, &status, 0);
             status_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
         }
     }
@@ -212,6 +223,7 @@ void Streams::passInput() {
 
 int Streams::serve(pid_t command, int grace) {
     command_ = command;
+    endsWhole_ = grace > 0;
     out_.theirs.close();
     err_.theirs.close();
     inputTheirs_.close();

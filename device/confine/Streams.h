@@ -66,7 +66,7 @@ public:
     /// status, 128 and the signal's number where a signal ended it. Signals that ask for the end
     /// are handed to the command as SIGTERM; they and SIGCHLD must have been blocked before the
     /// command was started. What still runs in the background is not waited for longer than `grace`
-    /// milliseconds of silence.
+    /// milliseconds of silence; with any grace, what is left in the command's group is killed.
     int serve(pid_t command, int grace);
 
 private:
@@ -80,6 +80,7 @@ private:
     void passOn(Channel& channel);
     void passInput();
     bool ready(int descriptor, short events, int milliseconds);
+    bool hasEnded() const;
     void takeSignals();
     void askForEnd(int signal);
     void write(Channel& channel, std::string_view bytes);
@@ -95,6 +96,7 @@ private:
     bool isStoppable_ = false;
     std::set<int> asked_;
     pid_t command_ = -1;
+    bool endsWhole_ = false;
     std::optional<int> status_;
 };
 

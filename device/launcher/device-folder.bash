@@ -51,7 +51,7 @@ make_device() {
     local final=$device parent
     parent=$(dirname -- "$final")
     device=
-    if mkdir -p -- "$parent" && scratch=$(mktemp -d -- "$parent/.dubrix-XXXXXX"); then
+    if mkdir -p -- "$parent" && begin_scratch "$parent/.dubrix"; then
         device=$scratch/device
     fi
     make_folders "$device" || fail "cannot make a device in $parent"

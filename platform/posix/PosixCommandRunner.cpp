@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <charconv>
 #include <csignal>
+#include <fstream>
 #include <string_view>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -49,6 +50,20 @@ std::vector<int> openDescriptors() {
             descriptors.push_back(descriptor);
     }
     return descriptors;
+}
+
+/// By the process and those it has started; it answers for those that it has waited for itself.
+std::uint64_t writtenBy(pid_t process) {
+    const std::string number = std::to_string(process);
+    std::uint64_t bytes = 0;
+    std::ifstream counters("/proc/" + number + "/io");
+    std::uint64_t value = 0;
+    for (std::string name; counters >> name >> value;)
+        bytes += name == "wchar:" ? value : 0;
+    std::ifstream children("/proc/" + number + "/task/" + number + "/children");
+    for (pid_t child = 0; children >> child;)
+        bytes += writtenBy(child);
+    return bytes;
 }
 
 /// Returns when the child has ended; it can still be signalled afterwards.
@@ -104,6 +119,11 @@ void PosixCommandRunner::runCommand(const std::string& command) {
     group_ = 0;
     while (::waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
     }
+}
+
+std::uint64_t PosixCommandRunner::bytesWritten() const {
+    const pid_t group = group_;
+    return group > 0 ? writtenBy(group) : 0;
 }
 
 void PosixCommandRunner::stop() {

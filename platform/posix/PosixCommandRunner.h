@@ -4,6 +4,7 @@
 #include "platform/posix/CommandConfinement.h"
 
 #include <atomic>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -36,6 +37,11 @@ public:
     /// own group; from the thread that runs them, that is from a signal handler there.
     void stop();
     bool isStopped() const { return stopped_; }
+
+    /// How many bytes the command that is running and all that it has started have written by now;
+    /// 0 when none is running and where the system does not tell. For commands of their own group;
+    /// any thread.
+    std::uint64_t bytesWritten() const;
 
 private:
     [[noreturn]] void becomeShell(const char* command, char* const* environment,

@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <limits>
 #include <poll.h>
+#include <thread>
 
 namespace dubrix {
 
@@ -64,6 +65,33 @@ TEST(PosixCommandRunner, StopsACommandWithAllThatItHasStarted) {
     EXPECT_TRUE(end.revents & POLLHUP);
     runner.runCommand("echo > '" + (folder / "after").native() + "'");
     EXPECT_FALSE(std::filesystem::exists(folder / "after"));
+}
+
+TEST(PosixCommandRunner, TellsWhatACommandHasWritten) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(::mkfifo((folder / "reached").c_str(), 0600), 0);
+    ASSERT_EQ(::mkfifo((folder / "seen").c_str(), 0600), 0);
+    PosixCommandRunner runner("/");
+    runner.makeStoppable();
+    std::vector<std::uint64_t> written;
+    {
+        const std::jthread looking([&] {
+            for (int times = 0; times < 2; ++times) {
+                const Descriptor reached(::open((folder / "reached").c_str(), O_RDONLY));
+                written.push_back(runner.bytesWritten());
+                const Descriptor seen(::open((folder / "seen").c_str(), O_WRONLY));
+            }
+        });
+        // By a process that has ended, and by one of a process that has not.
+        runner.runCommand("cd '" + folder.path().native() +
+                          "'; look() { : > reached; : < seen; };" +
+                          "head -c 1000000 /dev/zero > one; look;" +
+                          "(head -c 500000 /dev/zero > two; look; true); true");
+    }
+    ASSERT_EQ(written.size(), 2U);
+    EXPECT_NEAR(static_cast<double>(written[0]), 1'000'000, 1000);
+    EXPECT_NEAR(static_cast<double>(written[1]), 1'500'000, 1000);
+    EXPECT_EQ(runner.bytesWritten(), 0U) << "none is running";
 }
 
 TEST(FileStyleByteCount, RoundsAndCarries) {

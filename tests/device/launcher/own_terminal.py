@@ -4,44 +4,19 @@ Prints what the person's own shell was given to read afterwards and how its term
 caller compares.
 """
 
-import os
-import pty
-import select
 import signal
 import sys
-import time
+
+from person import Terminal
 
 LAUNCHER, DEVICE = sys.argv[1:]
-
-
-class Terminal:
-    """The person's: a shell script runs at it, whose output is read here and whose keys are typed here."""
-
-    def __init__(self, script):
-        self.process, self.end = pty.fork()
-        if self.process == 0:
-            os.environ["TERM"] = "xterm"
-            os.execvp("bash", ["bash", "-c", script, "-", LAUNCHER, DEVICE])
-        self.seen = ""
-
-    def wait_for(self, text, count=1):
-        limit = time.monotonic() + 20
-        while self.seen.count(text) < count:
-            if not select.select([self.end], [], [], max(0, limit - time.monotonic()))[0]:
-                sys.exit(f"not seen: {text!r} in {self.seen!r}")
-            try:
-                self.seen += os.read(self.end, 4096).decode("utf-8", "replace")
-            except OSError:
-                sys.exit(f"not seen before the end: {text!r} in {self.seen!r}")
-
-    def type(self, text):
-        os.write(self.end, text.encode())
 
 
 signal.alarm(60)
 person = Terminal('before=$(stty -g); "$1" --device "$2" shell; echo "status"" $?"; '
                   'after=$(stty -g); read -r -t 1 line; echo "given:"" [$line]"; '
-                  '[[ $after == "$before" ]] && echo "settings"" kept"; echo "the"" end"')
+                  '[[ $after == "$before" ]] && echo "settings"" kept"; echo "the"" end"',
+                  LAUNCHER, DEVICE)
 person.wait_for("\x1b[?2004h")
 person.type("PS1='devi''ce>'\r")
 person.wait_for("device>")
