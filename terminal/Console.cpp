@@ -44,7 +44,7 @@ std::optional<std::string> Console::answer() {
             return std::nullopt;
         typed_.append(bytes, static_cast<std::size_t>(count));
     }
-    const std::string line = typed_.substr(0, end);
+    std::string line = typed_.substr(0, end);
     typed_.erase(0, end + 1);
     return line;
 }

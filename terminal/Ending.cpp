@@ -29,6 +29,7 @@ void passEndOn(int descriptor, pthread_t to) {
     ssize_t count = 0;
     do {
         count = ::read(descriptor, &byte, 1);
+        // NOLINTNEXTLINE(bugprone-bad-signal-to-kill-thread): the other thread handles it
         ::pthread_kill(to, SIGTERM);
     } while (count > 0);
 }

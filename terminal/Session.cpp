@@ -65,8 +65,9 @@ void Session::showPart() {
         size_ = std::accumulate(sizes.begin(), sizes.end(), std::int64_t{1});
     }
     written_ = std::max(written_, static_cast<std::int64_t>(posix.commands.bytesWritten()));
-    console.showWork(work_, static_cast<unsigned>(
-                                (100 * part_ + 100 * std::min(written_, *size_) / *size_) / 3));
+    console.showWork(
+        work_, static_cast<unsigned>(
+                   (std::int64_t{100} * part_ + 100 * std::min(written_, *size_) / *size_) / 3));
 }
 
 } // namespace dubrix

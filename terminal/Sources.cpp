@@ -27,6 +27,7 @@ Source sourceNamed(const Session& session, const std::string& text) {
 
 std::vector<Source> sourcesNamed(const Session& session, const std::vector<std::string>& texts) {
     std::vector<Source> sources;
+    sources.reserve(texts.size());
     for (const std::string& text : texts)
         sources.push_back(sourceNamed(session, text));
     if (!texts.empty())

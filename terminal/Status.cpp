@@ -11,6 +11,7 @@ namespace {
 Json asJson(const Session& session, const std::string& source,
             const std::vector<Duplicate>& duplicates) {
     std::vector<Json> objects;
+    objects.reserve(duplicates.size());
     for (const Duplicate& duplicate : duplicates)
         objects.push_back(
             Json::object({{"number", Json::number(duplicate.number)},

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <optional>
 #include <set>
 #include <span>
@@ -137,19 +138,27 @@ void removeEmptyArchives(std::span<char* const> arguments) {
     }
 }
 
-/// Becomes the first zip of the search path that is another program than this one.
+/// Becomes the next zip of the search path after this one's folder: of two such programs there, or
+/// of a script that starts this one, none calls another for ever.
 void becomeDesktops(char** words) {
-    const Descriptor own(::open("/proc/self/exe", O_PATH | O_CLOEXEC));
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const fs::path own = fs::read_symlink("/proc/self/exe", error);
     const char* const path = std::getenv("PATH");
     std::string_view rest = path ? path : "/usr/bin:/bin";
+    std::vector<std::string> next;
     while (!rest.empty()) {
         const std::string_view folder = rest.substr(0, rest.find(':'));
         rest.remove_prefix(std::min(rest.size(), folder.size() + 1));
-        const std::string program = std::string(folder.empty() ? "." : folder) + "/zip";
-        const Descriptor other(::open(program.c_str(), O_PATH | O_CLOEXEC));
-        if (other.isOpen() && !isSameFile(own.get(), other.get()))
-            ::execv(program.c_str(), words);
+        const fs::path program = fs::path(folder.empty() ? "." : folder) / "zip";
+        if (fs::equivalent(program, own, error) ||
+            fs::equivalent(program.parent_path(), own.parent_path(), error))
+            next.clear();
+        else
+            next.push_back(program);
     }
+    for (const std::string& program : next)
+        ::execv(program.c_str(), words);
 }
 
 } // namespace
