@@ -1,6 +1,7 @@
 #include "controls/Appearance.h"
 #include "controls/ApplicationIconDrawing.h"
 #include "formats/lists/PropertyList.h"
+#include "overlays/ProgressHUD.h"
 #include "tests/screens/WholeWindow.h"
 #include "tests/support/ScreenReader.h"
 

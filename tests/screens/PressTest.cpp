@@ -1,4 +1,5 @@
 #include "engine/DXShared.h"
+#include "overlays/ProgressHUD.h"
 #include "tests/screens/WholeWindow.h"
 #include "tests/support/ScreenReader.h"
 
