@@ -1,7 +1,7 @@
-#include "formats/lists/PropertyList.h"
 #include "screens/containers/NavigationController.h"
 #include "screens/prefs/PrefsViewController.h"
 #include "tests/screens/PickerDevice.h"
+#include "tests/support/StoredText.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -151,13 +151,12 @@ TEST_F(AppListTest, ChoosingStoresInOrderTellsAndDismisses) {
 
 TEST_F(AppListTest, AnApplicationRemovedMeanwhileIsStoredUnderTheNameThatWasShown) {
     install("gone", "Gone");
-    DXShared(files, log).addKey("appName", PropertyList::string("Before"));
+    storeText(files, log, "appName", "Before");
     AppListSampleViewController& picker = open();
     ASSERT_TRUE(static_cast<bool>(registry.strike("gone")));
     picker.tableViewDidSelectRowAtIndexPath(0, 0);
-    const DXShared store(files, log);
-    EXPECT_EQ(store.retrieveValueForKey("bundleID"), PropertyList::string("gone"));
-    EXPECT_EQ(store.retrieveValueForKey("appName"), PropertyList::string("Gone"));
+    EXPECT_EQ(storedText(files, log, "bundleID"), "gone");
+    EXPECT_EQ(storedText(files, log, "appName"), "Gone");
     EXPECT_FALSE(modals.occupied());
 }
 

@@ -1,6 +1,6 @@
 #include "controls/ApplicationIconProvider.h"
-#include "formats/lists/PropertyList.h"
 #include "tests/screens/PickerDevice.h"
+#include "tests/support/StoredText.h"
 
 #include <QAccessible>
 #include <QGuiApplication>
@@ -81,7 +81,7 @@ protected:
         install("com.acme.b", "Bravo");
         install("com.acme.a", "Alpha");
         install("org.other", "A name as long as sixty characters, which no window has room for");
-        DXShared(files, log).addKey("bundleID", PropertyList::string("com.acme.b"));
+        storeText(files, log, "bundleID", "com.acme.b");
         picker.loadViewIfNeeded();
         view.engine()->addImportPath("qrc:/qt/qml");
         view.engine()->addImageProvider(QLatin1String(ApplicationIconProvider::name),
@@ -136,8 +136,7 @@ TEST_F(AppListViewTest, NamesItsRowsAndIsUsedByKeyboard) {
     QTest::keyClick(&view, Qt::Key_Up);
     EXPECT_EQ(focused(), "Alpha");
     QTest::keyClick(&view, Qt::Key_Space);
-    EXPECT_EQ(DXShared(files, log).retrieveValueForKey("bundleID"),
-              PropertyList::string("com.acme.a"));
+    EXPECT_EQ(storedText(files, log, "bundleID"), "com.acme.a");
     QTest::keyClick(&view, Qt::Key_Home);
     QTest::keyClick(&view, Qt::Key_Up);
     EXPECT_EQ(focused(), "Search");
@@ -161,8 +160,7 @@ TEST_F(AppListViewTest, LettersSearchAndEscapeClears) {
     QTest::keyClick(&view, 'b');
     QTest::keyClick(&view, Qt::Key_Down);
     QTest::keyClick(&view, Qt::Key_Return);
-    EXPECT_EQ(DXShared(files, log).retrieveValueForKey("bundleID"),
-              PropertyList::string("com.acme.b"));
+    EXPECT_EQ(storedText(files, log, "bundleID"), "com.acme.b");
 }
 
 } // namespace dubrix

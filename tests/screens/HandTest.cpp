@@ -1,9 +1,9 @@
 #include "controls/Appearance.h"
 #include "controls/ApplicationIconDrawing.h"
-#include "formats/lists/PropertyList.h"
 #include "overlays/ProgressHUD.h"
 #include "tests/screens/WholeWindow.h"
 #include "tests/support/ScreenReader.h"
+#include "tests/support/StoredText.h"
 
 #include <QQuickItem>
 
@@ -60,7 +60,7 @@ protected:
         click(application);
         ASSERT_TRUE(QTest::qWaitFor([this] { return !modals.topmost(); }));
     }
-    PropertyList chosen() { return DXShared(files, log).retrieveValueForKey("bundleID").value(); }
+    std::string chosen() { return storedText(files, log, "bundleID"); }
 
     const ScreenReader reader{window};
 };
@@ -149,7 +149,7 @@ TEST_F(HandTest, EscapeCancelsOnlyWhatCanBeCancelled) {
 TEST_F(HandTest, ThePickerTakesKeysTheMomentItOpens) {
     for (int number = 10; number < 60; ++number)
         install("com.example.n" + std::to_string(number), "Number " + std::to_string(number));
-    DXShared(files, log).addKey("bundleID", PropertyList::string("com.example.n40"));
+    storeText(files, log, "bundleID", "com.example.n40");
     click("Application");
     ASSERT_TRUE(QTest::qWaitFor([this] { return find("Number 40"); }));
     EXPECT_EQ(focused(), "Number 40");
@@ -165,7 +165,7 @@ TEST_F(HandTest, ThePickerTakesKeysTheMomentItOpens) {
     EXPECT_EQ(focused(), "Search");
     key(Qt::Key_Return);
     ASSERT_TRUE(QTest::qWaitFor([this] { return modals.rowCount() == 0; }));
-    EXPECT_EQ(chosen(), PropertyList::string("com.example.n27"));
+    EXPECT_EQ(chosen(), "com.example.n27");
 
     key(Qt::Key_F, Qt::ControlModifier);
     ASSERT_TRUE(QTest::qWaitFor([this] { return find("Number 27"); }));
@@ -176,7 +176,7 @@ TEST_F(HandTest, ThePickerTakesKeysTheMomentItOpens) {
     key(Qt::Key_Down);
     EXPECT_EQ(focused(), "One");
     key(Qt::Key_Enter);
-    EXPECT_EQ(chosen(), PropertyList::string("com.example.one"));
+    EXPECT_EQ(chosen(), "com.example.one");
 }
 
 TEST_F(HandTest, KeysLeadFromTabToTabToHelpAndOut) {
@@ -207,8 +207,7 @@ TEST_F(HandTest, RowsObeyTheirCells) {
     QAccessibleInterface* const field = find("Name");
     ASSERT_TRUE(field);
     field->setText(QAccessible::Value, "Dictated");
-    EXPECT_EQ(DXShared(files, log).retrieveValueForKey("customText"),
-              PropertyList::string("Dictated"));
+    EXPECT_EQ(storedText(files, log, "customText"), "Dictated");
 }
 
 TEST_F(HandTest, TabGoesOnAfterTheFieldThatReturnHasLeft) {

@@ -1,5 +1,5 @@
-#include "formats/lists/PropertyList.h"
 #include "tests/screens/PrefsScreenTest.h"
+#include "tests/support/StoredText.h"
 
 namespace dubrix {
 
@@ -111,13 +111,13 @@ TEST_F(PrefsViewControllerTest, TextIsStoredOnEveryChange) {
     load();
     for (const char* const typed : {"W", " W\u00f6 ", ""}) {
         screen->textFieldChanged(QString::fromUtf8(typed));
-        EXPECT_EQ(DXShared(files, log).retrieveValueForKey("customText")->stringValue(), typed);
+        EXPECT_EQ(storedText(files, log, "customText"), typed);
     }
     int ended = 0;
     QObject::connect(&screen->textField, &TextField::editingEnded, [&ended] { ++ended; });
     EXPECT_FALSE(screen->textFieldShouldReturn());
     EXPECT_EQ(ended, 1);
-    DXShared(files, log).addKey("appName", PropertyList::string("Other"));
+    storeText(files, log, "appName", "Other");
     EXPECT_EQ(screen->appNameLabel.text(), " ");
     screen->setAppNameLabelText();
     EXPECT_EQ(screen->appNameLabel.text(), "Other");
