@@ -8,7 +8,7 @@ from .timing import Failed, Row, peak_memory
 
 FEW, MANY = 10, 10_000
 OPEN_PICKER = """tap Application
-wait "Application 1" 60
+wait "Source" 60
 """
 
 
