@@ -44,10 +44,12 @@ def elements():
 
 
 def find(name, role=None):
+    """An element that is shown and can be used: what is on its way out or covered takes no press."""
     def one():
         return next((element for element in elements() if element.name == name
                      and (role is None or element.getRole() == role)
-                     and element.getState().contains(pyatspi.STATE_SHOWING)), None)
+                     and element.getState().contains(pyatspi.STATE_SHOWING)
+                     and element.getState().contains(pyatspi.STATE_ENABLED)), None)
     return until(one, f"“{name}”")
 
 
