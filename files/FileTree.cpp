@@ -28,15 +28,13 @@ Descriptor openFolderAt(int parent, const std::string& name) {
         ::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 }
 
-std::optional<std::vector<std::string>> namesIn(int folder) {
-    // A descriptor of its own: reading moves the position that duplicates share.
-    Descriptor own = openFolderAt(folder, ".");
-    if (!own.isOpen())
+std::optional<std::vector<std::string>> unsortedNamesIn(Descriptor folder) {
+    if (!folder.isOpen())
         return std::nullopt;
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::fdopendir(own.get()), ::closedir);
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::fdopendir(folder.get()), ::closedir);
     if (!stream)
         return std::nullopt;
-    own.release();
+    folder.release();
     std::vector<std::string> names;
     errno = 0;
     while (const dirent* entry = ::readdir(stream.get())) {
@@ -47,7 +45,14 @@ std::optional<std::vector<std::string>> namesIn(int folder) {
     }
     if (errno != 0)
         return std::nullopt;
-    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::optional<std::vector<std::string>> namesIn(int folder) {
+    // A descriptor of its own: reading moves the position that duplicates share.
+    auto names = unsortedNamesIn(openFolderAt(folder, "."));
+    if (names)
+        std::sort(names->begin(), names->end());
     return names;
 }
 

@@ -17,6 +17,9 @@ Descriptor openFolderAt(int parent, const std::string& name);
 /// read to its end, so that nobody takes a part for the whole.
 std::optional<std::vector<std::string>> namesIn(int folder);
 
+/// The same in the order in which the folder gives them, read through the descriptor itself.
+std::optional<std::vector<std::string>> unsortedNamesIn(Descriptor folder);
+
 /// Removes `name` below `parent` with everything in it, links themselves and not what they lead
 /// to. Folders closed to their owner are opened first. Goes on after a failure; true when nothing
 /// is left.

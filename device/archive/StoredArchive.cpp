@@ -11,9 +11,7 @@
 #include <cerrno>
 #include <climits>
 #include <ctime>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <optional>
 #include <sys/stat.h>
 
@@ -63,20 +61,13 @@ public:
 
 private:
     Outcome addBelow(const std::string& name) {
-        Descriptor folder = openFolderAt(folder_, name);
-        const std::unique_ptr<DIR, int (*)(DIR*)> stream(::fdopendir(folder.get()), ::closedir);
-        if (!stream)
+        const auto names = unsortedNamesIn(openFolderAt(folder_, name));
+        if (!names)
             return cannotRead(name);
-        folder.release();
-        errno = 0;
-        while (const dirent* entry = ::readdir(stream.get())) {
-            const std::string_view below = entry->d_name;
-            if (below != "." && below != "..")
-                if (Outcome done = add(name + "/" + entry->d_name); !done)
-                    return done;
-            errno = 0;
-        }
-        return errno == 0 ? Outcome(Success{}) : cannotRead(name);
+        for (const std::string& below : *names)
+            if (Outcome done = add(name + "/" + below); !done)
+                return done;
+        return Success{};
     }
 
     int folder_;
