@@ -64,9 +64,13 @@ private:
         const auto names = unsortedNamesIn(openFolderAt(folder_, name));
         if (!names)
             return cannotRead(name);
-        for (const std::string& below : *names)
-            if (Outcome done = add(name + "/" + below); !done)
+        std::string path = name + "/";
+        for (const std::string& below : *names) {
+            path.resize(name.size() + 1);
+            path += below;
+            if (Outcome done = add(path); !done)
                 return done;
+        }
         return Success{};
     }
 
