@@ -9,6 +9,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <sys/mman.h>
+#include <utility>
 #include <zlib.h>
 
 namespace dubrix {
@@ -18,47 +19,16 @@ namespace {
 constexpr std::size_t largestPiece = std::size_t{256} << 10;
 /// What all readers of the process together hold of entries that are unpacked whole. An entry that
 /// finds no room goes through the buffers, which takes longer.
-constexpr std::uint64_t mostHeld = std::uint64_t{48} << 20;
+constexpr std::size_t mostHeld = std::size_t{48} << 20;
+/// So much a reader keeps for its next entry. New memory has to be cleared by the system, which
+/// takes as long as half the unpacking.
+constexpr std::size_t mostKept = std::size_t{8} << 20;
 
-std::atomic<std::uint64_t> held{0};
-
-/// Room for one entry, packed and unpacked.
-class Room {
-public:
-    explicit Room(const ZipEntry& entry)
-        : size_(std::max(entry.packedSize, entry.size) > mostHeld ? mostHeld + 1
-                                                                  : entry.packedSize + entry.size),
-          isThere_((held += size_) <= mostHeld) {}
-    ~Room() { held -= size_; }
-    Room(const Room&) = delete;
-    Room& operator=(const Room&) = delete;
-
-    bool isThere() const { return isThere_; }
-
-private:
-    const std::uint64_t size_;
-    const bool isThere_;
-};
+std::atomic<std::size_t> held{0};
 
 struct Freeing {
     void operator()(char* space) const { std::free(space); }
 };
-using Space = std::unique_ptr<char[], Freeing>;
-
-/// Null when there is no memory. Much is asked for in large pages: a fault for every small one
-/// would take longer than the checksum of what it holds.
-Space makeSpace(std::size_t size) {
-    constexpr std::size_t largePage = std::size_t{2} << 20;
-    if (size < largePage)
-        return Space(static_cast<char*>(std::malloc(std::max(size, std::size_t{1}))));
-    const std::size_t whole = (size + largePage - 1) / largePage * largePage;
-    Space space(static_cast<char*>(std::aligned_alloc(largePage, whole)));
-#ifdef MADV_HUGEPAGE
-    if (space)
-        ::madvise(space.get(), whole, MADV_HUGEPAGE);
-#endif
-    return space;
-}
 
 Failure damagedEntry(const ZipEntry& entry) {
     return Failure{"is damaged at " + entry.name};
@@ -69,6 +39,51 @@ Failure notEnoughMemory() {
 }
 
 } // namespace
+
+/// Room for one entry, packed and unpacked.
+class ZipEntryReader::Room {
+public:
+    Room() = default;
+    ~Room() { giveBack(); }
+    Room(const Room&) = delete;
+    Room& operator=(const Room&) = delete;
+
+    /// Null when other readers hold too much, or there is no memory.
+    char* ofSize(std::uint64_t size) {
+        if (space_ && size <= size_)
+            return space_.get();
+        giveBack();
+        if (size > mostHeld)
+            return nullptr;
+        // Large pages: a fault for every small one would take longer than the checksum of what it
+        // holds.
+        constexpr std::size_t largePage = std::size_t{2} << 20;
+        size_ = (static_cast<std::size_t>(size) + largePage - 1) / largePage * largePage;
+        if ((held += size_) <= mostHeld)
+            space_.reset(static_cast<char*>(std::aligned_alloc(largePage, size_)));
+        if (!space_) {
+            giveBack();
+            return nullptr;
+        }
+#ifdef MADV_HUGEPAGE
+        ::madvise(space_.get(), size_, MADV_HUGEPAGE);
+#endif
+        return space_.get();
+    }
+    void keepLittle() {
+        if (size_ > mostKept)
+            giveBack();
+    }
+
+private:
+    void giveBack() {
+        space_.reset();
+        held -= std::exchange(size_, 0);
+    }
+
+    std::unique_ptr<char[], Freeing> space_;
+    std::size_t size_ = 0;
+};
 
 /// A raw deflate stream (no zlib header), reused from entry to entry.
 struct ZipEntryReader::Inflater {
@@ -83,6 +98,7 @@ struct ZipEntryReader::Inflater {
     z_stream stream{};
     bool ready;
     WholeInflater whole;
+    Room room;
 };
 
 ZipEntryReader::ZipEntryReader(int archive)
@@ -140,18 +156,15 @@ Outcome ZipEntryReader::copyStored(const ZipEntry& entry, std::uint64_t offset, 
     return Success{};
 }
 
-Outcome ZipEntryReader::inflateWhole(const ZipEntry& entry, std::uint64_t offset,
+Outcome ZipEntryReader::inflateWhole(const ZipEntry& entry, std::uint64_t offset, char* room,
                                      const Sink& sink) {
-    const auto packedSize = static_cast<std::size_t>(entry.packedSize);
+    const std::string_view packed(room, static_cast<std::size_t>(entry.packedSize));
+    char* const made = room + packed.size();
     const auto size = static_cast<std::size_t>(entry.size);
-    const Space packed = makeSpace(packedSize);
-    const Space made = makeSpace(size);
-    if (!packed || !made)
-        return notEnoughMemory();
-    if (!readExactly(archive_, offset, packed.get(), packedSize) ||
-        !inflater_->whole.inflate({packed.get(), packedSize}, made.get(), size))
+    if (!readExactly(archive_, offset, room, packed.size()) ||
+        !inflater_->whole.inflate(packed, made, size))
         return damagedEntry(entry);
-    for (std::string_view left(made.get(), size); !left.empty();) {
+    for (std::string_view left(made, size); !left.empty();) {
         const std::string_view piece = left.substr(0, largestPiece);
         if (Outcome done = pass(entry, piece, sink); !done)
             return done;
@@ -162,8 +175,15 @@ Outcome ZipEntryReader::inflateWhole(const ZipEntry& entry, std::uint64_t offset
 
 Outcome ZipEntryReader::inflateDeflated(const ZipEntry& entry, std::uint64_t offset,
                                         const Sink& sink) {
-    if (const Room room(entry); room.isThere())
-        return inflateWhole(entry, offset, sink);
+    // Both sizes are an archive's word: their sum may be no number.
+    const std::uint64_t size = std::max(entry.packedSize, entry.size) > mostHeld
+                                   ? mostHeld + 1
+                                   : entry.packedSize + entry.size;
+    if (char* const room = inflater_->room.ofSize(size)) {
+        Outcome done = inflateWhole(entry, offset, room, sink);
+        inflater_->room.keepLittle();
+        return done;
+    }
     z_stream& stream = inflater_->stream;
     if (!inflater_->ready || inflateReset(&stream) != Z_OK)
         return notEnoughMemory();

@@ -32,10 +32,11 @@ public:
     Result<std::string> readWhole(const ZipEntry& entry, std::size_t limit);
 
 private:
+    class Room;
     struct Inflater;
 
     Outcome copyStored(const ZipEntry& entry, std::uint64_t offset, const Sink& sink);
-    Outcome inflateWhole(const ZipEntry& entry, std::uint64_t offset, const Sink& sink);
+    Outcome inflateWhole(const ZipEntry& entry, std::uint64_t offset, char* room, const Sink& sink);
     Outcome inflateDeflated(const ZipEntry& entry, std::uint64_t offset, const Sink& sink);
     Outcome pass(const ZipEntry& entry, std::string_view bytes, const Sink& sink);
 
