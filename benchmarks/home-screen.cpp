@@ -156,7 +156,7 @@ int main(int argc, char** argv) {
         return 2;
     QGuiApplication application(argc, argv);
     HomeApplications applications(argv[2]);
-    chooseFont();
+    chooseFont(ownFontFamily());
     HomeScreen home(applications, nullptr, "/");
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));

@@ -12,9 +12,13 @@ bool motionIsReduced = false;
 
 } // namespace
 
-void chooseFont() {
+QString ownFontFamily() {
     const QString family = QStringLiteral("Inter");
-    if (!QFontDatabase::families().contains(family))
+    return QFontDatabase::families().contains(family) ? family : QString();
+}
+
+void chooseFont(const QString& family) {
+    if (family.isEmpty())
         return;
     QFont font = QGuiApplication::font();
     font.setFamily(family);

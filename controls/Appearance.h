@@ -7,8 +7,12 @@
 
 namespace dubrix {
 
-/// Gives the program the font of both windows where it is installed.
-void chooseFont();
+/// The family of both windows' font; empty where it is not installed. The first to ask has the
+/// system's fonts listed, in whatever thread, which takes as long as reading the layout.
+QString ownFontFamily();
+
+/// Nothing when there is no such family.
+void chooseFont(const QString& family);
 
 /// A palette whose ground tells the layout which appearance is meant: "light" or "dark", or empty
 /// for what the platform's theme says.

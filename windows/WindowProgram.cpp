@@ -5,9 +5,9 @@
 #include "files/FileTree.h"
 
 #include <QIcon>
-#include <QImageReader>
 #include <QLibrary>
 #include <QPixmap>
+#include <QQmlComponent>
 #include <QQuickWindow>
 #include <QScreen>
 #include <cstdio>
@@ -50,25 +50,27 @@ WindowProgram::WindowProgram(int& argc, char** argv, const Kind& kind)
       application_(argc, argv),
       side_(kind.side) {
     messages_.reset();
-    loadOwnIcon();
     // The window system's names for both programs are those of the desktop's entry.
     QGuiApplication::setApplicationName(QStringLiteral("dubrix"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Dubrix"));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.dubrix.Dubrix"));
-    QImageReader icon(QStringLiteral(":/own/AppIcon.png"), "png");
-    icon.setAutoDetectImageFormat(false); // which asks every image plugin first
-    QGuiApplication::setWindowIcon(QPixmap::fromImageReader(&icon));
     readLine(kind);
     script_ = descriptors(QStringLiteral("drive"), 3);
     if (const QList<int> pipes = descriptors(QStringLiteral("desk"), 2); !pipes.isEmpty()) {
         desk_ = std::make_unique<Desk>(pipes[0], pipes[1]);
         errands_ = std::make_unique<Errands>(*desk_);
     }
-    chooseFont();
+    // Not before what may end the process: nothing may run when the statics go.
+    slow_ = std::async(std::launch::async, askSlowly);
     chooseAppearance(line_.value(QStringLiteral("appearance")));
     chooseMotion(line_.isSet(QStringLiteral("reduced-motion")));
     engine_ = std::make_unique<QQmlApplicationEngine>();
     engine_->addImportPath(QStringLiteral("qrc:/qt/qml"));
+}
+
+WindowProgram::Slow WindowProgram::askSlowly() {
+    loadOwnIcon();
+    return {ownFontFamily(), QImage(QStringLiteral(":/own/AppIcon.png"), "png")};
 }
 
 void WindowProgram::readLine(const Kind& kind) {
@@ -120,7 +122,15 @@ void WindowProgram::showIcons(ApplicationIconProvider::Read read) {
 QQuickWindow* WindowProgram::open(const QString& layout, QVariantMap properties) {
     properties.insert(QStringLiteral("visible"), false); // before it is in its place
     engine_->setInitialProperties(properties);
-    engine_->load(QUrl(QStringLiteral("qrc:/qt/qml/") + layout));
+    const QUrl url(QStringLiteral("qrc:/qt/qml/") + layout);
+    // Read once already, and kept by the engine, so that load() only has to make it.
+    {
+        const QQmlComponent layoutRead(engine_.get(), url);
+    }
+    const Slow slow = slow_.get();
+    chooseFont(slow.fontFamily);
+    QGuiApplication::setWindowIcon(QPixmap::fromImage(slow.icon));
+    engine_->load(url);
     auto* const window = qobject_cast<QQuickWindow*>(engine_->rootObjects().value(0));
     if (window == nullptr || !place(*window)) {
         engine_.reset();

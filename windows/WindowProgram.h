@@ -7,8 +7,10 @@
 
 #include <QCommandLineParser>
 #include <QGuiApplication>
+#include <QImage>
 #include <QQmlApplicationEngine>
 #include <filesystem>
+#include <future>
 #include <memory>
 
 class QQuickWindow;
@@ -60,6 +62,13 @@ private:
         static void take(QtMsgType type, const QMessageLogContext&, const QString& text);
     };
 
+    /// What the system takes its time for. It is asked for while the layout is read.
+    struct Slow {
+        QString fontFamily;
+        QImage icon;
+    };
+    static Slow askSlowly();
+
     void readLine(const Kind& kind);
     QList<int> descriptors(const QString& option, qsizetype count);
     bool place(QWindow& window) const;
@@ -69,6 +78,7 @@ private:
     QGuiApplication application_;
     QCommandLineParser line_;
     Side side_;
+    std::future<Slow> slow_;
     QList<int> script_;
     /// The standard output, which commands do not get when it is for outcomes alone.
     Descriptor terminal_;
