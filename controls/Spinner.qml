@@ -13,7 +13,7 @@ Item {
     implicitWidth: Theme.points(20)
     implicitHeight: Theme.points(20)
     Accessible.role: Accessible.Indicator
-    Accessible.name: "In progress"
+    Accessible.name: qsTr("In progress")
     Accessible.ignored: !visible
 
     Repeater {

@@ -7,7 +7,7 @@
 namespace dubrix {
 
 /// What the program ends with.
-enum ExitStatus { allDone = 0, somethingFailed = 1, wrongUse = 2 };
+enum ExitStatus { AllDone = 0, SomethingFailed = 1, WrongUse = 2 };
 
 /// Each carries out a request on the device and gives the exit status.
 ExitStatus duplicate(Session& session, const Request& request);

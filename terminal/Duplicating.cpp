@@ -47,18 +47,18 @@ ExitStatus duplicateOne(Session& session, const std::string& source, int count,
                 engine.DuplicateStartAt(std::min(last + 1, highestDuplicateNumber));
         });
         if (session.alerts.wasUnanswered())
-            return wrongUse;
+            return WrongUse;
         if (attempts.empty())
-            return somethingFailed; // or cancelled
+            return SomethingFailed; // or cancelled
         for (const Attempt& attempt : attempts) {
             if (!attempt.succeeded)
-                return somethingFailed;
+                return SomethingFailed;
             give(lineOf(session, source, attempt.identifier));
             made += attempt.wasInstalled ? 0 : 1;
             last = numberIn(attempt.identifier.substr(source.size()));
         }
     }
-    return session.isStopped() ? somethingFailed : allDone;
+    return session.isStopped() ? SomethingFailed : AllDone;
 }
 
 std::vector<std::string> fieldsOf(const std::string& line) {
@@ -109,9 +109,9 @@ ExitStatus duplicate(Session& session, const Request& request) {
         if (!request.asJson)
             session.console.give(line);
     };
-    ExitStatus status = allDone;
+    ExitStatus status = AllDone;
     for (const Source& source : sourcesNamed(session, request.sources)) {
-        ExitStatus ended = source.isAmbiguous ? wrongUse : somethingFailed;
+        ExitStatus ended = source.isAmbiguous ? WrongUse : SomethingFailed;
         if (!source.mistake.empty()) {
             session.console.refuse(source.mistake);
         } else {

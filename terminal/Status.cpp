@@ -48,13 +48,13 @@ std::string linesOf(const Session& session, const std::string& source,
 } // namespace
 
 ExitStatus showStatus(Session& session, const Request& request) {
-    ExitStatus status = allDone;
+    ExitStatus status = AllDone;
     std::vector<Json> all;
     for (const Source& source : request.sources.empty() ? sourcesWithDuplicates(session)
                                                         : sourcesNamed(session, request.sources)) {
         if (!source.mistake.empty()) {
             session.console.refuse(source.mistake);
-            status = std::max(status, source.isAmbiguous ? wrongUse : somethingFailed);
+            status = std::max(status, source.isAmbiguous ? WrongUse : SomethingFailed);
             continue;
         }
         const std::vector<Duplicate> duplicates = duplicatesOf(session, source.identifier);
@@ -82,7 +82,7 @@ ExitStatus list(Session& session, const Request& request) {
                  field(version) + "\t" + field(entry.path) + "\n";
     }
     session.console.give(request.asJson ? Json::array(all).spelled() + "\n" : lines);
-    return allDone;
+    return AllDone;
 }
 
 } // namespace dubrix

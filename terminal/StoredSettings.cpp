@@ -72,7 +72,7 @@ ExitStatus store(Session& session, const std::string& key, const std::string& va
     const auto found = valuesFor(session, key, value);
     if (const auto* const mistake = std::get_if<std::string>(&found)) {
         session.console.refuse(*mistake);
-        return wrongUse;
+        return WrongUse;
     }
     Silence log;
     DXShared shared(session.posix.files, log);
@@ -81,10 +81,10 @@ ExitStatus store(Session& session, const std::string& key, const std::string& va
         if (shared.retrieveValueForKey(name) != wanted) {
             session.console.refuse(std::string("the settings cannot be written: ") +
                                    settingsFilePath);
-            return somethingFailed;
+            return SomethingFailed;
         }
     }
-    return allDone;
+    return AllDone;
 }
 
 } // namespace
@@ -105,12 +105,12 @@ ExitStatus settings(Session& session, const Request& request) {
                                            {"color-on", Json::boolean(colorOn)}})
                                  .spelled() +
                              "\n");
-        return allDone;
+        return AllDone;
     }
     session.console.give("application\t" + field(application) + "\nname\t" + field(name) +
                          "\nname-on\t" + (nameOn ? "on" : "off") + "\ncolor\t" + color(settings) +
                          "\ncolor-on\t" + (colorOn ? "on" : "off") + "\n");
-    return allDone;
+    return AllDone;
 }
 
 } // namespace dubrix

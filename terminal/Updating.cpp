@@ -53,24 +53,24 @@ ExitStatus updateOne(Session& session, const std::string& source, std::vector<Up
     while (!session.isStopped()) {
         const std::optional<Duplicate> stale = firstStale(session, source);
         if (!stale)
-            return allDone;
+            return AllDone;
         const std::vector<Attempt> attempts = rebuild(session, source, *stale, isFirst);
         if (session.alerts.wasUnanswered())
-            return wrongUse;
+            return WrongUse;
         if (attempts.empty())
-            return somethingFailed; // or cancelled
+            return SomethingFailed; // or cancelled
         if (!attempts.back().succeeded)
-            return somethingFailed;
+            return SomethingFailed;
         updates.push_back({*stale, valueOf(session, "bundleVersion", stale->identifier)});
         const std::vector<Duplicate> after = duplicatesOf(session, source);
         const auto again = std::ranges::find(after, stale->number, &Duplicate::number);
         if (again == after.end() || again->isStale) {
             session.console.refuse(stale->identifier + " is stale as before");
-            return somethingFailed;
+            return SomethingFailed;
         }
         isFirst = false;
     }
-    return somethingFailed;
+    return SomethingFailed;
 }
 
 Json asJson(const Update& update) {
@@ -85,11 +85,11 @@ Json asJson(const Update& update) {
 
 ExitStatus update(Session& session, const Request& request) {
     session.alerts.setReplies(request.saysYes ? Reply::Yes : Reply::Ask, Reply::No);
-    ExitStatus status = allDone;
+    ExitStatus status = AllDone;
     std::vector<Json> all;
     for (const Source& source :
          request.ofAll ? sourcesWithDuplicates(session) : sourcesNamed(session, request.sources)) {
-        ExitStatus ended = source.isAmbiguous ? wrongUse : somethingFailed;
+        ExitStatus ended = source.isAmbiguous ? WrongUse : SomethingFailed;
         std::vector<Update> updates;
         if (!source.mistake.empty()) {
             session.console.refuse(source.mistake);

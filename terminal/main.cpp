@@ -36,7 +36,7 @@ struct Options {
 
 int complain(const std::string& sentence) {
     std::cerr << "dubrix: " << onOneLine(sentence) << " (see dubrix --help)\n";
-    return wrongUse;
+    return WrongUse;
 }
 
 /// Takes the program's own options from the front of `words`; false when they make no sense.
@@ -84,7 +84,7 @@ ExitStatus carryOut(const Request& request, const Options& options,
     case Request::Command::List:
         return list(session, request);
     }
-    return wrongUse;
+    return WrongUse;
 }
 
 } // namespace
@@ -93,13 +93,13 @@ int main(int count, char* arguments[]) {
     const std::vector<std::string> all(arguments + 1, arguments + count);
     if (all == std::vector<std::string>{"--json"}) {
         std::cout << duplicatesAsJson(std::string(std::istreambuf_iterator(std::cin), {}));
-        return allDone;
+        return AllDone;
     }
     std::span<const std::string> words(all);
     Options options;
     if (!takeOptions(words, options) || words.empty()) {
         std::cerr << usage;
-        return wrongUse;
+        return WrongUse;
     }
     const auto parsed = parseRequest(words);
     if (const auto* const mistake = std::get_if<std::string>(&parsed))
@@ -107,7 +107,7 @@ int main(int count, char* arguments[]) {
     const Request& request = std::get<Request>(parsed);
     if (options.isPlan) {
         std::cout << planOf(request);
-        return allDone;
+        return AllDone;
     }
     return carryOut(request, options, std::filesystem::path(arguments[0]).parent_path());
 }

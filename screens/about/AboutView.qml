@@ -23,7 +23,7 @@ Flickable {
     boundsBehavior: Flickable.DragOverBounds
     clip: true
     Accessible.role: Accessible.Pane
-    Accessible.name: "About"
+    Accessible.name: qsTr("About")
 
     component Row: SettingsRow {
         id: aboutRow

@@ -13,7 +13,7 @@ Rectangle {
     height: Theme.points(52)
     color: Theme.bar
     Accessible.role: Accessible.PageTabList
-    Accessible.name: "Tabs"
+    Accessible.name: qsTr("Tabs")
 
     Rectangle {
         width: parent.width

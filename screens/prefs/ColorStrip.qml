@@ -20,7 +20,7 @@ Item {
     opacity: hidden ? 0 : 1
     clip: true
     Accessible.role: Accessible.Graphic
-    Accessible.name: "Color"
+    Accessible.name: qsTr("Color")
     Accessible.description: ColorWords.nameOf(color) + ", " + ColorWords.componentsOf(color)
     Accessible.ignored: rowHeight === 0 || hidden
 

@@ -25,7 +25,7 @@ Flickable {
     boundsBehavior: Flickable.DragOverBounds
     clip: true
     Accessible.role: Accessible.Pane
-    Accessible.name: "Settings"
+    Accessible.name: qsTr("Settings")
 
     Column {
         id: table

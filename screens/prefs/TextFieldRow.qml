@@ -53,7 +53,7 @@ SettingsRow {
             rightMargin: Theme.points(8)
             verticalCenter: parent.verticalCenter
         }
-        text: "Done"
+        text: qsTr("Done")
         visible: input.activeFocus
         onTapped: row.returned()
     }
