@@ -15,9 +15,7 @@ is_missing_or_empty() {
 
 # Leaves `device` a usable device or ends the launcher.
 open_device() {
-    check_tools
-    [[ -d ${TMPDIR:-/tmp} && -w ${TMPDIR:-/tmp} ]] ||
-        fail "temporary files have no place: ${TMPDIR:-/tmp} is no folder that can be written"
+    check_surroundings
     choose_isolation
     if ! is_device "$device"; then
         is_missing_or_empty "$device" || mistake "$device is neither empty nor a device"

@@ -17,7 +17,7 @@ touched=                  # not empty when a command may have written on the dev
 start_folder=/var/mobile  # where a command starts
 packing_programs=()       # what a command that only packs is given of the system
 
-check_tools() {
+check_surroundings() {
     local tool missing=()
     for tool in bash zip flock; do
         type -P "$tool" >/dev/null || missing+=("$tool")
@@ -25,6 +25,8 @@ check_tools() {
     ((${#missing[@]} == 0)) || fail "please install: ${missing[*]/flock/util-linux}"
     [[ -x $confine ]] || fail "$confine is missing: incomplete build"
     [[ -x $libexec/ipainstaller ]] || fail "$libexec/ipainstaller is missing: incomplete build"
+    [[ -d ${TMPDIR:-/tmp} && -w ${TMPDIR:-/tmp} ]] ||
+        fail "temporary files have no place: ${TMPDIR:-/tmp} is no folder that can be written"
 }
 
 # Isolation is given up for three reasons only: the person says so, bubblewrap is not there, or the

@@ -34,7 +34,7 @@ terminal_command() {
         run_terminal "${words[@]}" ${json:+--json} -- "${arguments[@]}"
         return
     fi
-    check_tools
+    check_surroundings
     make_scratch
     processors=$(nproc)
     at_stop=(tell_what_stands)
