@@ -11,7 +11,10 @@ namespace dubrix::fuzz {
 namespace {
 
 const std::vector<std::string>& names() {
-    static const std::vector<std::string> all = {"..",
+    static const std::vector<std::string> all = {std::string(1, '\0'),
+                                                 std::string(255, 'n'),
+                                                 std::string(256, 'n'),
+                                                 "..",
                                                  "/",
                                                  "Payload/",
                                                  "Payload/X.app/",
@@ -29,10 +32,7 @@ const std::vector<std::string>& names() {
                                                  "\n",
                                                  "~",
                                                  "CON",
-                                                 "C:",
-                                                 std::string(1, '\0'),
-                                                 std::string(255, 'n'),
-                                                 std::string(256, 'n')};
+                                                 "C:"};
     return all;
 }
 
@@ -108,16 +108,15 @@ void changeItem(ZipItem& item, Random& random) {
 } // namespace
 
 std::vector<std::string> seeds() {
-    const ZipItem icons{
-        "Payload/X.app/Info.plist",
-        "{CFBundleIdentifier=\"com.example.icons\";CFBundleIconFile=\"a/b\";"
-        "CFBundleIconFiles=(Icon,\"../X.app/Icon\",\"../../../../../../../beside\",link);"
-        "CFBundleIcons={CFBundlePrimaryIcon={CFBundleIconFiles=(\"./Icon\");};};}"};
-    const std::vector<ZipItem> iconic = {icons,
-                                         {"Payload/X.app/Icon@2x.png", iconHead()},
-                                         {"Payload/X.app/Icon.png", iconHead()},
-                                         {"Payload/X.app/a/b", iconHead()},
-                                         {"Payload/X.app/link", "a/b", S_IFLNK | 0777}};
+    const std::vector<ZipItem> iconic = {
+        {"Payload/X.app/Info.plist",
+         "{CFBundleIdentifier=\"com.example.icons\";CFBundleIconFile=\"a/b\";"
+         "CFBundleIconFiles=(Icon,\"../X.app/Icon\",\"../../../../../../../beside\",link);"
+         "CFBundleIcons={CFBundlePrimaryIcon={CFBundleIconFiles=(\"./Icon\");};};}"},
+        {"Payload/X.app/Icon@2x.png", iconHead()},
+        {"Payload/X.app/Icon.png", iconHead()},
+        {"Payload/X.app/a/b", iconHead()},
+        {"Payload/X.app/link", "a/b", S_IFLNK | 0777}};
     const ZipItem info{"Payload/X.app/Info.plist", infoPlist("com.example.new")};
     const std::vector<ZipItem> rich = {
         {"Payload/", "", S_IFDIR | 0755},

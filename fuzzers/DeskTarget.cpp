@@ -189,13 +189,13 @@ std::vector<std::string> seeds() {
 
 const std::vector<std::string>& vocabulary() {
     using namespace std::string_literals;
-    static const std::vector<std::string> words = {"install\0/"s,
+    static const std::vector<std::string> words = {"\0"s,
+                                                   "\n",
+                                                   "\x1e",
+                                                   "install\0/"s,
                                                    "remove\0"s,
                                                    "export\0"s,
                                                    "start\0\0"s,
-                                                   "\0"s,
-                                                   "\n",
-                                                   "\x1e",
                                                    "shot ",
                                                    "shot \"",
                                                    "a.png\n",
@@ -227,34 +227,13 @@ const std::vector<std::string>& vocabulary() {
     return words;
 }
 
-/// Whole texts and lines are moved and doubled, and a picture is given the size that it has.
+/// Among others, a piece becomes a picture that the script asks for, with the size that it has.
 std::string restructured(const std::string& bytes, Random& random) {
-    std::vector<std::string> pieces(1);
-    for (const char byte : bytes) {
-        pieces.back() += byte;
-        if (byte == '\0' || byte == '\n' || byte == separator)
-            pieces.emplace_back();
-    }
-    switch (below(4, random)) {
-    case 0:
-        std::swap(anyOf(pieces, random), anyOf(pieces, random));
-        break;
-    case 1:
-        pieces.push_back(anyOf(pieces, random));
-        break;
-    case 2:
-        anyOf(pieces, random).insert(0, anyOf(vocabulary(), random));
-        break;
-    default: {
-        const std::string text = anyOf(pieces, random);
-        pieces.insert(pieces.begin(), "shot " + text);
-        pieces.push_back(separator + text + "\n" + std::to_string(text.size()) + "\n" + text);
-    }
-    }
-    std::string joined;
-    for (const std::string& piece : pieces)
-        joined += piece;
-    return joined;
+    if (!once(4, random))
+        return withMovedPieces(bytes, std::string_view("\0\n\x1e", 3), random);
+    const std::string& text = anyOf(vocabulary(), random);
+    return "shot " + text + "\n" + bytes + separator + text + "\n" + std::to_string(text.size()) +
+           "\n" + text;
 }
 
 } // namespace dubrix::fuzz

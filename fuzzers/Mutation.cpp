@@ -1,6 +1,7 @@
 #include "fuzzers/Mutation.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace dubrix::fuzz {
 
@@ -70,6 +71,29 @@ std::string withChangedBytes(std::string bytes, Random& random) {
     for (std::size_t changes = 1 + below(4, random); changes > 0; --changes)
         changeOnce(bytes, random);
     return bytes;
+}
+
+std::string withMovedPieces(std::string_view bytes, std::string_view ends, Random& random) {
+    std::vector<std::string> pieces(1);
+    for (const char byte : bytes) {
+        pieces.back() += byte;
+        if (ends.find(byte) != ends.npos)
+            pieces.emplace_back();
+    }
+    switch (below(4, random)) {
+    case 0:
+        std::swap(anyOf(pieces, random), anyOf(pieces, random));
+        break;
+    case 1:
+        pieces.push_back(anyOf(pieces, random));
+        break;
+    case 2:
+        pieces.push_back(withChangedBytes(anyOf(pieces, random), random));
+        break;
+    default:
+        anyOf(pieces, random).insert(0, anyOf(vocabulary(), random));
+    }
+    return std::accumulate(pieces.begin(), pieces.end(), std::string());
 }
 
 } // namespace dubrix::fuzz

@@ -17,6 +17,9 @@ std::uint64_t troublesome(Random& random);
 /// One to four small changes of bytes, pieces of the vocabulary put in among them.
 std::string withChangedBytes(std::string bytes, Random& random);
 
+/// Pieces that end with one of those bytes moved, doubled or begun with a piece of the vocabulary.
+std::string withMovedPieces(std::string_view bytes, std::string_view ends, Random& random);
+
 template<class Container>
 auto& anyOf(Container& container, Random& random) {
     return container[below(container.size(), random)];

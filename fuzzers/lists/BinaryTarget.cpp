@@ -1,6 +1,4 @@
-#include "formats/lists/PropertyListForms.h"
-#include "fuzzers/lists/ListProperties.h"
-#include "fuzzers/lists/ListTrees.h"
+#include "fuzzers/lists/Lists.h"
 
 #include <algorithm>
 
@@ -35,26 +33,25 @@ struct Layout {
         Layout layout;
         if (bytes.size() < headerLength + trailerLength)
             return layout;
-        const std::string_view trailer = bytes.substr(bytes.size() - trailerLength);
-        const std::size_t width = bigEndian(trailer.substr(6, 1));
-        const std::uint64_t count = bigEndian(trailer.substr(8, 8));
-        const std::uint64_t table = bigEndian(trailer.substr(24, 8));
-        layout.referenceWidth = bigEndian(trailer.substr(7, 1));
-        layout.top = bigEndian(trailer.substr(16, 8));
-        if (width == 0 || width > 8 || table > bytes.size() - trailerLength ||
-            count > (bytes.size() - trailerLength - table) / width)
+        const std::uint64_t end = bytes.size() - trailerLength;
+        const auto number = [&bytes](std::uint64_t at, std::size_t width) {
+            return bigEndian(bytes.substr(at, width));
+        };
+        const std::size_t width = number(end + 6, 1);
+        const std::uint64_t table = number(end + 24, 8);
+        layout.referenceWidth = number(end + 7, 1);
+        layout.top = number(end + 16, 8);
+        if (width == 0 || width > 8 || table > end)
             return layout;
         std::vector<std::uint64_t> offsets;
-        for (std::uint64_t index = 0; index < count; ++index)
-            offsets.push_back(bigEndian(bytes.substr(table + index * width, width)));
+        for (std::uint64_t at = table; at + width <= end; at += width)
+            offsets.push_back(std::min(number(at, width), table));
         std::vector<std::uint64_t> ends = offsets;
         ends.push_back(table);
         std::sort(ends.begin(), ends.end());
-        for (std::uint64_t offset : offsets) {
-            const std::uint64_t end = *std::upper_bound(ends.begin(), ends.end() - 1, offset);
-            layout.objects.emplace_back(
-                offset <= end && end <= table ? bytes.substr(offset, end - offset) : "");
-        }
+        for (const std::uint64_t offset : offsets)
+            layout.objects.emplace_back(bytes.substr(
+                offset, *std::upper_bound(ends.begin(), ends.end() - 1, offset) - offset));
         return layout;
     }
 
@@ -75,27 +72,26 @@ struct Layout {
 /// Objects that no writer of ours makes: odd widths, sets, counts in wide numbers.
 const std::vector<std::string>& oddObjects() {
     using namespace std::string_literals;
-    static const std::vector<std::string> all = {
-        "\x00"s,
-        "\x09",
-        "\x0f",
-        "\x10\xff",
-        "\x11\x80\x00"s,
-        "\x83\x80\1\2\3",
-        "\x87\0\0\0\1\0\0\0\0"s,
-        "\x80\xff",
-        "\x23\x7f\xf8\0\0\0\0\0\1"s,
-        "\x22\x7f\xc0\0\0"s,
-        "\x62\xd8\x3c\xdf\x3f",
-        "\x62\0a\xd8\0"s,
-        "\x53\xc3\xa9x",
-        "\xc1\0"s,
-        "\x5f\x10\2ab",
-        "\x4f\x13\0\0\0\0\0\0\0\1x"s,
-        "\xa1\0"s,
-        "\xd1\0\0"s,
-        "\x14\0\0\0\0\0\0\0\0\x80\0\0\0\0\0\0\0"s,
-        "\x14\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff"s};
+    static const std::vector<std::string> all = {"\x00"s,
+                                                 "\x09",
+                                                 "\x0f",
+                                                 "\x10\xff",
+                                                 "\x11\x80\x00"s,
+                                                 "\x83\x80\1\2\3",
+                                                 "\x87\0\0\0\1\0\0\0\0"s,
+                                                 "\x80\xff",
+                                                 "\x23\x7f\xf8\0\0\0\0\0\1"s,
+                                                 "\x22\x7f\xc0\0\0"s,
+                                                 "\x62\xd8\x3c\xdf\x3f",
+                                                 "\x62\0a\xd8\0"s,
+                                                 "\x53\xc3\xa9x",
+                                                 "\xc1\0"s,
+                                                 "\x5f\x10\2ab",
+                                                 "\x4f\x13\0\0\0\0\0\0\0\1x"s,
+                                                 "\xa1\0"s,
+                                                 "\xd1\0\0"s,
+                                                 "\x14\0\0\0\0\0\0\0\0\x80\0\0\0\0\0\0\0"s,
+                                                 "\x14" + std::string(16, '\xff')};
     return all;
 }
 

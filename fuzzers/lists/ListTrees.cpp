@@ -1,4 +1,4 @@
-#include "fuzzers/lists/ListTrees.h"
+#include "fuzzers/lists/Lists.h"
 
 #include <bit>
 #include <limits>
@@ -10,8 +10,9 @@ namespace {
 using Node = PropertyListNode;
 
 const std::vector<std::string>& texts() {
-    using namespace std::string_literals;
-    static const std::vector<std::string> all = {"",
+    static const std::vector<std::string> all = {std::string(15, 'x'),
+                                                 std::string(300, 'y'),
+                                                 "",
                                                  "a",
                                                  "CF$UID",
                                                  "CFBundleIdentifier",
@@ -28,9 +29,7 @@ const std::vector<std::string>& texts() {
                                                  "caf\xc3\xa9",
                                                  "\xef\xbf\xbd\xef\xbf\xbf",
                                                  "\xf0\x9f\x8c\xbf",
-                                                 "\xe2\x80\xae",
-                                                 std::string(15, 'x'),
-                                                 std::string(300, 'y')};
+                                                 "\xe2\x80\xae"};
     return all;
 }
 
@@ -100,9 +99,8 @@ void removeOne(Node& node, Random& random) {
         entries->erase(entries->begin() + index);
 }
 
-} // namespace
-
-PropertyListNode anyTree(Random& random, int levels) {
+/// A value of any type with a few levels below it.
+Node anyTree(Random& random, int levels = 3) {
     if (levels == 0 || once(3, random))
         return anyScalar(random);
     Node node = once(2, random) ? Node{Node::Array{}} : Node{Node::Dictionary{}};
@@ -111,30 +109,23 @@ PropertyListNode anyTree(Random& random, int levels) {
     return node;
 }
 
+} // namespace
+
 void changeTree(PropertyListNode& root, Random& random) {
     Node* place = &root;
     while (childCount(*place) > 0 && !once(4, random))
         place = &child(*place, below(childCount(*place), random));
-    switch (below(5, random)) {
-    case 0:
-        add(*place, anyTree(random, 1), random);
-        return;
-    case 1:
-        removeOne(*place, random);
-        return;
-    case 2:
-        if (childCount(*place) > 0)
-            add(*place, Node(child(*place, below(childCount(*place), random))), random);
-        return;
-    case 3: {
+    if (once(4, random))
+        return removeOne(*place, random);
+    if (once(3, random)) {
         Node inner = std::move(*place);
         *place = once(2, random) ? Node{Node::Array{}} : Node{Node::Dictionary{}};
-        add(*place, std::move(inner), random);
-        return;
+        return add(*place, std::move(inner), random);
     }
-    default:
+    if (childCount(*place) == 0)
         *place = anyTree(random, 2);
-    }
+    else
+        add(*place, once(2, random) ? anyTree(random, 1) : Node(child(*place, 0)), random);
 }
 
 std::vector<PropertyListNode> sampleTrees() {

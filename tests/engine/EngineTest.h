@@ -31,10 +31,10 @@ protected:
         return device.root() / path.substr(1);
     }
 
-    /// Writes the settings file, in the old-style text form.
+    /// Writes the settings file, in the old-style text form. The name of then never counts.
     void choose(const std::string& settings) const { putFile(settingsPath(), settings); }
     void chooseSource(const std::string& identifier, const std::string& more = "") const {
-        choose("{bundleID = \"" + identifier + "\";" + more + "}");
+        choose("{bundleID = \"" + identifier + "\"; appName = Stored;" + more + "}");
     }
 
     DeviceFolder device;
