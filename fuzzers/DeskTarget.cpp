@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <set>
 
 namespace dubrix::fuzz {
 
@@ -65,12 +66,9 @@ void tryRequests(std::string_view bytes, Random& random) {
 void tryAddress(std::string_view address) {
     if (!mayBeOpened(address))
         return;
-    require(address.size() <= 2048 && std::ranges::all_of(address,
-                                                          [](char byte) {
-                                                              return byte > ' ' && byte < '\x7f' &&
-                                                                     byte != '"' && byte != '\'' &&
-                                                                     byte != '\\' && byte != '`';
-                                                          }),
+    const auto isPlain = [](char byte) { return byte > ' ' && byte < '\x7f'; };
+    require(address.size() <= 2048 && std::ranges::all_of(address, isPlain) &&
+                address.find_first_of("\"'\\`") == address.npos,
             "an address is one plain word");
     std::string scheme(address.substr(0, address.find(':')));
     std::ranges::transform(scheme, scheme.begin(), [](char letter) { return letter | 0x20; });
@@ -128,32 +126,22 @@ Taken picturesIn(std::string_view script, std::string_view pictures, Random* ran
     return taken;
 }
 
-bool asksFor(std::string_view script, const std::string& name) {
-    while (true) {
-        const std::size_t end = script.find('\n');
-        const ScriptLine line = parseScriptLine(script.substr(0, end));
-        if (line.step && line.step->verb == ScriptStep::Verb::Shot && line.step->target == name)
-            return true;
-        if (end == std::string_view::npos)
-            return false;
-        script.remove_prefix(end + 1);
-    }
-}
-
 void tryPictures(std::string_view script, std::string_view pictures, Random& random) {
     const Taken taken = picturesIn(script, pictures, nullptr);
     const Taken again = picturesIn(script, pictures, &random);
     require(taken.answers == again.answers && taken.written.all == again.written.all,
             "pieces make the same pictures");
+    std::set<std::string> asked;
+    eachLine(script, [&asked](std::string_view line) {
+        const ScriptLine read = parseScriptLine(line);
+        if (read.step && read.step->verb == ScriptStep::Verb::Shot)
+            asked.insert(read.step->target);
+    });
     for (const std::string& name : taken.written.names)
-        require(asksFor(script, name) && name.find('\0') == std::string::npos,
+        require(asked.contains(name) && name.find('\0') == name.npos,
                 "what is written stands in the script");
-    require(std::ranges::none_of(taken.answers,
-                                 [](const std::string& answer) {
-                                     return answer.empty() ||
-                                            answer.find('\n') != std::string::npos;
-                                 }),
-            "an answer is one line");
+    for (const std::string& answer : taken.answers)
+        require(!answer.empty() && answer.find('\n') == answer.npos, "an answer is one line");
 }
 
 } // namespace
@@ -163,13 +151,7 @@ void tryInput(std::string_view bytes) {
     tryRequests(bytes, random);
     const std::size_t middle = std::min(bytes.find(separator), bytes.size());
     tryPictures(bytes.substr(0, middle), bytes.substr(std::min(middle + 1, bytes.size())), random);
-    while (true) {
-        const std::size_t end = bytes.find('\n');
-        tryAddress(bytes.substr(0, end));
-        if (end == std::string_view::npos)
-            return;
-        bytes.remove_prefix(end + 1);
-    }
+    eachLine(bytes, tryAddress);
 }
 
 std::vector<std::string> seeds() {
@@ -188,42 +170,11 @@ std::vector<std::string> seeds() {
 }
 
 const std::vector<std::string>& vocabulary() {
-    using namespace std::string_literals;
-    static const std::vector<std::string> words = {"\0"s,
-                                                   "\n",
-                                                   "\x1e",
-                                                   "install\0/"s,
-                                                   "remove\0"s,
-                                                   "export\0"s,
-                                                   "start\0\0"s,
-                                                   "shot ",
-                                                   "shot \"",
-                                                   "a.png\n",
-                                                   "1\n",
-                                                   "536870912\n",
-                                                   "18446744073709551616\n",
-                                                   "https://a",
-                                                   "http://",
-                                                   "mailto:a",
-                                                   "?subject=",
-                                                   "?body=",
-                                                   "&to=",
-                                                   "&attach=",
-                                                   "&cc=",
-                                                   "&",
-                                                   "=",
-                                                   "%61",
-                                                   "%0a",
-                                                   "%0D",
-                                                   "%27",
-                                                   "%5c",
-                                                   "%",
-                                                   "#",
-                                                   "..",
-                                                   "-l",
-                                                   "\\n",
-                                                   "\\\"",
-                                                   "\""};
+    using namespace std::string_view_literals;
+    static const std::vector<std::string> words = wordsOf(
+        "install\0/|remove\0|export\0|start\0\0|\0|\n|\x1e|shot |shot \"|a.png\n|1\n|536870912\n|"
+        "18446744073709551616\n|https://a|http://|mailto:a|?subject=|?body=|&to=|&attach=|"
+        "&cc=|&|=|%61|%0a|%0D|%27|%5c|%|#|..|-l|\\n|\\\"|\""sv);
     return words;
 }
 

@@ -129,11 +129,9 @@ std::vector<std::string> seeds() {
 }
 
 const std::vector<std::string>& vocabulary() {
-    static const std::vector<std::string> words = {
-        "IDAT",     "IHDR",     "PLTE",     "tRNS",     "IEND",     "CgBI",
-        "iDOT",     "gAMA",     "iCCP",     "zTXt",     "bKGD",     "eXIf",
-        "\xff\xd8", "\xff\xc0", "\xff\xc2", "\xff\xc4", "\xff\xda", "\xff\xdb",
-        "\xff\xdd", "\xff\xd9", "\xff\xee", "Adobe",    "\xff\xd0"};
+    static const std::vector<std::string> words =
+        wordsOf("IDAT|IHDR|PLTE|tRNS|IEND|CgBI|iDOT|gAMA|iCCP|zTXt|bKGD|eXIf|\xff\xd8|\xff\xc0|"
+                "\xff\xc2|\xff\xc4|\xff\xda|\xff\xdb|\xff\xdd|\xff\xd9|\xff\xee|Adobe|\xff\xd0");
     return words;
 }
 

@@ -21,26 +21,19 @@ void changeOnce(std::string& bytes, Random& random) {
     const std::size_t length = std::min(1 + below(longest, random), bytes.size() - at);
     switch (below(6, random)) {
     case 0:
-        bytes.insert(at, anyOf(vocabulary(), random));
-        return;
+        return void(bytes.insert(at, anyOf(vocabulary(), random)));
     case 1:
-        bytes.erase(at, length);
-        return;
+        return void(bytes.erase(at, length));
     case 2:
-        bytes.insert(below(bytes.size() + 1, random), bytes.substr(at, length));
-        return;
+        return void(bytes.insert(below(bytes.size() + 1, random), bytes.substr(at, length)));
     case 3:
-        bytes.insert(at, 1, static_cast<char>(random()));
-        return;
+        return void(bytes.insert(at, 1, static_cast<char>(random())));
+    case 4:
+        return overwriteNumber(bytes, at, random);
     default:
-        break;
+        if (at < bytes.size())
+            bytes[at] = static_cast<char>(bytes[at] ^ (1U << below(8, random)));
     }
-    if (at == bytes.size())
-        return;
-    if (once(2, random))
-        bytes[at] = static_cast<char>(bytes[at] ^ (1U << below(8, random)));
-    else
-        overwriteNumber(bytes, at, random);
 }
 
 } // namespace
@@ -71,6 +64,16 @@ std::string withChangedBytes(std::string bytes, Random& random) {
     for (std::size_t changes = 1 + below(4, random); changes > 0; --changes)
         changeOnce(bytes, random);
     return bytes;
+}
+
+std::vector<std::string> wordsOf(std::string_view text) {
+    std::vector<std::string> words(1);
+    for (const char byte : text)
+        if (byte == '|')
+            words.emplace_back();
+        else
+            words.back() += byte;
+    return words;
 }
 
 std::string withMovedPieces(std::string_view bytes, std::string_view ends, Random& random) {

@@ -74,13 +74,7 @@ std::string readFromFile(std::string_view bytes) {
 void tryInput(std::string_view bytes) {
     require(readFromFile(bytes) == bytes, "the lines are the script");
     tryLine("type \"a field\" " + quoted(std::string(bytes)));
-    while (true) {
-        const std::size_t end = bytes.find('\n');
-        tryLine(std::string(bytes.substr(0, end)));
-        if (end == std::string_view::npos)
-            return;
-        bytes.remove_prefix(end + 1);
-    }
+    eachLine(bytes, [](std::string_view line) { tryLine(std::string(line)); });
 }
 
 std::vector<std::string> seeds() {

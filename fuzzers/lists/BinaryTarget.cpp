@@ -1,6 +1,7 @@
 #include "fuzzers/lists/Lists.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace dubrix::fuzz {
 
@@ -71,27 +72,14 @@ struct Layout {
 
 /// Objects that no writer of ours makes: odd widths, sets, counts in wide numbers.
 const std::vector<std::string>& oddObjects() {
-    using namespace std::string_literals;
-    static const std::vector<std::string> all = {"\x00"s,
-                                                 "\x09",
-                                                 "\x0f",
-                                                 "\x10\xff",
-                                                 "\x11\x80\x00"s,
-                                                 "\x83\x80\1\2\3",
-                                                 "\x87\0\0\0\1\0\0\0\0"s,
-                                                 "\x80\xff",
-                                                 "\x23\x7f\xf8\0\0\0\0\0\1"s,
-                                                 "\x22\x7f\xc0\0\0"s,
-                                                 "\x62\xd8\x3c\xdf\x3f",
-                                                 "\x62\0a\xd8\0"s,
-                                                 "\x53\xc3\xa9x",
-                                                 "\xc1\0"s,
-                                                 "\x5f\x10\2ab",
-                                                 "\x4f\x13\0\0\0\0\0\0\0\1x"s,
-                                                 "\xa1\0"s,
-                                                 "\xd1\0\0"s,
-                                                 "\x14\0\0\0\0\0\0\0\0\x80\0\0\0\0\0\0\0"s,
-                                                 "\x14" + std::string(16, '\xff')};
+    using namespace std::string_view_literals;
+    static const std::vector<std::string> all =
+        wordsOf("\x00|\x09|\x0f|\x10\xff|\x11\x80\x00|\x83\x80\1\2\3|\x87\0\0\0\1\0\0\0\0|\x80\xff|"
+                "\x23\x7f\xf8\0\0\0\0\0\1|\x22\x7f\xc0\0\0|\x62\xd8\x3c\xdf\x3f|\x62\0a\xd8\0|"
+                "\x53\xc3\xa9x|"
+                "\xc1\0|\x5f\x10\2ab|\x4f\x13\0\0\0\0\0\0\0\1x|\xa1\0|\xd1\0\0|"
+                "\x14\0\0\0\0\0\0\0\0\x80\0\0\0\0\0\0\0|"
+                "\x14\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff"sv);
     return all;
 }
 
@@ -100,20 +88,17 @@ void change(Layout& layout, Random& random) {
     switch (below(5, random)) {
     case 0:
         object = anyOf(oddObjects(), random);
-        return;
+        break;
     case 1:
         object = withChangedBytes(object, random);
-        return;
+        break;
     case 2: // any reference to any object: shared, cyclic or of the wrong type
         if (object.size() > 1)
             object[1 + below(object.size() - 1, random)] =
                 static_cast<char>(below(layout.objects.size() + 1, random));
-        return;
-    case 3:
-        std::swap(object, anyOf(layout.objects, random));
-        return;
+        break;
     default:
-        layout.objects.push_back(anyOf(oddObjects(), random));
+        layout.objects.push_back(std::exchange(object, anyOf(oddObjects(), random)));
     }
 }
 

@@ -10,26 +10,11 @@ namespace {
 using Node = PropertyListNode;
 
 const std::vector<std::string>& texts() {
-    static const std::vector<std::string> all = {std::string(15, 'x'),
-                                                 std::string(300, 'y'),
-                                                 "",
-                                                 "a",
-                                                 "CF$UID",
-                                                 "CFBundleIdentifier",
-                                                 "two words",
-                                                 "0x1F",
-                                                 "-",
-                                                 "1e400",
-                                                 "<null>",
-                                                 "\"quoted\\\"",
-                                                 "tab\tline\nreturn\r",
-                                                 "\x01\x7f",
-                                                 "]]>&lt;",
-                                                 "/* no comment */",
-                                                 "caf\xc3\xa9",
-                                                 "\xef\xbf\xbd\xef\xbf\xbf",
-                                                 "\xf0\x9f\x8c\xbf",
-                                                 "\xe2\x80\xae"};
+    static const std::vector<std::string> all =
+        wordsOf("|a|CF$UID|CFBundleIdentifier|two words|0x1F|-|1e400|<null>|\"quoted\\\"|"
+                "tab\tline\nreturn\r|\x01\x7f|]]>&lt;|/* no comment */|caf\xc3\xa9|"
+                "\xef\xbf\xbd\xef\xbf\xbf|\xf0\x9f\x8c\xbf|\xe2\x80\xae|xxxxxxxxxxxxxxx|" +
+                std::string(300, 'y'));
     return all;
 }
 
