@@ -11,24 +11,19 @@ using Application = ScriptedCatalogue::Application;
 /// The source and its hundred numbers.
 using State = std::vector<Application>;
 
-std::string orNull(const Text& text) {
-    return text.value_or("(null)");
-}
-
 bool isCurrent(const State& state, const Application& application) {
     return application.version && application.version == state[0].version;
 }
 
 std::string cloning(const State& state, int number) {
-    return "Cloning " + orNull(state[0].name) + " " + std::to_string(number) +
-           "\nPlease wait...\n\n";
+    return stringWithFormat("Cloning %@ %d\nPlease wait...\n\n", state[0].name, number);
 }
 
 std::string offer(const State& state, int number) {
     const Application& duplicate = state.at(static_cast<std::size_t>(number));
-    return "Dubrix|An update for " + orNull(state[0].name) + " " + std::to_string(number) +
-           " is available.\nWould you like to update " + orNull(duplicate.name) + " to version " +
-           orNull(duplicate.version) + "?|Update|New duplicate|Cancel";
+    return stringWithFormat("Dubrix|An update for %@ %d is available.\nWould you like to update %@ "
+                            "to version %@?|Update|New duplicate|Cancel",
+                            state[0].name, number, duplicate.name, duplicate.version);
 }
 
 /// What the user sees of a walk: it ends at the first number without a current version.
@@ -36,10 +31,10 @@ std::string walkFrom(const State& state, std::size_t start) {
     for (std::size_t number = start; number <= 100; ++number)
         if (!isCurrent(state, state[number]))
             return (state[number].isRegistered ? offer : cloning)(state, static_cast<int>(number));
-    return start <= 100 && state[100].isRegistered
-               ? "OH MY GOD!|You have already created 100 versions of " + orNull(state[0].name) +
-                     "!|Ok"
-               : "";
+    if (start > 100 || !state[100].isRegistered)
+        return "";
+    return stringWithFormat("OH MY GOD!|You have already created 100 versions of %@!|Ok",
+                            state[0].name);
 }
 
 struct Census {
@@ -48,34 +43,38 @@ struct Census {
             return duplicate.isRegistered && !isCurrent(state, duplicate);
         };
         const auto begin = state.begin() + 1;
-        const auto runEnd =
+        const auto end =
             std::find_if_not(begin, state.end(), std::mem_fn(&Application::isRegistered));
-        run = (runEnd - begin) % 100;
-        stale = std::count_if(begin, runEnd, isStale);
-        firstStale = std::find_if(begin, state.end(), isStale) - state.begin();
+        run = static_cast<int>(end - begin) % 100;
+        stale = static_cast<int>(std::count_if(begin, end, isStale));
+        first = static_cast<int>(std::find_if(begin, state.end(), isStale) - state.begin());
     }
-    long run, stale, firstStale;
+    int run, stale, first;
 };
+
+/// An absent title is another one than that which reads so.
+std::string titleOf(const State& state) {
+    return state[0].name.value_or("(absent)");
+}
 
 std::string updateAlert(const State& state) {
     const Census census(state);
-    const std::string title = state[0].name.value_or("(absent)") + "|";
     if (census.run == 0 && census.stale == 0)
-        return title + "No duplicates for this app|Ok";
-    const std::string head = title + "App version: " + orNull(state[0].version) +
-                             "\nDuplicates: " + std::to_string(census.run) + "\n\n";
+        return titleOf(state) + "|No duplicates for this app|Ok";
+    const std::string head = stringWithFormat("%@|App version: %@\nDuplicates: %d\n\n",
+                                              titleOf(state), state[0].version, census.run);
     if (census.stale == 0)
         return head + "All duplicates are up to date|Ok";
-    return head + "You have " + std::to_string(census.stale) +
-           " app(s) that need update!\n\nWould you like to start updating " +
-           orNull(state.at(static_cast<std::size_t>(census.firstStale)).name) + " ? (" +
-           orNull(state[0].name) + " " + std::to_string(census.firstStale) + ")|Cancel|Update";
+    return head +
+           stringWithFormat("You have %d app(s) that need update!\n\nWould you like to start "
+                            "updating %@ ? (%@ %d)|Cancel|Update",
+                            census.stale, state.at(static_cast<std::size_t>(census.first)).name,
+                            state[0].name, census.first);
 }
 
-std::string question(const State& state, const std::string& size) {
-    return state[0].name.value_or("(absent)") + "|App size: " + size +
-           "\nApp version: " + orNull(state[0].version) +
-           "\nDuplicates: " + std::to_string(Census(state).run) + "|Cancel|Duplicate";
+std::string question(const State& state) {
+    return stringWithFormat("%@|App size: (null)\nApp version: %@\nDuplicates: %d|Cancel|Duplicate",
+                            titleOf(state), state[0].version, Census(state).run);
 }
 
 /// How often each kind of duplicate comes differs from state to state, so that long runs, gaps and
@@ -154,8 +153,7 @@ TEST_F(FlowTest, FollowsThePlainRulesInAnyState) {
         engine.DuplicateStartAt(static_cast<int>(start));
         ASSERT_EQ(outcome(), expected) << "round " << round << " from " << start;
         ASSERT_EQ(shownBy(&CloneEngine::showUpdateAlert), updateAlert(state)) << "round " << round;
-        ASSERT_EQ(shownBy(&CloneEngine::showDuplicateAlert), question(state, "(null)"))
-            << "round " << round;
+        ASSERT_EQ(shownBy(&CloneEngine::showDuplicateAlert), question(state)) << "round " << round;
     }
     EXPECT_EQ(kinds.size(), 4U) << "every outcome must have occurred";
 }

@@ -1,4 +1,5 @@
 #include "tests/engine/EngineTest.h"
+#include "tests/formats/ImageFiles.h"
 
 namespace dubrix {
 
@@ -71,7 +72,7 @@ TEST_F(IconTintTest, FindsTheVariantsOfEachListedName) {
 }
 
 TEST_F(IconTintTest, TheColorIsReadForEachImage) {
-    chooseSource("com.example.app", "Red = \"0.1\"; Blue = 1;");
+    chooseSource("com.example.app", "Red = \"0.1\"; Green = \"0.5\";");
     filter.afterwards = [this] {
         if (filter.colors.size() == 2)
             chooseSource("com.example.app");
@@ -79,8 +80,8 @@ TEST_F(IconTintTest, TheColorIsReadForEachImage) {
     stage("{CFBundleIconFiles = (A, B);}", {"A", "B.png"});
     putFile(bundle / "B@3x", "no image");
     engine.colorIcons();
-    EXPECT_EQ(filter.colors,
-              (std::vector<std::vector<float>>{{0.1F, 0, 1}, {0.1F, 0, 1}, {0, 0, 0}, {0, 0, 0}}));
+    EXPECT_EQ(filter.colors, (std::vector<std::vector<float>>{
+                                 {0.1F, 0.5F, 0}, {0.1F, 0.5F, 0}, {0, 0, 0}, {0, 0, 0}}));
     EXPECT_EQ(logged(), Names{"Nothing to write"});
     EXPECT_EQ(contentsOf(bundle / "B@3x"), "no image");
     filter.afterwards = [this] { fs::remove_all(bundle); };
@@ -114,7 +115,7 @@ TEST_F(IconTintTest, EveryWayOfMentioningAFileGivesTheSameBytes) {
     others.monochrome = nullptr;
     LoadedEngine withFilter(posix.ports(others), alerts);
     chooseSource("com.example.app", "Red = \"0.8\"; Green = \"0.2\"; Blue = \"0.4\";");
-    const std::string png = contentsOf(SOURCE_ROOT "/resources/PreferencesButton_7@2x.png");
+    const std::string png = pngOf(samplePixels(64), 8);
     const std::string once = posix.monochrome.monochromePng(png, 0.8F, 0.2F, 0.4F).value_or("");
     for (const std::string list :
          {"(Icon)", "(\"Icon@2x.png\")", "(\"Icon@2x.png\", Icon, \"Icon@2x\", Icon)"}) {

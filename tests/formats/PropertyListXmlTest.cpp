@@ -140,54 +140,32 @@ TEST(XmlPropertyList, ReadsTheEncodingThatADocumentDeclares) {
 }
 
 TEST(XmlPropertyList, RefusesWhatIsDamaged) {
-    const std::string values[] = {"",
-                                  "<string>a</string><string>b</string>",
-                                  "<string>a</strong>",
-                                  "<string><b>a</b></string>",
-                                  "<dict><key>a</key></dict>",
-                                  "<dict><string>a</string><string>b</string></dict>",
-                                  "<dict><key>a</key><key>b</key></dict>",
-                                  "<array><string>a</string></dict>",
-                                  "<array>stray<string>a</string></array>",
-                                  "<array><key>a</key></array>",
-                                  "<true>yes</true>",
-                                  "<set/>",
-                                  "<null/>",
-                                  "<integer/>",
-                                  "<integer>12x</integer>",
-                                  "<integer>18446744073709551616</integer>",
-                                  "<integer>-9223372036854775809</integer>",
-                                  "<real>1,5</real>",
-                                  "<real>1e999</real>",
-                                  "<real>--1</real>",
-                                  "<date>2004-13-01T00:00:00Z</date>",
-                                  "<date>2004-00-01T00:00:00Z</date>",
-                                  "<date>2004-01-32T00:00:00Z</date>",
-                                  "<date>2004-01-00T00:00:00Z</date>",
-                                  "<date>2004-01-01T24:00:00Z</date>",
-                                  "<date>2004-01-01T00:60:00Z</date>",
-                                  "<date>2004-01-01T00:00:60Z</date>",
-                                  "<date>0000-01-01T00:00:00Z</date>",
-                                  "<date>2004-01-01T00:00:00</date>",
-                                  "<date>20040-01-01T00:00:00Z</date>",
-                                  "<date></date>",
-                                  "<data>A</data>",
-                                  "<data>A*==</data>",
-                                  "<data>AQ==AQ==</data>",
-                                  "<data>AQ=</data>",
-                                  "<data>AQ===</data>",
-                                  "<string>&unknown;</string>",
-                                  "<string>&#0;</string>",
-                                  "<string>&#xD800;</string>",
-                                  "<string>&#x110000;</string>",
-                                  "<string>a & b</string>",
-                                  "<string>\xC3(</string>",
-                                  "<string>a\0b</string>"s,
-                                  "<string><![CDATA[a\0b]]></string>"s,
-                                  "<string a=b>a</string>",
-                                  "<string a='b'c='d'>a</string>",
-                                  "<string a>b</string>"};
-    for (const std::string& value : values)
+    const std::pair<std::string, std::vector<std::string_view>> scalars[] = {
+        {"true", {"yes"}},
+        {"set", {""}},
+        {"null", {""}},
+        {"integer", {"", "12x", "18446744073709551616", "-9223372036854775809"}},
+        {"real", {"1,5", "1e999", "--1"}},
+        {"date",
+         {"", "2004-13-01T00:00:00Z", "2004-00-01T00:00:00Z", "2004-01-32T00:00:00Z",
+          "2004-01-00T00:00:00Z", "2004-01-01T24:00:00Z", "2004-01-01T00:60:00Z",
+          "2004-01-01T00:00:60Z", "0000-01-01T00:00:00Z", "2004-01-01T00:00:00",
+          "20040-01-01T00:00:00Z"}},
+        {"data", {"A", "A*==", "AQ==AQ==", "AQ=", "AQ==="}},
+        {"string",
+         {"&unknown;", "&#0;", "&#xD800;", "&#x110000;", "a & b", "\xC3(", "a</strong>", "<b>a</b>",
+          "a</string><string>b", std::string_view("a\0b", 3),
+          std::string_view("<![CDATA[a\0b]]>", 15)}}};
+    for (const auto& [name, texts] : scalars)
+        for (const std::string_view text : texts)
+            EXPECT_FALSE(PropertyList::parse(
+                document("<" + name + ">" + std::string(text) + "</" + name + ">")))
+                << name << text;
+    for (const char* const value :
+         {"", "<dict><key>a</key></dict>", "<dict><string>a</string><string>b</string></dict>",
+          "<dict><key>a</key><key>b</key></dict>", "<array><string>a</string></dict>",
+          "<array>stray<string>a</string></array>", "<array><key>a</key></array>",
+          "<string a=b>a</string>", "<string a='b'c='d'>a</string>", "<string a>b</string>"})
         EXPECT_FALSE(PropertyList::parse(document(value))) << value;
     for (const char* const input :
          {"", " \n", "\xEF\xBB\xBF", "<?xml version=\"1.0\"?>", "<!DOCTYPE plist [", "<!-- -",
