@@ -139,7 +139,7 @@ TEST(OldStyleText, ReadsEveryKindOfValue) {
                   "</array><key>bytes</key><data>D713HCc1rg==</data><key>none</key><data/>"
                   "<key>path</key><string>/usr/bin</string></dict>"));
     const auto table =
-        PropertyList::parse("/* Title */\n\"Title\" = \"Größe\";\nalone;\nTitle = again;\n");
+        PropertyList::parse("/* Title *//**/\n\"Title\" = \"Größe\";\nalone;\nTitle = again;\n");
     ASSERT_TRUE(table);
     EXPECT_EQ(table, PropertyList::parse("{alone = alone; Title = \"Größe\";}"));
 }

@@ -189,6 +189,7 @@ TEST(XmlPropertyList, DictionariesHaveSpecialKeys) {
             "<dict><key>a</key><true/><key>b</key><true/>" + others +
             "<key>a</key><false/><key>a</key><string>c</string><key>b</key><false/></dict>");
         ASSERT_TRUE(list);
+        EXPECT_EQ(PropertyList::parse(list->binary()), list);
         EXPECT_EQ(list, PropertyList::parse("<dict>" + others +
                                             "<key>b</key><true/><key>a</key><true/></dict>"));
     }

@@ -40,6 +40,7 @@ public:
     // What became of it.
     int calls = 0;
     std::map<Piece, Drawn> pieces;
+    std::vector<Piece> removed;
     std::optional<std::string> text, image;
     bool spinning = false;
     std::pair<Font, Size> measuredBy;
@@ -88,6 +89,7 @@ public:
     void addToPiece(Piece piece, Piece parent) override { touched(piece).parent = parent; }
     void removeFromParent(Piece piece) override {
         touched(piece);
+        removed.push_back(piece);
         std::erase_if(pieces, [piece](const auto& other) {
             return other.first == piece || other.second.parent == Parent(piece);
         });

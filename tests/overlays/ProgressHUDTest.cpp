@@ -86,6 +86,7 @@ TEST_F(ProgressHUDTest, EachShowSaysItsOwn) {
         EXPECT_EQ(stage.shows(), !image);
         stage.advance(0.01);
         EXPECT_TRUE(stage.pieces.empty() && stage.handlers.empty());
+        EXPECT_EQ(std::exchange(stage.removed, {}).size(), interaction ? 4U : 5U);
     }
 }
 

@@ -92,7 +92,7 @@ struct Staged {
         return names;
     }
 
-    const std::string image = pngOf(samplePixels(21 * 11), 21);
+    const std::string image = SamplePng({PNG_COLOR_TYPE_RGB, 8, false, false}).bytes();
     DeviceFolder device;
     RealEngine real{device.root(), ""};
     fs::path bundle;

@@ -19,7 +19,7 @@ std::filesystem::path ProofDevice::sourceArchive(const std::string& version) con
     for (const char* name : {"Icon", "art/Badge"})
         icons.append(PropertyList::string(name));
     info.setValueForKey("CFBundleIconFiles", icons);
-    const std::string icon = pngOf(samplePixels(21 * 11), 21);
+    const std::string icon = SamplePng({PNG_COLOR_TYPE_RGB_ALPHA, 8, false, false}).bytes();
     std::vector<ZipItem> items;
     for (const char* name : {"Icon.png", "Icon@2x.png", "art/Badge.png"})
         items.push_back({"Payload/X.app/" + std::string(name), icon});

@@ -2,7 +2,7 @@
 
 #include "engine/DXShared.h"
 #include "tests/device/DeviceFolder.h"
-#include "tests/formats/ImageFiles.h"
+#include "tests/platform/SamplePng.h"
 #include "tests/proof/ProcessGroup.h"
 
 #include <sys/prctl.h>
