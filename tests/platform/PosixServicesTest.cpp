@@ -120,7 +120,6 @@ TEST(PosixApplications, AnswersAreOfThisMoment) {
     const PosixApplicationWorkspace workspace(device.root());
     const auto value = [&list](const char* key) { return list.valueForKey(key, "com.example.a"); };
     EXPECT_FALSE(value("path") || workspace.applicationIsInstalled("com.example.a"));
-
     ASSERT_TRUE(device.installer().install(device.application("com.example.a", "1.0 beta")));
     EXPECT_TRUE(workspace.applicationIsInstalled("com.example.a"));
     EXPECT_FALSE(workspace.applicationIsInstalled("com.example.A"));
@@ -128,7 +127,6 @@ TEST(PosixApplications, AnswersAreOfThisMoment) {
     EXPECT_EQ(value("displayName"), "X");
     EXPECT_EQ(value("bundleVersion"), "1.0 beta");
     EXPECT_EQ(value("CFBundleIdentifier"), std::nullopt);
-
     putFile(device.installed("com.example.a", "Info.plist"),
             "<dict><key>CFBundleVersion</key><integer>2</integer><key>CFBundleDisplayName</key>"
             "<string/></dict>");

@@ -6,27 +6,20 @@
 #include <QCoreApplication>
 #include <QMouseEvent>
 #include <QRasterWindow>
-#include <QSemaphore>
 #include <QTimer>
+#include <future>
 #include <qpa/qwindowsysteminterface.h>
 #include <sys/stat.h>
 #include <thread>
 
 namespace dubrix {
 
-namespace {
-
-class TapCounter final : public QRasterWindow {
-public:
-    int taps = 0;
-    int frames = 0;
-
-protected:
+struct TapCounter final : QRasterWindow {
     void mousePressEvent(QMouseEvent*) override { ++taps; }
     void paintEvent(QPaintEvent*) override { ++frames; }
-};
 
-} // namespace
+    int taps = 0, frames = 0;
+};
 
 TEST(PaintingPlatform, TheEventLoopGoesOnMeanwhile) {
     const TemporaryFolder folder;
@@ -72,34 +65,28 @@ TEST(PaintingPlatform, FramesComeAndTapsAreKeptForLater) {
     window.show();
     QCoreApplication::processEvents();
 
-    QSemaphore painted;
-    const int framesBefore = window.frames;
+    std::promise<void> painted;
     QTimer again;
-    QObject::connect(&again, &QTimer::timeout, &window, [&window, &painted, framesBefore] {
+    QObject::connect(&again, &QTimer::timeout, &window, [&, before = window.frames] {
         window.update();
-        if (window.frames > framesBefore + 1)
-            painted.release();
+        if (window.frames > before + 1) {
+            again.stop();
+            painted.set_value();
+        }
     });
     again.start();
     QWindowSystemInterface::handleMouseEvent(&window, {50, 50}, {50, 50}, Qt::LeftButton,
                                              Qt::LeftButton, QEvent::MouseButtonPress);
-    std::thread::id worker;
-    waitWhilePainting([&painted, &worker] {
-        worker = std::this_thread::get_id();
-        painted.acquire(); // ends only when frames were painted meanwhile
-    });
-    EXPECT_NE(worker, std::this_thread::get_id());
+    // Ends only when frames were painted meanwhile.
+    waitWhilePainting([&painted] { painted.get_future().wait(); });
     EXPECT_EQ(window.taps, 0);
     QCoreApplication::processEvents();
     EXPECT_EQ(window.taps, 1);
-
     // Elsewhere than on the main thread there is nothing to keep painting.
-    std::thread other([] {
-        std::thread::id inner;
-        waitWhilePainting([&inner] { inner = std::this_thread::get_id(); });
-        EXPECT_EQ(inner, std::this_thread::get_id());
-    });
-    other.join();
+    std::thread([] {
+        const auto outer = std::this_thread::get_id();
+        waitWhilePainting([outer] { EXPECT_EQ(std::this_thread::get_id(), outer); });
+    }).join();
 }
 
 } // namespace dubrix
