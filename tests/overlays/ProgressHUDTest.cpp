@@ -5,6 +5,7 @@
 #include <fstream>
 #include <future>
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 namespace dubrix {
 
@@ -264,10 +265,15 @@ TEST_F(ProgressHUDTest, AfterWithdrawalNothingTouchesTheStage) {
 /// A stage whose threads are real and sleep longer than any test.
 struct ThreadedStage : FakeStage {
     void runOnNewThread(Work work) override { EXPECT_TRUE(workers.start(std::move(work))); }
-    bool sleep(double seconds) override { return workers.sleep(3600 * seconds); }
+    bool sleep(double seconds) override {
+        const bool slept = workers.sleep(3600 * seconds);
+        ++woken;
+        return slept;
+    }
     void runOnMainThread(Work) override { ADD_FAILURE() << "a cancelled thread must not go on"; }
     void cancelThreads() override { workers.cancelAll(); }
 
+    std::atomic<int> woken = 0;
     TimedWorkers workers;
 };
 
@@ -277,7 +283,19 @@ TEST(TimedWorkers, WithdrawalEndsSleepingHidesAtOnce) {
     for (std::size_t length = 0; length < 16; ++length)
         ProgressHUD::showSuccess(std::string(length, 'x'));
     ProgressHUD::withdrawStage();
+    EXPECT_EQ(stage.woken, 16);
     EXPECT_FALSE(stage.shows());
+}
+
+TEST(TimedWorkers, WithoutAThreadNothingIsDone) {
+    pthread_attr_t usual, endless;
+    ASSERT_EQ(::pthread_getattr_default_np(&usual) + ::pthread_getattr_default_np(&endless), 0);
+    ASSERT_EQ(::pthread_attr_setstacksize(&endless, std::size_t{1} << 50), 0);
+    TimedWorkers workers;
+    ASSERT_EQ(::pthread_setattr_default_np(&endless), 0);
+    EXPECT_FALSE(workers.start([] { ADD_FAILURE() << "no system has room for that stack"; }));
+    ASSERT_EQ(::pthread_setattr_default_np(&usual), 0);
+    EXPECT_TRUE(workers.start([] {}));
 }
 
 TEST(TimedWorkers, CancellingWakesEverySleeperAndLetsNewOnesStart) {
