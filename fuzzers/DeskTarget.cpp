@@ -90,7 +90,7 @@ void tryAddress(std::string_view address) {
     }
 }
 
-struct Written final : PictureWriter {
+struct Taken final : PictureWriter {
     std::string begin(const std::string& name) override {
         all += name;
         names.push_back(name);
@@ -99,14 +99,9 @@ struct Written final : PictureWriter {
     void write(std::string_view bytes) override { all += bytes; }
     std::string end() override { return ++ended % 5 == 0 ? "full" : ""; }
 
+    std::vector<std::string> answers{}, names{};
     std::string all{};
-    std::vector<std::string> names{};
     int ended = 0;
-};
-
-struct Taken {
-    std::vector<std::string> answers{};
-    Written written{};
 };
 
 Taken picturesIn(std::string_view script, std::string_view pictures, Random* random) {
@@ -118,7 +113,7 @@ Taken picturesIn(std::string_view script, std::string_view pictures, Random* ran
                 "a script is bounded");
     });
     names.finish();
-    PictureReader reader(names, taken.written);
+    PictureReader reader(names, taken);
     feed(pictures, random, [&](std::string_view piece) {
         std::ranges::move(reader.read(piece), std::back_inserter(taken.answers));
         require(reader.held() <= 2 * PictureReader::longestName, "a picture's head is short");
@@ -129,7 +124,7 @@ Taken picturesIn(std::string_view script, std::string_view pictures, Random* ran
 void tryPictures(std::string_view script, std::string_view pictures, Random& random) {
     const Taken taken = picturesIn(script, pictures, nullptr);
     const Taken again = picturesIn(script, pictures, &random);
-    require(taken.answers == again.answers && taken.written.all == again.written.all,
+    require(taken.answers == again.answers && taken.all == again.all,
             "pieces make the same pictures");
     std::set<std::string> asked;
     eachLine(script, [&asked](std::string_view line) {
@@ -137,7 +132,7 @@ void tryPictures(std::string_view script, std::string_view pictures, Random& ran
         if (read.step && read.step->verb == ScriptStep::Verb::Shot)
             asked.insert(read.step->target);
     });
-    for (const std::string& name : taken.written.names)
+    for (const std::string& name : taken.names)
         require(asked.contains(name) && name.find('\0') == name.npos,
                 "what is written stands in the script");
     for (const std::string& answer : taken.answers)

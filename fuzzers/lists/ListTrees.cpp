@@ -50,18 +50,6 @@ Node anyScalar(Random& random) {
     }
 }
 
-std::size_t childCount(const Node& node) {
-    if (const auto* values = node.as<Node::Array>())
-        return values->size();
-    const auto* entries = node.as<Node::Dictionary>();
-    return entries == nullptr ? 0 : entries->size();
-}
-
-Node& child(Node& node, std::size_t index) {
-    auto* values = node.as<Node::Array>();
-    return values != nullptr ? (*values)[index] : (*node.as<Node::Dictionary>())[index].value;
-}
-
 /// Adds to a container; a key that is there already stays as it is.
 void add(Node& node, Node value, Random& random) {
     if (auto* values = node.as<Node::Array>()) {
@@ -76,14 +64,6 @@ void add(Node& node, Node value, Random& random) {
     }
 }
 
-void removeOne(Node& node, Random& random) {
-    const auto index = static_cast<long>(below(childCount(node), random));
-    if (auto* values = node.as<Node::Array>(); values != nullptr && !values->empty())
-        values->erase(values->begin() + index);
-    if (auto* entries = node.as<Node::Dictionary>(); entries != nullptr && !entries->empty())
-        entries->erase(entries->begin() + index);
-}
-
 /// A value of any type with a few levels below it.
 Node anyTree(Random& random, int levels = 3) {
     if (levels == 0 || once(3, random))
@@ -94,23 +74,34 @@ Node anyTree(Random& random, int levels = 3) {
     return node;
 }
 
+void collect(Node& node, std::vector<Node*>& all) {
+    all.push_back(&node);
+    if (auto* values = node.as<Node::Array>())
+        for (Node& value : *values)
+            collect(value, all);
+    if (auto* entries = node.as<Node::Dictionary>())
+        for (Node::Entry& entry : *entries)
+            collect(entry.value, all);
+}
+
 } // namespace
 
 void changeTree(PropertyListNode& root, Random& random) {
-    Node* place = &root;
-    while (childCount(*place) > 0 && !once(4, random))
-        place = &child(*place, below(childCount(*place), random));
-    if (once(4, random))
-        return removeOne(*place, random);
-    if (once(3, random)) {
-        Node inner = std::move(*place);
-        *place = once(2, random) ? Node{Node::Array{}} : Node{Node::Dictionary{}};
-        return add(*place, std::move(inner), random);
+    std::vector<Node*> all;
+    collect(root, all);
+    Node& place = *anyOf(all, random);
+    Node other = *anyOf(all, random);
+    if (auto* values = place.as<Node::Array>(); values && !values->empty() && once(4, random))
+        values->pop_back();
+    else if (once(3, random))
+        place = once(2, random) ? std::move(other) : anyTree(random, 2);
+    else if (once(2, random))
+        add(place, once(2, random) ? std::move(other) : anyTree(random, 1), random);
+    else {
+        Node outer = once(2, random) ? Node{Node::Array{}} : Node{Node::Dictionary{}};
+        std::swap(outer, place);
+        add(place, std::move(outer), random);
     }
-    if (childCount(*place) == 0)
-        *place = anyTree(random, 2);
-    else
-        add(*place, once(2, random) ? anyTree(random, 1) : Node(child(*place, 0)), random);
 }
 
 std::vector<PropertyListNode> sampleTrees() {
