@@ -18,6 +18,9 @@ public:
         al = &given.applications;
     }
     void unload() { al = nullptr; }
+    void workingChanged(bool works) override { changes.push_back(works); }
+
+    std::vector<bool> changes; ///< of whether it works
 };
 
 /// An engine over a scripted catalogue and the real files of a temporary device.

@@ -240,7 +240,9 @@ TEST_F(FlowTest, NothingBeginsInsideARun) {
         engine.duplicateAppWithNumber("2");
         engine.installerCheck();
     };
+    alerts.presenting = [this] { EXPECT_EQ(engine.changes.back(), true); };
     engine.DuplicateStartAt(3);
+    EXPECT_EQ(engine.changes, (std::vector<bool>{true, false}));
     EXPECT_EQ(alerts.progress.size(), 1U);
     EXPECT_EQ(alerts.shown(), "");
     EXPECT_EQ(entriesOf(journal, "run").size(), 3U);

@@ -6,10 +6,10 @@ namespace dubrix {
 struct PackageHost final : Downloader {
     Text dataWithContentsOfURL(const std::string& address) override {
         addresses.push_back(address);
-        return package;
+        return packages.at(addresses.size() - 1);
     }
     std::vector<std::string> addresses;
-    Text package;
+    std::vector<Text> packages; ///< one an attempt
 };
 
 TEST_F(EngineTest, InstallsItsToolWhenItIsMissing) {
@@ -26,22 +26,23 @@ TEST_F(EngineTest, InstallsItsToolWhenItIsMissing) {
     const struct {
         const char* what;
         bool isPresent;
-        Text downloaded;
+        std::vector<Text> downloaded;
         const char* left; ///< of an earlier run
         std::size_t attempts;
         const char* packageAfter;
     } cases[] = {
-        {"present", true, "whole", "", 0, ""},
-        {"missing", false, "whole", "", 1, "whole"},
-        {"new package in place of the old", false, "whole", "old", 1, "whole"},
-        {"no package at all", false, std::nullopt, "", 2, ""},
-        {"useless package left", false, std::nullopt, "broken", 2, "broken"},
-        {"package left", false, std::nullopt, "whole", 1, "whole"},
+        {"present", true, {}, "", 0, ""},
+        {"missing", false, {"whole"}, "", 1, "whole"},
+        {"new package in place of the old", false, {"whole"}, "old", 1, "whole"},
+        {"no package at all", false, {{}, {}}, "", 2, ""},
+        {"useless package left", false, {{}, {}}, "broken", 2, "broken"},
+        {"package left", false, {{}}, "whole", 1, "whole"},
+        {"package at the second attempt", false, {{}, "whole"}, "", 2, "whole"},
     };
     for (const auto& expected : cases) {
         journal.clear();
         host.addresses.clear();
-        host.package = expected.downloaded;
+        host.packages = expected.downloaded;
         std::filesystem::remove(tool);
         if (expected.isPresent)
             putFile(tool, "the tool");
