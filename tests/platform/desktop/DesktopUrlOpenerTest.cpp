@@ -32,7 +32,7 @@ TEST(DesktopUrlOpener, OpensWhatTheDesktopOrAnInstalledApplicationOpens) {
     const std::string bundle = "/var/containers/Bundle/Application/1/Bird.app";
     putFile(device.path() / bundle.substr(1) / "Info.plist",
             "{CFBundleIdentifier = \"com.example.bird\"; CFBundleURLTypes = "
-            "({CFBundleURLSchemes = (Bird, bird2);});}");
+            "({CFBundleURLSchemes = (Bird, bird2, b, \"\");});}");
     putFile(device / "Applications/Settings.app/Info.plist",
             "{CFBundleURLTypes = ({CFBundleURLSchemes = (prefs);});}");
     const Registry registry(device.path());
@@ -42,7 +42,7 @@ TEST(DesktopUrlOpener, OpensWhatTheDesktopOrAnInstalledApplicationOpens) {
     const DesktopUrlOpener opener(device.path());
     for (const char* address :
          {"http://example.org/", "HTTPS://example.org/", "mailto:a@example.org",
-          "bird:", "BIRD://user", "bird2:", "prefs:root"})
+          "bird:", "BIRD://user", "bird2:", "b:", "prefs:root"})
         EXPECT_TRUE(opener.canOpenURL(address)) << address;
     for (const char* address : {"", ":", "bird", "bir:", "bird3:", "file:///etc/passwd", "x bird:"})
         EXPECT_FALSE(opener.canOpenURL(address)) << address;
