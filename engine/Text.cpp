@@ -35,7 +35,7 @@ std::string formatText(std::string_view format, std::span<const FormatArgument> 
 }
 
 std::string lastPathComponentWithoutExtension(std::string_view path) {
-    while (path.size() > 1 && path.ends_with('/'))
+    while (path.ends_with('/'))
         path.remove_suffix(1);
     const std::string_view name = path.substr(path.rfind('/') + 1);
     const std::size_t dot = name.rfind('.');

@@ -17,7 +17,6 @@ void CloneEngine::showUpdateAlert() {
                                                 "Ok");
     const int duplicates = contiguousDuplicates(chosen.identifier, Logging::Off);
     const int stale = staleDuplicates(chosen);
-    const int first = stale == 0 ? 0 : firstStaleDuplicate(chosen);
     if (stale == 0 && duplicates == 0)
         return alerts_.showSimpleAlertWithTitle(chosen.name, "No duplicates for this app", "Ok");
 
@@ -27,6 +26,7 @@ void CloneEngine::showUpdateAlert() {
         return alerts_.showSimpleAlertWithTitle(
             chosen.name, stringWithFormat("%@\n\nAll duplicates are up to date", state), "Ok");
 
+    const int first = firstStaleDuplicate(chosen);
     const std::string need = stringWithFormat("You have %d app(s) that need update!", stale);
     const std::string question = stringWithFormat(
         "Would you like to start updating %@ ? (%@ %d)",

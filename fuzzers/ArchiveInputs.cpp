@@ -4,6 +4,7 @@
 #include "fuzzers/Mutation.h"
 #include "tests/device/DeviceFolder.h"
 
+#include <functional>
 #include <sys/mman.h>
 
 namespace dubrix::fuzz {
@@ -11,28 +12,10 @@ namespace dubrix::fuzz {
 namespace {
 
 const std::vector<std::string>& names() {
-    static const std::vector<std::string> all = {"..",
-                                                 "/",
-                                                 "Payload/",
-                                                 "Payload/X.app/",
-                                                 "Payload/Y.app/",
-                                                 "._X.app",
-                                                 "./",
-                                                 "//",
-                                                 "\\",
-                                                 "a",
-                                                 "a/b",
-                                                 "Info.plist",
-                                                 "caf\xc3\xa9",
-                                                 "e\xcc\x81",
-                                                 "\xff\xfe",
-                                                 "\n",
-                                                 "~",
-                                                 "CON",
-                                                 "C:",
-                                                 std::string(1, '\0'),
-                                                 std::string(255, 'n'),
-                                                 std::string(256, 'n')};
+    static const std::vector<std::string> all =
+        wordsOf("..|/|Payload/|Payload/X.app/|Payload/Y.app/|._X.app|./|//|\\|a|a/b|Info.plist|"
+                "caf\xc3\xa9|e\xcc\x81|\xff\xfe|\n|~|CON|C:|" +
+                std::string(1, '\0') + "|" + std::string(255, 'n') + "|" + std::string(256, 'n'));
     return all;
 }
 
@@ -69,55 +52,33 @@ void changeItem(ZipItem& item, Random& random) {
         S_IFREG | 0644, S_IFREG | 06777, S_IFREG, S_IFLNK | 0777, S_IFDIR | 0755, S_IFDIR,
         S_IFIFO,        S_IFBLK,         0,       07777,          S_IFDIR | 01777};
     static const std::vector<std::string> targets = {"..", "../..", "/etc", "a", ".", "a/b/..", ""};
-    switch (below(9, random)) {
-    case 0:
-        item.name = withChangedBytes(item.name, random);
-        return;
-    case 1:
-        item.name += anyOf(names(), random);
-        return;
-    case 2:
-        item.mode = anyOf(modes, random);
-        return;
-    case 3:
-        item.mode = S_IFLNK | 0777;
-        item.data = anyOf(targets, random);
-        return;
-    case 4:
-        item.data = item.name.ends_with("Info.plist") && !once(4, random)
-                        ? anyInfo(random)
-                        : withChangedBytes(item.data, random);
-        return;
-    case 5:
-        item.method = once(4, random) ? static_cast<unsigned>(random() & 0xff) : 8 - item.method;
-        return;
-    case 6:
-        item.host = static_cast<unsigned>(below(20, random));
-        return;
-    case 7:
-        item.flags = 1U << below(16, random);
-        return;
-    default:
-        if (once(2, random))
-            item.claimedSize = troublesome(random);
-        else
-            item.crcError = 1;
-    }
+    const std::function<void()> changes[] = {
+        [&] { item.name = withChangedBytes(item.name, random); },
+        [&] { item.name += anyOf(names(), random); },
+        [&] { item.mode = anyOf(modes, random); },
+        [&] { item.mode = S_IFLNK | 0777, item.data = anyOf(targets, random); },
+        [&] { item.data = withChangedBytes(item.data, random); },
+        [&] { item.data = anyInfo(random); },
+        [&] { item.method = once(4, random) ? random() & 0xff : 8 - item.method; },
+        [&] { item.host = static_cast<unsigned>(below(20, random)); },
+        [&] { item.flags = 1U << below(16, random); },
+        [&] { item.claimedSize = troublesome(random); },
+        [&] { item.crcError = 1; }};
+    anyOf(changes, random)();
 }
 
 } // namespace
 
 std::vector<std::string> seeds() {
-    const ZipItem icons{
-        "Payload/X.app/Info.plist",
-        "{CFBundleIdentifier=\"com.example.icons\";CFBundleIconFile=\"a/b\";"
-        "CFBundleIconFiles=(Icon,\"../X.app/Icon\",\"../../../../../../../beside\",link);"
-        "CFBundleIcons={CFBundlePrimaryIcon={CFBundleIconFiles=(\"./Icon\");};};}"};
-    const std::vector<ZipItem> iconic = {icons,
-                                         {"Payload/X.app/Icon@2x.png", iconHead()},
-                                         {"Payload/X.app/Icon.png", iconHead()},
-                                         {"Payload/X.app/a/b", iconHead()},
-                                         {"Payload/X.app/link", "a/b", S_IFLNK | 0777}};
+    const std::vector<ZipItem> iconic = {
+        {"Payload/X.app/Info.plist",
+         "{CFBundleIdentifier=\"com.example.icons\";CFBundleIconFile=\"a/b\";"
+         "CFBundleIconFiles=(Icon,\"../X.app/Icon\",\"../../../../../../../beside\",link);"
+         "CFBundleIcons={CFBundlePrimaryIcon={CFBundleIconFiles=(\"./Icon\");};};}"},
+        {"Payload/X.app/Icon@2x.png", iconHead()},
+        {"Payload/X.app/Icon.png", iconHead()},
+        {"Payload/X.app/a/b", iconHead()},
+        {"Payload/X.app/link", "a/b", S_IFLNK | 0777}};
     const ZipItem info{"Payload/X.app/Info.plist", infoPlist("com.example.new")};
     const std::vector<ZipItem> rich = {
         {"Payload/", "", S_IFDIR | 0755},
@@ -151,10 +112,9 @@ std::vector<std::string> seeds() {
 
 const std::vector<std::string>& vocabulary() {
     static const std::vector<std::string> words = [] {
-        std::vector<std::string> all = names();
-        for (const char* piece : {"PK\1\2", "PK\3\4", "PK\5\6", "PK\6\6", "PK\6\7", "@2x", ".png",
-                                  "~ipad", "CFBundleIconFile", "={", "=("})
-            all.emplace_back(piece);
+        std::vector<std::string> all = wordsOf("PK\1\2|PK\3\4|PK\5\6|PK\6\6|PK\6\7|@2x|.png|~ipad|"
+                                               "CFBundleIconFile|={|=(");
+        all.insert(all.end(), names().begin(), names().end());
         return all;
     }();
     return words;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <set>
 
 namespace dubrix::fuzz {
 
@@ -65,12 +66,9 @@ void tryRequests(std::string_view bytes, Random& random) {
 void tryAddress(std::string_view address) {
     if (!mayBeOpened(address))
         return;
-    require(address.size() <= 2048 && std::ranges::all_of(address,
-                                                          [](char byte) {
-                                                              return byte > ' ' && byte < '\x7f' &&
-                                                                     byte != '"' && byte != '\'' &&
-                                                                     byte != '\\' && byte != '`';
-                                                          }),
+    const auto isPlain = [](char byte) { return byte > ' ' && byte < '\x7f'; };
+    require(address.size() <= 2048 && std::ranges::all_of(address, isPlain) &&
+                address.find_first_of("\"'\\`") == address.npos,
             "an address is one plain word");
     std::string scheme(address.substr(0, address.find(':')));
     std::ranges::transform(scheme, scheme.begin(), [](char letter) { return letter | 0x20; });
@@ -92,7 +90,7 @@ void tryAddress(std::string_view address) {
     }
 }
 
-struct Written final : PictureWriter {
+struct Taken final : PictureWriter {
     std::string begin(const std::string& name) override {
         all += name;
         names.push_back(name);
@@ -101,14 +99,9 @@ struct Written final : PictureWriter {
     void write(std::string_view bytes) override { all += bytes; }
     std::string end() override { return ++ended % 5 == 0 ? "full" : ""; }
 
+    std::vector<std::string> answers{}, names{};
     std::string all{};
-    std::vector<std::string> names{};
     int ended = 0;
-};
-
-struct Taken {
-    std::vector<std::string> answers{};
-    Written written{};
 };
 
 Taken picturesIn(std::string_view script, std::string_view pictures, Random* random) {
@@ -120,7 +113,7 @@ Taken picturesIn(std::string_view script, std::string_view pictures, Random* ran
                 "a script is bounded");
     });
     names.finish();
-    PictureReader reader(names, taken.written);
+    PictureReader reader(names, taken);
     feed(pictures, random, [&](std::string_view piece) {
         std::ranges::move(reader.read(piece), std::back_inserter(taken.answers));
         require(reader.held() <= 2 * PictureReader::longestName, "a picture's head is short");
@@ -128,32 +121,22 @@ Taken picturesIn(std::string_view script, std::string_view pictures, Random* ran
     return taken;
 }
 
-bool asksFor(std::string_view script, const std::string& name) {
-    while (true) {
-        const std::size_t end = script.find('\n');
-        const ScriptLine line = parseScriptLine(script.substr(0, end));
-        if (line.step && line.step->verb == ScriptStep::Verb::Shot && line.step->target == name)
-            return true;
-        if (end == std::string_view::npos)
-            return false;
-        script.remove_prefix(end + 1);
-    }
-}
-
 void tryPictures(std::string_view script, std::string_view pictures, Random& random) {
     const Taken taken = picturesIn(script, pictures, nullptr);
     const Taken again = picturesIn(script, pictures, &random);
-    require(taken.answers == again.answers && taken.written.all == again.written.all,
+    require(taken.answers == again.answers && taken.all == again.all,
             "pieces make the same pictures");
-    for (const std::string& name : taken.written.names)
-        require(asksFor(script, name) && name.find('\0') == std::string::npos,
+    std::set<std::string> asked;
+    eachLine(script, [&asked](std::string_view line) {
+        const ScriptLine read = parseScriptLine(line);
+        if (read.step && read.step->verb == ScriptStep::Verb::Shot)
+            asked.insert(read.step->target);
+    });
+    for (const std::string& name : taken.names)
+        require(asked.contains(name) && name.find('\0') == name.npos,
                 "what is written stands in the script");
-    require(std::ranges::none_of(taken.answers,
-                                 [](const std::string& answer) {
-                                     return answer.empty() ||
-                                            answer.find('\n') != std::string::npos;
-                                 }),
-            "an answer is one line");
+    for (const std::string& answer : taken.answers)
+        require(!answer.empty() && answer.find('\n') == answer.npos, "an answer is one line");
 }
 
 } // namespace
@@ -163,13 +146,7 @@ void tryInput(std::string_view bytes) {
     tryRequests(bytes, random);
     const std::size_t middle = std::min(bytes.find(separator), bytes.size());
     tryPictures(bytes.substr(0, middle), bytes.substr(std::min(middle + 1, bytes.size())), random);
-    while (true) {
-        const std::size_t end = bytes.find('\n');
-        tryAddress(bytes.substr(0, end));
-        if (end == std::string_view::npos)
-            return;
-        bytes.remove_prefix(end + 1);
-    }
+    eachLine(bytes, tryAddress);
 }
 
 std::vector<std::string> seeds() {
@@ -188,73 +165,21 @@ std::vector<std::string> seeds() {
 }
 
 const std::vector<std::string>& vocabulary() {
-    using namespace std::string_literals;
-    static const std::vector<std::string> words = {"install\0/"s,
-                                                   "remove\0"s,
-                                                   "export\0"s,
-                                                   "start\0\0"s,
-                                                   "\0"s,
-                                                   "\n",
-                                                   "\x1e",
-                                                   "shot ",
-                                                   "shot \"",
-                                                   "a.png\n",
-                                                   "1\n",
-                                                   "536870912\n",
-                                                   "18446744073709551616\n",
-                                                   "https://a",
-                                                   "http://",
-                                                   "mailto:a",
-                                                   "?subject=",
-                                                   "?body=",
-                                                   "&to=",
-                                                   "&attach=",
-                                                   "&cc=",
-                                                   "&",
-                                                   "=",
-                                                   "%61",
-                                                   "%0a",
-                                                   "%0D",
-                                                   "%27",
-                                                   "%5c",
-                                                   "%",
-                                                   "#",
-                                                   "..",
-                                                   "-l",
-                                                   "\\n",
-                                                   "\\\"",
-                                                   "\""};
+    using namespace std::string_view_literals;
+    static const std::vector<std::string> words = wordsOf(
+        "install\0/|remove\0|export\0|start\0\0|\0|\n|\x1e|shot |shot \"|a.png\n|1\n|536870912\n|"
+        "18446744073709551616\n|https://a|http://|mailto:a|?subject=|?body=|&to=|&attach=|"
+        "&cc=|&|=|%61|%0a|%0D|%27|%5c|%|#|..|-l|\\n|\\\"|\""sv);
     return words;
 }
 
-/// Whole texts and lines are moved and doubled, and a picture is given the size that it has.
+/// Among others, a piece becomes a picture that the script asks for, with the size that it has.
 std::string restructured(const std::string& bytes, Random& random) {
-    std::vector<std::string> pieces(1);
-    for (const char byte : bytes) {
-        pieces.back() += byte;
-        if (byte == '\0' || byte == '\n' || byte == separator)
-            pieces.emplace_back();
-    }
-    switch (below(4, random)) {
-    case 0:
-        std::swap(anyOf(pieces, random), anyOf(pieces, random));
-        break;
-    case 1:
-        pieces.push_back(anyOf(pieces, random));
-        break;
-    case 2:
-        anyOf(pieces, random).insert(0, anyOf(vocabulary(), random));
-        break;
-    default: {
-        const std::string text = anyOf(pieces, random);
-        pieces.insert(pieces.begin(), "shot " + text);
-        pieces.push_back(separator + text + "\n" + std::to_string(text.size()) + "\n" + text);
-    }
-    }
-    std::string joined;
-    for (const std::string& piece : pieces)
-        joined += piece;
-    return joined;
+    if (!once(4, random))
+        return withMovedPieces(bytes, std::string_view("\0\n\x1e", 3), random);
+    const std::string& text = anyOf(vocabulary(), random);
+    return "shot " + text + "\n" + bytes + separator + text + "\n" + std::to_string(text.size()) +
+           "\n" + text;
 }
 
 } // namespace dubrix::fuzz

@@ -1,8 +1,7 @@
 #include "fuzzers/Mutation.h"
-#include "tests/platform/SamplePng.h"
+#include "tests/formats/JpegFiles.h"
 
-#include <cstdio>
-#include <jpeglib.h>
+#include <utility>
 
 namespace dubrix::fuzz {
 
@@ -53,35 +52,14 @@ void changeRows(std::vector<Chunk>& chunks, Random& random) {
     for (const Chunk& chunk : chunks)
         if (chunk.type == "IDAT")
             packed += chunk.data;
-    bool isPlaced = false;
-    for (Chunk& chunk : chunks) {
-        if (chunk.type != "IDAT")
-            continue;
-        chunk.data =
-            isPlaced ? ""
-                     : deflated(withChangedBytes(inflated(packed, windowBits), random), windowBits);
-        isPlaced = true;
-    }
+    std::string changed =
+        deflated(withChangedBytes(inflated(packed, windowBits), random), windowBits);
+    for (Chunk& chunk : chunks)
+        if (chunk.type == "IDAT")
+            chunk.data = std::exchange(changed, "");
 }
 
-void changeHeader(std::vector<Chunk>& chunks, Random& random) {
-    for (Chunk& chunk : chunks) {
-        auto header = chunk.type == "IHDR" ? PngHeader::fromChunkData(chunk.data) : std::nullopt;
-        if (!header)
-            continue;
-        if (once(2, random))
-            (once(2, random) ? header->width : header->height) =
-                static_cast<std::uint32_t>(below(70, random));
-        else if (once(2, random))
-            header->isInterlaced = !header->isInterlaced;
-        chunk.data = header->chunkData();
-        if (once(3, random))
-            chunk.data[8 + below(5, random)] = static_cast<char>(below(18, random));
-    }
-}
-
-void splitOne(std::vector<Chunk>& chunks, Random& random) {
-    const std::size_t index = below(chunks.size(), random);
+void splitOne(std::vector<Chunk>& chunks, std::size_t index, Random& random) {
     const std::size_t at = below(chunks[index].data.size() + 1, random);
     Chunk rest{chunks[index].type, chunks[index].data.substr(at)};
     chunks[index].data.resize(at);
@@ -89,119 +67,71 @@ void splitOne(std::vector<Chunk>& chunks, Random& random) {
 }
 
 void changeChunks(std::vector<Chunk>& chunks, Random& random) {
-    const auto index = static_cast<long>(below(chunks.size(), random));
-    switch (below(7, random)) {
+    const std::size_t index = below(chunks.size(), random);
+    std::string& data = chunks[index].data;
+    switch (below(6, random)) {
     case 0:
         return changeRows(chunks, random);
-    case 1:
-        return changeHeader(chunks, random);
+    case 1: // such as a size, a depth or a type in the header
+        if (Chunk& header = chunks[below(2, random) % chunks.size()]; !header.data.empty())
+            header.data[below(header.data.size(), random)] = static_cast<char>(below(70, random));
+        return;
     case 2:
-        return splitOne(chunks, random);
+        return splitOne(chunks, index, random);
     case 3:
-        std::swap(chunks[static_cast<std::size_t>(index)], anyOf(chunks, random));
-        return;
+        return std::swap(chunks[index], anyOf(chunks, random));
     case 4:
-        chunks.insert(chunks.begin() + index, Chunk(anyOf(chunks, random)));
-        return;
-    case 5:
-        chunks.insert(chunks.begin() + index,
-                      {anyOf(vocabulary(), random).substr(0, 4),
-                       std::string(below(40, random), static_cast<char>(random()))});
-        return;
+        chunks.push_back({anyOf(vocabulary(), random).substr(0, 4), anyOf(chunks, random).data});
+        return std::swap(chunks[index], chunks.back());
     default:
-        anyOf(chunks, random).data = withChangedBytes(anyOf(chunks, random).data, random);
+        data = withChangedBytes(data, random);
     }
-}
-
-std::string sampleJpeg(int width, int height, int components, bool isProgressive) {
-    jpeg_compress_struct jpeg{};
-    jpeg_error_mgr errors{};
-    jpeg.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&jpeg);
-    unsigned char* bytes = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&jpeg, &bytes, &size);
-    jpeg.image_width = static_cast<JDIMENSION>(width);
-    jpeg.image_height = static_cast<JDIMENSION>(height);
-    jpeg.input_components = components;
-    jpeg.in_color_space = components == 1 ? JCS_GRAYSCALE : (components == 3 ? JCS_RGB : JCS_CMYK);
-    jpeg_set_defaults(&jpeg);
-    if (isProgressive)
-        jpeg_simple_progression(&jpeg);
-    jpeg_start_compress(&jpeg, TRUE);
-    std::vector<JSAMPLE> row(static_cast<std::size_t>(width * components));
-    while (jpeg.next_scanline < jpeg.image_height) {
-        for (std::size_t index = 0; index < row.size(); ++index)
-            row[index] = static_cast<JSAMPLE>(index * 7 + std::size_t{5} * jpeg.next_scanline);
-        JSAMPROW rows[] = {row.data()};
-        jpeg_write_scanlines(&jpeg, rows, 1);
-    }
-    jpeg_finish_compress(&jpeg);
-    std::string result(reinterpret_cast<char*>(bytes), size);
-    jpeg_destroy_compress(&jpeg);
-    std::free(bytes);
-    return result;
 }
 
 } // namespace
 
 std::vector<std::string> seeds() {
+    using enum PngColorType;
     std::vector<std::string> all;
-    for (const PngKind& kind :
-         {PngKind{0, 1, false, true}, PngKind{0, 16, true, false}, PngKind{2, 8, false, true},
-          PngKind{2, 16, true, true}, PngKind{3, 2, false, true}, PngKind{3, 8, true, false},
-          PngKind{4, 8, false, false}, PngKind{6, 16, false, false}, PngKind{6, 8, true, false}})
-        all.push_back(SamplePng(kind).bytes());
-    CrushedPngFile file{.width = 9, .height = 7};
-    const auto pixels = samplePixels(63);
-    all.push_back(file.bytes(pixels));
-    file.isInterlaced = true;
-    file.dataChunks = 3;
-    all.push_back(file.bytes(pixels));
-    file.ignoresAlpha = true;
-    file.hasZlibFrame = true;
-    all.push_back(file.bytes(pixels));
-    // Too many colours for a palette, with and without alpha.
-    CrushedPngFile colorful{.width = 20, .height = 16};
-    all.push_back(colorful.bytes(samplePixels(320)));
-    colorful.ignoresAlpha = true;
-    all.push_back(colorful.bytes(samplePixels(320)));
-    all.push_back(CrushedPngFile{.width = 2}.bytes({{9, 99, 199, 200}, {1, 2, 3, 255}}));
-    for (const PngColorType type : {PngColorType::Grey, PngColorType::Rgb, PngColorType::GreyAlpha})
-        all.push_back(CrushedPngFile{}.assembled(
-            {'\x50', 0, '\x20', '\2'}, {2, 2, 8, type},
-            deflated(std::string(2 + std::size_t{4} * samplesPerPixel(type), '\1'), -15)));
-    for (const int components : {1, 3, 4})
-        all.push_back(sampleJpeg(19, 9, components, components == 3));
-    all.push_back(sampleJpeg(8, 8, 3, false));
+    Random random(1);
+    // Any of five is a filter; what is left over of them does no harm.
+    std::string rows(4000, '\0');
+    for (char& byte : rows)
+        byte = static_cast<char>(below(5, random));
+    for (const PngHeader& header : {PngHeader{21, 11, 1, Grey},
+                                    {21, 11, 16, Grey, true},
+                                    {21, 11, 8, Rgb},
+                                    {21, 11, 16, Rgb, true},
+                                    {21, 11, 2, Palette},
+                                    {21, 11, 8, Palette, true},
+                                    {21, 11, 8, GreyAlpha},
+                                    {21, 11, 16, Rgba},
+                                    {21, 11, 8, Rgba, true}})
+        for (const std::string_view transparency : {"", "\0\1\0\1\0\1"}) {
+            std::vector<PngChunk> chunks;
+            if (header.colorType == Palette)
+                chunks.push_back({"PLTE", "redGRNbluGRY"});
+            if (!transparency.empty())
+                chunks.push_back({"tRNS", transparency});
+            all.push_back(pngOf(header, rows, chunks));
+        }
+    for (const CrushedPng& kind : {CrushedPng(), {false, 3, false}, {true, 3, true}}) {
+        all.push_back(kind.of(samplePixels(63), 9));
+        all.push_back(kind.of(samplePixels(320), 20)); // too many colours for a palette
+        for (const PngColorType type : {Grey, Rgb, GreyAlpha})
+            all.push_back(kind.of({2, 2, 8, type, true}, std::string(20, '\1')));
+    }
+    const std::string samples(std::size_t{12} * 19 * 9, 'J');
+    for (const JpegKind& kind :
+         {JpegKind(), {JCS_RGB, true}, {JCS_GRAYSCALE}, {JCS_CMYK}, {JCS_CMYK, true, true}})
+        all.push_back(jpegOf(kind, samples, 19));
     return all;
 }
 
 const std::vector<std::string>& vocabulary() {
-    using namespace std::string_literals;
-    static const std::vector<std::string> words = {"IDAT",
-                                                   "IHDR",
-                                                   "PLTE",
-                                                   "tRNS",
-                                                   "IEND",
-                                                   "CgBI",
-                                                   "iDOT",
-                                                   "gAMA",
-                                                   "iCCP",
-                                                   "zTXt",
-                                                   "bKGD",
-                                                   "eXIf",
-                                                   "\xff\xd8",
-                                                   "\xff\xc0",
-                                                   "\xff\xc2",
-                                                   "\xff\xc4",
-                                                   "\xff\xda",
-                                                   "\xff\xdb",
-                                                   "\xff\xdd",
-                                                   "\xff\xd9",
-                                                   "\xff\xee\0\x0e"
-                                                   "Adobe"s,
-                                                   "\xff\xd0"};
+    static const std::vector<std::string> words =
+        wordsOf("IDAT|IHDR|PLTE|tRNS|IEND|CgBI|iDOT|gAMA|iCCP|zTXt|bKGD|eXIf|\xff\xd8|\xff\xc0|"
+                "\xff\xc2|\xff\xc4|\xff\xda|\xff\xdb|\xff\xdd|\xff\xd9|\xff\xee|Adobe|\xff\xd0");
     return words;
 }
 

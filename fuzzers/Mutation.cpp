@@ -1,6 +1,7 @@
 #include "fuzzers/Mutation.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace dubrix::fuzz {
 
@@ -20,26 +21,19 @@ void changeOnce(std::string& bytes, Random& random) {
     const std::size_t length = std::min(1 + below(longest, random), bytes.size() - at);
     switch (below(6, random)) {
     case 0:
-        bytes.insert(at, anyOf(vocabulary(), random));
-        return;
+        return void(bytes.insert(at, anyOf(vocabulary(), random)));
     case 1:
-        bytes.erase(at, length);
-        return;
+        return void(bytes.erase(at, length));
     case 2:
-        bytes.insert(below(bytes.size() + 1, random), bytes.substr(at, length));
-        return;
+        return void(bytes.insert(below(bytes.size() + 1, random), bytes.substr(at, length)));
     case 3:
-        bytes.insert(at, 1, static_cast<char>(random()));
-        return;
+        return void(bytes.insert(at, 1, static_cast<char>(random())));
+    case 4:
+        return overwriteNumber(bytes, at, random);
     default:
-        break;
+        if (at < bytes.size())
+            bytes[at] = static_cast<char>(bytes[at] ^ (1U << below(8, random)));
     }
-    if (at == bytes.size())
-        return;
-    if (once(2, random))
-        bytes[at] = static_cast<char>(bytes[at] ^ (1U << below(8, random)));
-    else
-        overwriteNumber(bytes, at, random);
 }
 
 } // namespace
@@ -70,6 +64,39 @@ std::string withChangedBytes(std::string bytes, Random& random) {
     for (std::size_t changes = 1 + below(4, random); changes > 0; --changes)
         changeOnce(bytes, random);
     return bytes;
+}
+
+std::vector<std::string> wordsOf(std::string_view text) {
+    std::vector<std::string> words(1);
+    for (const char byte : text)
+        if (byte == '|')
+            words.emplace_back();
+        else
+            words.back() += byte;
+    return words;
+}
+
+std::string withMovedPieces(std::string_view bytes, std::string_view ends, Random& random) {
+    std::vector<std::string> pieces(1);
+    for (const char byte : bytes) {
+        pieces.back() += byte;
+        if (ends.find(byte) != ends.npos)
+            pieces.emplace_back();
+    }
+    switch (below(4, random)) {
+    case 0:
+        std::swap(anyOf(pieces, random), anyOf(pieces, random));
+        break;
+    case 1:
+        pieces.push_back(anyOf(pieces, random));
+        break;
+    case 2:
+        pieces.push_back(withChangedBytes(anyOf(pieces, random), random));
+        break;
+    default:
+        anyOf(pieces, random).insert(0, anyOf(vocabulary(), random));
+    }
+    return std::accumulate(pieces.begin(), pieces.end(), std::string());
 }
 
 } // namespace dubrix::fuzz

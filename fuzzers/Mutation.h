@@ -17,9 +17,21 @@ std::uint64_t troublesome(Random& random);
 /// One to four small changes of bytes, pieces of the vocabulary put in among them.
 std::string withChangedBytes(std::string bytes, Random& random);
 
+/// Pieces that end with one of those bytes moved, doubled or begun with a piece of the vocabulary.
+std::string withMovedPieces(std::string_view bytes, std::string_view ends, Random& random);
+
+/// What stands between the bars.
+std::vector<std::string> wordsOf(std::string_view text);
+
 template<class Container>
 auto& anyOf(Container& container, Random& random) {
-    return container[below(container.size(), random)];
+    return container[below(std::size(container), random)];
+}
+
+template<class Use>
+void eachLine(std::string_view text, Use use) {
+    for (std::size_t end = 0; end != text.npos; text.remove_prefix(end == text.npos ? 0 : end + 1))
+        use(text.substr(0, end = text.find('\n')));
 }
 
 } // namespace dubrix::fuzz

@@ -1,10 +1,10 @@
 #include "fuzzers/Mutation.h"
 
-#include <algorithm>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -12,16 +12,10 @@ using namespace dubrix::fuzz;
 
 namespace {
 
-std::string contentsOf(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 void put(const fs::path& file, const std::string& bytes) {
     std::ofstream stream(file, std::ios::binary | std::ios::trunc);
     stream << bytes;
-    if (!stream.flush())
-        std::fprintf(stderr, "%s cannot be written\n", file.c_str());
+    require(stream.flush().good(), "a file can be written");
 }
 
 int writeSeeds(const fs::path& folder) {
@@ -33,17 +27,12 @@ int writeSeeds(const fs::path& folder) {
 
 /// The file itself, or the files of the folder in the order of their names; nothing where nothing
 /// is.
-std::vector<std::string> filesAt(const fs::path& path) {
+std::set<fs::path> filesAt(const fs::path& path) {
     if (fs::is_regular_file(path))
-        return {contentsOf(path)};
-    std::vector<fs::path> paths;
+        return {path};
     std::error_code none;
-    for (const auto& entry : fs::directory_iterator(path, none))
-        paths.push_back(entry.path());
-    std::sort(paths.begin(), paths.end());
-    std::vector<std::string> files;
-    std::transform(paths.begin(), paths.end(), std::back_inserter(files), contentsOf);
-    return files;
+    const fs::directory_iterator entries(path, none);
+    return {begin(entries), end(entries)};
 }
 
 /// Tries inputs, each of which stands in a file meanwhile, so that it is there after a crash of any
@@ -114,7 +103,10 @@ int main(int count, char** arguments) {
     }
     std::vector<std::string> inputs = seeds();
     for (std::size_t index = 3; index < words.size(); ++index)
-        for (std::string& file : filesAt(words[index]))
-            inputs.push_back(std::move(file));
+        for (const fs::path& file : filesAt(words[index])) {
+            std::ifstream stream(file, std::ios::binary);
+            inputs.emplace_back(std::istreambuf_iterator<char>(stream),
+                                std::istreambuf_iterator<char>());
+        }
     return replay(std::move(inputs), std::stoul(words[1]), words[2]);
 }

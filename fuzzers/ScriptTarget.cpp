@@ -3,7 +3,6 @@
 #include "fuzzers/Mutation.h"
 
 #include <array>
-#include <charconv>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -11,30 +10,9 @@ namespace dubrix::fuzz {
 
 namespace {
 
-const char* nameOf(ScriptStep::Verb verb) {
-    switch (verb) {
-    case ScriptStep::Verb::Tap:
-        return "tap";
-    case ScriptStep::Verb::Type:
-        return "type";
-    case ScriptStep::Verb::Wait:
-        return "wait";
-    case ScriptStep::Verb::Gone:
-        return "gone";
-    case ScriptStep::Verb::Hold:
-        return "hold";
-    case ScriptStep::Verb::Drop:
-        return "drop";
-    case ScriptStep::Verb::Expect:
-        return "expect";
-    case ScriptStep::Verb::Absent:
-        return "absent";
-    case ScriptStep::Verb::Shot:
-        return "shot";
-    }
-    require(false, "a step has one of the verbs");
-    return "";
-}
+/// In the order of ScriptStep::Verb.
+constexpr std::array names = {"tap",    "type", "wait", "gone", "expect",
+                              "absent", "shot", "hold", "drop"};
 
 std::string quoted(const std::string& text) {
     std::string result = "\"";
@@ -50,14 +28,15 @@ std::string quoted(const std::string& text) {
 }
 
 std::string spelled(const ScriptStep& step) {
-    std::string line = std::string(nameOf(step.verb)) + " " + quoted(step.target);
+    std::string line =
+        std::string(names.at(static_cast<std::size_t>(step.verb))) + " " + quoted(step.target);
     if (step.verb == ScriptStep::Verb::Type)
         line += " " + quoted(step.text);
     if (!step.waits())
         return line;
     std::array<char, 32> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), step.seconds);
-    return line + " " + std::string(digits.data(), end.ptr);
+    std::snprintf(digits.data(), digits.size(), " %.17g", step.seconds);
+    return line + digits.data();
 }
 
 void tryLine(const std::string& line) {
@@ -72,12 +51,6 @@ void tryLine(const std::string& line) {
     require(again.step && again.step->verb == step.verb && again.step->target == step.target &&
                 again.step->text == step.text && again.step->seconds == step.seconds,
             "a step spelled out is the same step");
-}
-
-void tryText(const std::string& text) {
-    const ScriptLine read = parseScriptLine("type \"a field\" " + quoted(text));
-    require(read.step && read.step->target == "a field" && read.step->text == text,
-            "every text can be typed");
 }
 
 std::string readFromFile(std::string_view bytes) {
@@ -100,14 +73,8 @@ std::string readFromFile(std::string_view bytes) {
 
 void tryInput(std::string_view bytes) {
     require(readFromFile(bytes) == bytes, "the lines are the script");
-    tryText(std::string(bytes));
-    while (true) {
-        const std::size_t end = bytes.find('\n');
-        tryLine(std::string(bytes.substr(0, end)));
-        if (end == std::string_view::npos)
-            return;
-        bytes.remove_prefix(end + 1);
-    }
+    tryLine("type \"a field\" " + quoted(std::string(bytes)));
+    eachLine(bytes, [](std::string_view line) { tryLine(std::string(line)); });
 }
 
 std::vector<std::string> seeds() {
@@ -126,24 +93,8 @@ const std::vector<std::string>& vocabulary() {
     return words;
 }
 
-/// Moves and doubles whole lines.
 std::string restructured(const std::string& bytes, Random& random) {
-    std::vector<std::string> lines(1);
-    for (char character : bytes) {
-        if (character == '\n')
-            lines.emplace_back();
-        else
-            lines.back() += character;
-    }
-    std::swap(anyOf(lines, random), anyOf(lines, random));
-    if (once(2, random))
-        lines.push_back(withChangedBytes(anyOf(lines, random), random));
-    else
-        anyOf(lines, random) = anyOf(vocabulary(), random) + anyOf(lines, random);
-    std::string joined = lines.front();
-    for (std::size_t index = 1; index < lines.size(); ++index)
-        joined += "\n" + lines[index];
-    return joined;
+    return withMovedPieces(bytes, "\n", random);
 }
 
 } // namespace dubrix::fuzz

@@ -38,8 +38,8 @@ std::optional<PngHeader> PngHeader::fromChunkData(std::string_view data) {
         return static_cast<std::uint8_t>(data[index]);
     };
     PngHeader header;
-    header.width = bigEndian32(data.substr(0, 4));
-    header.height = bigEndian32(data.substr(4, 4));
+    header.width = bigEndian32(data);
+    header.height = bigEndian32(data.substr(4));
     header.bitDepth = byteAt(8);
     header.colorType = static_cast<PngColorType>(byteAt(9));
     header.isInterlaced = byteAt(12) == 1;

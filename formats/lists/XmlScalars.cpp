@@ -72,8 +72,7 @@ std::optional<double> xmlReal(std::string_view text) {
     if (auto special = specialReal(lowered))
         return sign * *special;
     double number = 0;
-    if (lowered.find_first_not_of("0123456789.e+-") != lowered.npos || lowered[0] == '-' ||
-        !isWhole(readDecimal(lowered, number), lowered))
+    if (!isWhole(readDecimal(lowered, number), lowered))
         return std::nullopt;
     return sign * number;
 }

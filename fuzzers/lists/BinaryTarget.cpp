@@ -1,8 +1,7 @@
-#include "formats/lists/PropertyListForms.h"
-#include "fuzzers/lists/ListProperties.h"
-#include "fuzzers/lists/ListTrees.h"
+#include "fuzzers/lists/Lists.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace dubrix::fuzz {
 
@@ -35,26 +34,25 @@ struct Layout {
         Layout layout;
         if (bytes.size() < headerLength + trailerLength)
             return layout;
-        const std::string_view trailer = bytes.substr(bytes.size() - trailerLength);
-        const std::size_t width = bigEndian(trailer.substr(6, 1));
-        const std::uint64_t count = bigEndian(trailer.substr(8, 8));
-        const std::uint64_t table = bigEndian(trailer.substr(24, 8));
-        layout.referenceWidth = bigEndian(trailer.substr(7, 1));
-        layout.top = bigEndian(trailer.substr(16, 8));
-        if (width == 0 || width > 8 || table > bytes.size() - trailerLength ||
-            count > (bytes.size() - trailerLength - table) / width)
+        const std::uint64_t end = bytes.size() - trailerLength;
+        const auto number = [&bytes](std::uint64_t at, std::size_t width) {
+            return bigEndian(bytes.substr(at, width));
+        };
+        const std::size_t width = number(end + 6, 1);
+        const std::uint64_t table = number(end + 24, 8);
+        layout.referenceWidth = number(end + 7, 1);
+        layout.top = number(end + 16, 8);
+        if (width == 0 || width > 8 || table > end)
             return layout;
         std::vector<std::uint64_t> offsets;
-        for (std::uint64_t index = 0; index < count; ++index)
-            offsets.push_back(bigEndian(bytes.substr(table + index * width, width)));
+        for (std::uint64_t at = table; at + width <= end; at += width)
+            offsets.push_back(std::min(number(at, width), table));
         std::vector<std::uint64_t> ends = offsets;
         ends.push_back(table);
         std::sort(ends.begin(), ends.end());
-        for (std::uint64_t offset : offsets) {
-            const std::uint64_t end = *std::upper_bound(ends.begin(), ends.end() - 1, offset);
-            layout.objects.emplace_back(
-                offset <= end && end <= table ? bytes.substr(offset, end - offset) : "");
-        }
+        for (const std::uint64_t offset : offsets)
+            layout.objects.emplace_back(bytes.substr(
+                offset, *std::upper_bound(ends.begin(), ends.end() - 1, offset) - offset));
         return layout;
     }
 
@@ -74,28 +72,14 @@ struct Layout {
 
 /// Objects that no writer of ours makes: odd widths, sets, counts in wide numbers.
 const std::vector<std::string>& oddObjects() {
-    using namespace std::string_literals;
-    static const std::vector<std::string> all = {
-        "\x00"s,
-        "\x09",
-        "\x0f",
-        "\x10\xff",
-        "\x11\x80\x00"s,
-        "\x83\x80\1\2\3",
-        "\x87\0\0\0\1\0\0\0\0"s,
-        "\x80\xff",
-        "\x23\x7f\xf8\0\0\0\0\0\1"s,
-        "\x22\x7f\xc0\0\0"s,
-        "\x62\xd8\x3c\xdf\x3f",
-        "\x62\0a\xd8\0"s,
-        "\x53\xc3\xa9x",
-        "\xc1\0"s,
-        "\x5f\x10\2ab",
-        "\x4f\x13\0\0\0\0\0\0\0\1x"s,
-        "\xa1\0"s,
-        "\xd1\0\0"s,
-        "\x14\0\0\0\0\0\0\0\0\x80\0\0\0\0\0\0\0"s,
-        "\x14\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff"s};
+    using namespace std::string_view_literals;
+    static const std::vector<std::string> all =
+        wordsOf("\x00|\x09|\x0f|\x10\xff|\x11\x80\x00|\x83\x80\1\2\3|\x87\0\0\0\1\0\0\0\0|\x80\xff|"
+                "\x23\x7f\xf8\0\0\0\0\0\1|\x22\x7f\xc0\0\0|\x62\xd8\x3c\xdf\x3f|\x62\0a\xd8\0|"
+                "\x53\xc3\xa9x|"
+                "\xc1\0|\x5f\x10\2ab|\x4f\x13\0\0\0\0\0\0\0\1x|\xa1\0|\xd1\0\0|"
+                "\x14\0\0\0\0\0\0\0\0\x80\0\0\0\0\0\0\0|"
+                "\x14\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff"sv);
     return all;
 }
 
@@ -104,20 +88,17 @@ void change(Layout& layout, Random& random) {
     switch (below(5, random)) {
     case 0:
         object = anyOf(oddObjects(), random);
-        return;
+        break;
     case 1:
         object = withChangedBytes(object, random);
-        return;
+        break;
     case 2: // any reference to any object: shared, cyclic or of the wrong type
         if (object.size() > 1)
             object[1 + below(object.size() - 1, random)] =
                 static_cast<char>(below(layout.objects.size() + 1, random));
-        return;
-    case 3:
-        std::swap(object, anyOf(layout.objects, random));
-        return;
+        break;
     default:
-        layout.objects.push_back(anyOf(oddObjects(), random));
+        layout.objects.push_back(std::exchange(object, anyOf(oddObjects(), random)));
     }
 }
 

@@ -1,4 +1,4 @@
-#include "fuzzers/lists/ListTrees.h"
+#include "fuzzers/lists/Lists.h"
 
 #include <bit>
 #include <limits>
@@ -10,27 +10,11 @@ namespace {
 using Node = PropertyListNode;
 
 const std::vector<std::string>& texts() {
-    using namespace std::string_literals;
-    static const std::vector<std::string> all = {"",
-                                                 "a",
-                                                 "CF$UID",
-                                                 "CFBundleIdentifier",
-                                                 "two words",
-                                                 "0x1F",
-                                                 "-",
-                                                 "1e400",
-                                                 "<null>",
-                                                 "\"quoted\\\"",
-                                                 "tab\tline\nreturn\r",
-                                                 "\x01\x7f",
-                                                 "]]>&lt;",
-                                                 "/* no comment */",
-                                                 "caf\xc3\xa9",
-                                                 "\xef\xbf\xbd\xef\xbf\xbf",
-                                                 "\xf0\x9f\x8c\xbf",
-                                                 "\xe2\x80\xae",
-                                                 std::string(15, 'x'),
-                                                 std::string(300, 'y')};
+    static const std::vector<std::string> all =
+        wordsOf("|a|CF$UID|CFBundleIdentifier|two words|0x1F|-|1e400|<null>|\"quoted\\\"|"
+                "tab\tline\nreturn\r|\x01\x7f|]]>&lt;|/* no comment */|caf\xc3\xa9|"
+                "\xef\xbf\xbd\xef\xbf\xbf|\xf0\x9f\x8c\xbf|\xe2\x80\xae|xxxxxxxxxxxxxxx|" +
+                std::string(300, 'y'));
     return all;
 }
 
@@ -66,18 +50,6 @@ Node anyScalar(Random& random) {
     }
 }
 
-std::size_t childCount(const Node& node) {
-    if (const auto* values = node.as<Node::Array>())
-        return values->size();
-    const auto* entries = node.as<Node::Dictionary>();
-    return entries == nullptr ? 0 : entries->size();
-}
-
-Node& child(Node& node, std::size_t index) {
-    auto* values = node.as<Node::Array>();
-    return values != nullptr ? (*values)[index] : (*node.as<Node::Dictionary>())[index].value;
-}
-
 /// Adds to a container; a key that is there already stays as it is.
 void add(Node& node, Node value, Random& random) {
     if (auto* values = node.as<Node::Array>()) {
@@ -92,17 +64,8 @@ void add(Node& node, Node value, Random& random) {
     }
 }
 
-void removeOne(Node& node, Random& random) {
-    const auto index = static_cast<long>(below(childCount(node), random));
-    if (auto* values = node.as<Node::Array>(); values != nullptr && !values->empty())
-        values->erase(values->begin() + index);
-    if (auto* entries = node.as<Node::Dictionary>(); entries != nullptr && !entries->empty())
-        entries->erase(entries->begin() + index);
-}
-
-} // namespace
-
-PropertyListNode anyTree(Random& random, int levels) {
+/// A value of any type with a few levels below it.
+Node anyTree(Random& random, int levels = 3) {
     if (levels == 0 || once(3, random))
         return anyScalar(random);
     Node node = once(2, random) ? Node{Node::Array{}} : Node{Node::Dictionary{}};
@@ -111,29 +74,33 @@ PropertyListNode anyTree(Random& random, int levels) {
     return node;
 }
 
+void collect(Node& node, std::vector<Node*>& all) {
+    all.push_back(&node);
+    if (auto* values = node.as<Node::Array>())
+        for (Node& value : *values)
+            collect(value, all);
+    if (auto* entries = node.as<Node::Dictionary>())
+        for (Node::Entry& entry : *entries)
+            collect(entry.value, all);
+}
+
+} // namespace
+
 void changeTree(PropertyListNode& root, Random& random) {
-    Node* place = &root;
-    while (childCount(*place) > 0 && !once(4, random))
-        place = &child(*place, below(childCount(*place), random));
-    switch (below(5, random)) {
-    case 0:
-        add(*place, anyTree(random, 1), random);
-        return;
-    case 1:
-        removeOne(*place, random);
-        return;
-    case 2:
-        if (childCount(*place) > 0)
-            add(*place, Node(child(*place, below(childCount(*place), random))), random);
-        return;
-    case 3: {
-        Node inner = std::move(*place);
-        *place = once(2, random) ? Node{Node::Array{}} : Node{Node::Dictionary{}};
-        add(*place, std::move(inner), random);
-        return;
-    }
-    default:
-        *place = anyTree(random, 2);
+    std::vector<Node*> all;
+    collect(root, all);
+    Node& place = *anyOf(all, random);
+    Node other = *anyOf(all, random);
+    if (auto* values = place.as<Node::Array>(); values && !values->empty() && once(4, random))
+        values->pop_back();
+    else if (once(3, random))
+        place = once(2, random) ? std::move(other) : anyTree(random, 2);
+    else if (once(2, random))
+        add(place, once(2, random) ? std::move(other) : anyTree(random, 1), random);
+    else {
+        Node outer = once(2, random) ? Node{Node::Array{}} : Node{Node::Dictionary{}};
+        std::swap(outer, place);
+        add(place, std::move(outer), random);
     }
 }
 

@@ -1,6 +1,4 @@
-#include "formats/lists/PropertyListForms.h"
-#include "fuzzers/lists/ListProperties.h"
-#include "fuzzers/lists/ListTrees.h"
+#include "fuzzers/lists/Lists.h"
 
 namespace dubrix::fuzz {
 

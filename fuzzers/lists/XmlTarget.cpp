@@ -1,6 +1,4 @@
-#include "formats/lists/PropertyListForms.h"
-#include "fuzzers/lists/ListProperties.h"
-#include "fuzzers/lists/ListTrees.h"
+#include "fuzzers/lists/Lists.h"
 
 namespace dubrix::fuzz {
 
@@ -33,15 +31,11 @@ std::vector<std::string> seeds() {
 }
 
 const std::vector<std::string>& vocabulary() {
-    static const std::vector<std::string> words = {
-        "<dict>",     "</dict>",  "<dict/>",   "<array>",   "</array>",
-        "<key>",      "</key>",   "<string>",  "</string>", "<integer>",
-        "</integer>", "<real>",   "</real>",   "<date>",    "</date>",
-        "<data>",     "</data>",  "<true/>",   "<false/>",  "<plist>",
-        "</plist>",   "<!--",     "-->",       "<![CDATA[", "]]>",
-        "<?",         "?>",       "<!DOCTYPE", "&#",        "&amp;",
-        "&#x10FFFF;", "&#xD800;", "&#0;",      "CF$UID",    "encoding='iso-8859-1'",
-        "0x",         "infinity", "nan",       "1e",        "0000-01-01T00:00:00Z"};
+    static const std::vector<std::string> words =
+        wordsOf("<dict>|</dict>|<dict/>|<array>|</array>|<key>|</key>|<string>|</string>|<integer>|"
+                "</integer>|<real>|</real>|<date>|</date>|<data>|</data>|<true/>|<false/>|<plist>|"
+                "</plist>|<!--|-->|<![CDATA[|]]>|<?|?>|<!DOCTYPE|&#|&amp;|&#x10FFFF;|&#xD800;|&#0;|"
+                "CF$UID|encoding='iso-8859-1'|0x|infinity|nan|1e|0000-01-01T00:00:00Z");
     return words;
 }
 

@@ -18,6 +18,9 @@ public:
         al = &given.applications;
     }
     void unload() { al = nullptr; }
+    void workingChanged(bool works) override { changes.push_back(works); }
+
+    std::vector<bool> changes; ///< of whether it works
 };
 
 /// An engine over a scripted catalogue and the real files of a temporary device.
@@ -31,10 +34,10 @@ protected:
         return device.root() / path.substr(1);
     }
 
-    /// Writes the settings file, in the old-style text form.
+    /// Writes the settings file, in the old-style text form. The name of then never counts.
     void choose(const std::string& settings) const { putFile(settingsPath(), settings); }
     void chooseSource(const std::string& identifier, const std::string& more = "") const {
-        choose("{bundleID = \"" + identifier + "\";" + more + "}");
+        choose("{bundleID = \"" + identifier + "\"; appName = Stored;" + more + "}");
     }
 
     DeviceFolder device;

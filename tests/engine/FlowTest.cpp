@@ -1,240 +1,235 @@
-#include "formats/text/PlainText.h"
-#include "terminal/TerminalAlerts.h"
 #include "tests/engine/EngineTest.h"
 
-#include <sstream>
+#include <random>
 
 namespace dubrix {
 
-/// The terminal's alerts, with a person who types what is to be pressed.
-class Terminal final : public RecordedAlerts::FrontEnd, Conversation {
-public:
-    Alerts& renewed() override {
-        alerts_ = std::make_unique<TerminalAlerts>(static_cast<Conversation&>(*this));
-        return *alerts_;
-    }
-    void press(const RecordedAlerts::Alert& alert, const std::string& title) override {
-        said_.clear();
-        typed_ = {"none of them", lowerCase(title.substr(0, 1))};
-        const std::unique_ptr<TerminalAlerts> asking = std::move(alerts_);
-        asking->settle();
-        EXPECT_TRUE(typed_.empty());
-        const std::string heading =
-            alert.title.value_or("") + "\n" + alert.message.value_or("") + "\n[";
-        EXPECT_TRUE(said_.starts_with(heading)) << said_;
-        for (const auto& button : alert.buttons)
-            EXPECT_NE(said_.find("[" + button.title.substr(0, 1) + "]" + button.title.substr(1)),
-                      std::string::npos);
-    }
+namespace {
 
-private:
-    void say(const std::string& text) override { said_ += text; }
-    std::optional<std::string> answer() override {
-        if (typed_.empty())
-            return std::nullopt;
-        const std::string line = typed_.front();
-        typed_.erase(typed_.begin());
-        return line;
-    }
+/// An application: the source, or a duplicate under its number.
+using Application = ScriptedCatalogue::Application;
+/// The source and its hundred numbers.
+using State = std::vector<Application>;
 
-    std::unique_ptr<TerminalAlerts> alerts_;
-    std::string said_;
-    std::vector<std::string> typed_;
+bool isCurrent(const State& state, const Application& application) {
+    return application.version && application.version == state[0].version;
+}
+
+std::string cloning(const State& state, int number) {
+    return stringWithFormat("Cloning %@ %d\nPlease wait...\n\n", state[0].name, number);
+}
+
+std::string offer(const State& state, int number) {
+    const Application& duplicate = state.at(static_cast<std::size_t>(number));
+    return stringWithFormat("Dubrix|An update for %@ %d is available.\nWould you like to update %@ "
+                            "to version %@?|Update|New duplicate|Cancel",
+                            state[0].name, number, duplicate.name, duplicate.version);
+}
+
+/// What the user sees of a walk: it ends at the first number without a current version.
+std::string walkFrom(const State& state, std::size_t start) {
+    for (std::size_t number = start; number <= 100; ++number)
+        if (!isCurrent(state, state[number]))
+            return (state[number].isRegistered ? offer : cloning)(state, static_cast<int>(number));
+    if (start > 100 || !state[100].isRegistered)
+        return "";
+    return stringWithFormat("OH MY GOD!|You have already created 100 versions of %@!|Ok",
+                            state[0].name);
+}
+
+struct Census {
+    explicit Census(const State& state) {
+        const auto isStale = [&state](const Application& duplicate) {
+            return duplicate.isRegistered && !isCurrent(state, duplicate);
+        };
+        const auto begin = state.begin() + 1;
+        const auto end =
+            std::find_if_not(begin, state.end(), std::mem_fn(&Application::isRegistered));
+        run = static_cast<int>(end - begin) % 100;
+        stale = static_cast<int>(std::count_if(begin, end, isStale));
+        first = static_cast<int>(std::find_if(begin, state.end(), isStale) - state.begin());
+    }
+    int run, stale, first;
 };
 
-/// A source named Example, version 2.1, and duplicates as the test says.
-/// The engine's conversations, in a window and in a terminal.
-class FlowTest : public EngineTest, public testing::WithParamInterface<bool> {
-protected:
-    FlowTest() {
-        if (GetParam())
-            alerts.frontEnd = &terminal;
-        given("");
-    }
+/// An absent title is another one than that which reads so.
+std::string titleOf(const State& state) {
+    return state[0].name.value_or("(absent)");
+}
 
-    /// Nothing but the source and these duplicates: "1-3 7=2.0 9= 4!" are four of the source's
-    /// version, one of 2.0 and one without; number 4 is listed, but not registered. "s" is the
-    /// source without a version, "s!" unregistered.
-    void given(const std::string& applications) {
-        chooseSource(source);
-        catalogue.known = {{source, {"Example", "/var/Example.app", "2.1"}}};
-        std::istringstream words(applications);
-        for (std::string word; words >> word;) {
-            const std::size_t end = word.find_first_of("-=!");
-            const std::string rest = end == std::string::npos ? "" : word.substr(end);
-            if (word[0] == 's') {
-                catalogue.known[source] = {"Example", "/var/Example.app", {}, rest != "!"};
-                continue;
-            }
-            Text version = "2.1";
-            if (rest.starts_with("="))
-                version = rest.size() > 1 ? Text(rest.substr(1)) : std::nullopt;
-            const int first = std::stoi(word);
-            const int last = rest.starts_with("-") ? std::stoi(rest.substr(1)) : first;
-            for (int number = first; number <= last; ++number)
-                catalogue.known[source + std::to_string(number)] = {
-                    "Copy " + std::to_string(number), {}, version, rest != "!"};
-        }
+std::string updateAlert(const State& state) {
+    const Census census(state);
+    if (census.run == 0 && census.stale == 0)
+        return titleOf(state) + "|No duplicates for this app|Ok";
+    const std::string head = stringWithFormat("%@|App version: %@\nDuplicates: %d\n\n",
+                                              titleOf(state), state[0].version, census.run);
+    if (census.stale == 0)
+        return head + "All duplicates are up to date|Ok";
+    return head +
+           stringWithFormat("You have %d app(s) that need update!\n\nWould you like to start "
+                            "updating %@ ? (%@ %d)|Cancel|Update",
+                            census.stale, state.at(static_cast<std::size_t>(census.first)).name,
+                            state[0].name, census.first);
+}
+
+std::string question(const State& state) {
+    return stringWithFormat("%@|App size: (null)\nApp version: %@\nDuplicates: %d|Cancel|Duplicate",
+                            titleOf(state), state[0].version, Census(state).run);
+}
+
+/// How often each kind of duplicate comes differs from state to state, so that long runs, gaps and
+/// full houses all occur.
+State randomState(std::mt19937& random) {
+    const auto chance = [&random](unsigned percent) { return random() % 100 < percent; };
+    constexpr std::array<unsigned, 5> rates = {0, 2, 30, 98, 100};
+    const unsigned presence = rates[random() % 5], same = rates[random() % 5];
+    const auto name = [&] {
+        return chance(85) ? Text("Name " + std::to_string(random() % 9)) : Text();
+    };
+    State state(101);
+    state[0] = {name(), {}, chance(85) ? Text("2.1") : std::nullopt};
+    for (std::size_t number = 1; number <= 100; ++number) {
+        Application& duplicate = state[number];
+        duplicate.isRegistered = chance(presence);
+        // The list knows one that is not registered only once in a while.
+        if (duplicate.isRegistered || chance(2))
+            duplicate = {name(),
+                         {},
+                         chance(same) ? "2.1"
+                         : chance(50) ? Text("2.10")
+                                      : Text(),
+                         duplicate.isRegistered};
+    }
+    return state;
+}
+
+} // namespace
+
+/// The engine's conversations.
+class FlowTest : public EngineTest {
+protected:
+    FlowTest() { chooseSource("s"); }
+
+    void given(const State& state) {
+        catalogue.known.clear();
+        for (std::size_t number = 0; number < state.size(); ++number)
+            catalogue.known["s" + (number == 0 ? "" : std::to_string(number))] = state[number];
         journal.clear();
         alerts.current.reset();
         alerts.progress.clear();
+    }
+    /// A source with a current duplicate, one of 2.0 and another current one.
+    void givenAStaleSecond() {
+        chooseSource("s");
+        given({{"Example", "/var/Example.app", "2.1"},
+               {"One", {}, "2.1"},
+               {"Two", {}, "2.0"},
+               {"Three", {}, "2.1"}});
     }
     /// What the user saw first: the pipeline's progress text or an alert.
     std::string outcome() const {
         return alerts.progress.empty() ? alerts.shown() : alerts.progress.front().message;
     }
-    /// The journal with questions in short: "n p v ?" for name, path, version and installed, each
-    /// with the duplicate's number.
-    std::string questions() {
-        std::string text;
-        for (const std::string& entry : std::exchange(journal, {})) {
-            const std::size_t name = entry.find(" " + source);
-            const std::string number = name == std::string::npos ? "" : entry.substr(name + 16);
-            const std::string what = entry.substr(0, name);
-            text += (what == "ask displayName"     ? "n"
-                     : what == "ask path"          ? "p"
-                     : what == "ask bundleVersion" ? "v"
-                     : what == "ask installed"     ? "?"
-                                                   : "[" + what + "]") +
-                    number + " ";
-        }
-        return text;
-    }
-    static std::string cloning(int number) {
-        return "Cloning Example " + std::to_string(number) + "\nPlease wait...\n\n";
+    std::string shownBy(void (CloneEngine::*flow)()) {
+        alerts.current.reset();
+        (engine.*flow)();
+        return alerts.shown();
     }
 
-    const std::string source = "com.example.app";
-    Terminal terminal;
+    const std::string refusal = "Dubrix|Please select an app from the list|Ok";
+    const std::string notInstalled = "Dubrix|The selected app is not installed|Ok";
+    const std::string updating = "Updating Example 2\nto version 2.0\nPlease wait...\n\n";
 };
 
-INSTANTIATE_TEST_SUITE_P(, FlowTest, testing::Bool(), [](const auto& inTerminal) {
-    return inTerminal.param ? "InATerminal" : "InAWindow";
-});
-
-TEST_P(FlowTest, TheWalkActsOnTheFirstNumberThatCallsForIt) {
-    const std::string limit = "OH MY GOD!|You have already created 100 versions of Example!|Ok";
-    const auto offer = [](const std::string& number, const std::string& version) {
-        return "Dubrix|An update for Example " + number + " is available.\nWould you like to " +
-               "update Copy " + number + " to version " + version + "?|Update|New duplicate|Cancel";
-    };
-    const struct {
-        const char* applications;
-        int start;
-        std::string outcome;
-    } cases[] = {
-        {"", 1, cloning(1)},
-        {"1-3", 1, cloning(4)},
-        {"1-2 4", 1, cloning(3)},
-        {"2-3", 2, cloning(4)},
-        {"1=2.0", 1, offer("1", "2.0")},
-        {"1-2 2=9", 1, offer("2", "9")},   // newer is stale, too
-        {"1=2.10", 1, offer("1", "2.10")}, // texts, not numbers
-        {"1=", 1, offer("1", "(null)")},   // no version equals none
-        {"s 1= 2=", 2, offer("2", "(null)")},
-        {"s", 1, cloning(1)},
-        {"2=2.0", 1, cloning(1)}, // behind a gap
-        {"1=2.0", 2, cloning(2)}, // below the start
-        {"1!", 1, cloning(2)},    // not installed, yet with the same version
-        {"1-99", 1, cloning(100)},
-        {"1-100 100=2", 1, offer("100", "2")},
-        {"1-100", 1, limit},
-        {"100", 100, limit},
-        {"1-99 100!", 1, ""},
-        {"", 101, ""},
-    };
-    for (const auto& scene : cases) {
-        given(scene.applications);
-        engine.DuplicateStartAt(scene.start);
-        EXPECT_EQ(outcome(), scene.outcome) << scene.applications << " from " << scene.start;
+TEST_F(FlowTest, FollowsThePlainRulesInAnyState) {
+    std::mt19937 random(1);
+    std::map<std::string, int> kinds;
+    for (int round = 0; round < 2000; ++round) {
+        const State state = randomState(random);
+        given(state);
+        const std::size_t start = random() % 3 == 0 ? 1 + random() % 101 : 1;
+        const std::string expected = walkFrom(state, start);
+        ++kinds[expected.substr(0, 6)];
+        engine.DuplicateStartAt(static_cast<int>(start));
+        ASSERT_EQ(outcome(), expected) << "round " << round << " from " << start;
+        ASSERT_EQ(shownBy(&CloneEngine::showUpdateAlert), updateAlert(state)) << "round " << round;
+        ASSERT_EQ(shownBy(&CloneEngine::showDuplicateAlert), question(state)) << "round " << round;
     }
+    EXPECT_EQ(kinds.size(), 4U) << "every outcome must have occurred";
 }
 
-TEST_P(FlowTest, EveryAnswerToTheUpdatePromptGoesOn) {
-    const auto prompt = [this](int number) {
-        given("1=1.9 2=1.9 100=1.9");
-        engine.updateAlertAt(number);
-    };
-    prompt(1);
-    ASSERT_TRUE(alerts.press("Update"));
-    EXPECT_EQ(outcome(), "Updating Example 1\nto version 1.9\nPlease wait...\n\n");
+TEST_F(FlowTest, EveryAnswerDoesItsOwn) {
     for (const char* const going : {"New duplicate", "Cancel"}) {
-        prompt(1);
+        givenAStaleSecond();
+        engine.updateAlertAt(2);
         ASSERT_TRUE(alerts.press(going));
-        EXPECT_TRUE(alerts.shown().starts_with("Dubrix|An update for Example 2 is")) << going;
+        EXPECT_TRUE(outcome().starts_with("Cloning Example 4\n")) << going;
+        alerts.progress.clear();
+        engine.updateAlertAt(100);
         ASSERT_TRUE(alerts.press(going));
-        EXPECT_EQ(outcome(), cloning(3)) << going;
-        prompt(100);
-        ASSERT_TRUE(alerts.press(going));
-        EXPECT_EQ(outcome(), "") << going;
+        EXPECT_EQ(outcome(), "") << "there is no number 101";
     }
-}
+    catalogue.known["s2"].version.reset();
+    engine.updateAlertAt(2);
+    ASSERT_TRUE(alerts.press("Update"));
+    EXPECT_EQ(outcome(), "Updating Example 2\nto version (null)\nPlease wait...\n\n");
+    choose("{}");
+    engine.updateAlertAt(7);
+    EXPECT_EQ(alerts.shown(), offer(State(8), 7)) << "asks without a source, too";
 
-TEST_P(FlowTest, QuestionsToTheCatalogueComeInTheirOrder) {
-    given("1");
-    commands.act = [this](const std::string&) { journal.pop_back(); };
-    engine.DuplicateStartAt(1);
-    EXPECT_EQ(questions(), "n v ?1 v1 ?2 v2 n p v ?2 v2 "
-                           "[present Dubrix|Cloning Example 2\nPlease wait...\n\n] [dismiss] ?2 ");
-    engine.updateAlertAt(1);
-    EXPECT_EQ(questions(), "n n1 v1 [alert] ");
+    for (const auto flow : {&CloneEngine::showUpdateAlert, &CloneEngine::showDuplicateAlert}) {
+        givenAStaleSecond();
+        (engine.*flow)();
+        ASSERT_TRUE(alerts.press("Cancel"));
+        EXPECT_EQ(outcome(), "");
+    }
     engine.showDuplicateAlert();
-    EXPECT_EQ(questions(), "[log Dubrix - Duplicate Cell Clicked] n p v ? "
-                           "[log int is equal to 1] ?1 [log int is equal to 2] ?2 [alert] ");
-    given("1-3 2=2.0");
-    engine.showUpdateAlert(); // the run, the stale ones of the run, the first
-    EXPECT_EQ(questions(),
-              "n v ? ?1 ?2 ?3 ?4 ?1 v1 ?1 ?2 v2 ?3 v3 ?3 ?4 ?4 ?1 v1 ?2 v2 n2 [alert] ");
-
-    engine.unload();
-    EXPECT_EQ(engine.nameForBundleID(source), std::nullopt);
-    EXPECT_TRUE(engine.isInstalled(source));
-    EXPECT_FALSE(engine.isInstalled("com.Example.app") || engine.isInstalled({}));
-    EXPECT_EQ(questions(), "? [ask installed com.Example.app] ");
+    ASSERT_TRUE(alerts.press("Duplicate"));
+    EXPECT_TRUE(outcome().starts_with("Dubrix|An update for Example 2 is available."));
+    engine.showUpdateAlert();
+    catalogue.known["s1"].version = "2.0"; // meanwhile; the offer stands as it was made
+    ASSERT_TRUE(alerts.press("Update"));
+    EXPECT_EQ(alerts.progress.size(), 1U) << "one confirmation rebuilds one duplicate";
+    EXPECT_EQ(outcome(), updating);
 }
 
-TEST_P(FlowTest, TheRequestAsksOnlyForAnInstalledSource) {
-    const std::string refusal = "Dubrix|Please select an app from the list|Ok";
-    const auto expectShown = [this](const std::string& shown, const char* what) {
-        engine.showDuplicateAlert();
-        EXPECT_EQ(alerts.shown(), shown) << what;
+TEST_F(FlowTest, OnlyAnInstalledSourceIsAskedFor) {
+    const auto expectRefusals = [this](const std::string& duplicate, const std::string& update) {
+        EXPECT_EQ(shownBy(&CloneEngine::showDuplicateAlert), duplicate);
+        EXPECT_EQ(shownBy(&CloneEngine::showUpdateAlert), update);
     };
-    const auto question = [](const std::string& size, const std::string& count) {
-        return "Example|App size: " + size + "\nApp version: 2.1\nDuplicates: " + count +
-               "|Cancel|Duplicate";
-    };
-    expectShown(question("(null)", "0"), "no bundle on the disk");
-    EXPECT_EQ(entriesOf(journal, "log").size(), 2U) << "nothing to measure";
+    for (const char* const settings : {"{}", "<plist", "{bundleID = (a, b);}"}) {
+        choose(settings);
+        expectRefusals(refusal, notInstalled);
+    }
     std::filesystem::remove(settingsPath());
-    expectShown(refusal, "no settings");
-    putFile(settingsPath(), "<plist");
-    expectShown(refusal, "damaged settings");
-    choose("{bundleID = (a, b);}");
-    expectShown(refusal, "no text for an identifier");
+    expectRefusals(refusal, notInstalled);
     catalogue.known["(null)"] = {"Null", {}, {}};
-    expectShown("Dubrix|The selected app is not installed|Ok", "\"(null)\" is installed");
+    expectRefusals(notInstalled, notInstalled);
 
     putFile(onDevice("/var/Example.app/run"), "");
     std::filesystem::resize_file(onDevice("/var/Example.app/run"), 12'345'678);
-    given("s!");
-    expectShown(refusal, "unregistered");
-    EXPECT_EQ(entriesOf(journal, "log").at(1), "Dubrix - Calculating Folder Size")
-        << "measured before it is refused";
-    for (const auto& [applications, count] :
-         {std::pair("", "0"), {"1-2 4", "2"}, {"1=1 2=", "2"}, {"1-99", "99"}, {"1-100", "0"}}) {
-        given(applications);
-        expectShown(question("12.3 MB", count), applications);
-    }
-    given("");
-    engine.showDuplicateAlert();
-    ASSERT_TRUE(alerts.press("Cancel"));
-    EXPECT_EQ(outcome(), "");
-    engine.showDuplicateAlert();
-    ASSERT_TRUE(alerts.press("Duplicate"));
-    EXPECT_EQ(outcome(), cloning(1));
+    givenAStaleSecond();
+    EXPECT_TRUE(
+        shownBy(&CloneEngine::showDuplicateAlert).starts_with("Example|App size: 12.3 MB\n"));
+    const Journal beginning{"Dubrix - Duplicate Cell Clicked", "Dubrix - Calculating Folder Size"};
+    Journal logged = beginning;
+    for (const char* const number : {"1", "2", "3", "4"})
+        logged.push_back(std::string("int is equal to ") + number);
+    EXPECT_EQ(entriesOf(journal, "log"), logged);
+    given({{"Example", "/var/Example.app", "2.1", false}});
+    expectRefusals(refusal, refusal);
+    EXPECT_EQ(entriesOf(journal, "log"), beginning) << "measured before it is refused";
+
+    givenAStaleSecond();
+    engine.unload();
+    EXPECT_EQ(engine.nameForBundleID("s"), std::nullopt) << "there is no list yet";
+    EXPECT_TRUE(engine.isInstalled("s"));
+    EXPECT_FALSE(engine.isInstalled("S") || engine.isInstalled({}));
 }
 
-TEST_P(FlowTest, NothingBeginsInsideARun) {
+TEST_F(FlowTest, NothingBeginsInsideARun) {
+    givenAStaleSecond();
     bool inside = false;
     commands.act = [this, &inside](const std::string&) {
         if (std::exchange(inside, true))
@@ -245,98 +240,40 @@ TEST_P(FlowTest, NothingBeginsInsideARun) {
         engine.duplicateAppWithNumber("2");
         engine.installerCheck();
     };
-    engine.DuplicateStartAt(1);
-    EXPECT_EQ(outcome(), cloning(1));
+    alerts.presenting = [this] { EXPECT_EQ(engine.changes.back(), true); };
+    engine.DuplicateStartAt(3);
+    EXPECT_EQ(engine.changes, (std::vector<bool>{true, false}));
     EXPECT_EQ(alerts.progress.size(), 1U);
     EXPECT_EQ(alerts.shown(), "");
     EXPECT_EQ(entriesOf(journal, "run").size(), 3U);
-    engine.DuplicateStartAt(1);
+    engine.DuplicateStartAt(3);
     EXPECT_EQ(alerts.progress.size(), 2U) << "and afterwards again";
 }
 
-TEST_P(FlowTest, OneAtATimeWalksOnADevice) {
+TEST_F(FlowTest, OneAtATimeWalksOnADevice) {
     std::filesystem::create_directories(onDevice("/var/containers/Bundle/Application"));
     PosixDeviceClaim other(device.root());
-    const auto isFree = [&other] {
-        const bool claimed = other.claim();
-        if (claimed)
-            other.release();
-        return claimed;
-    };
-    ASSERT_TRUE(other.claim());
+    bool isFree = false;
+    commands.act = [&](const std::string&) { isFree = isFree || other.claim(); };
     for (const auto& run :
-         {std::function<void()>([this] { engine.DuplicateStartAt(1); }),
-          std::function<void()>([this] { engine.duplicateAppWithNumber("1"); })}) {
-        given("1=2.0");
-        stage.text.reset();
+         {std::function<void()>([this] { engine.DuplicateStartAt(3); }),
+          std::function<void()>([this] { engine.duplicateAppWithNumber("3"); })}) {
+        ASSERT_TRUE(other.claim());
+        givenAStaleSecond();
         run();
         EXPECT_EQ(stage.text, "Another duplication is running on this device.");
         EXPECT_EQ(stage.image, "ProgressHUD.bundle/progresshud-error.png");
-        EXPECT_EQ(outcome() + alerts.shown(), "");
-        EXPECT_FALSE(isFree());
+        EXPECT_EQ(outcome(), "");
+        EXPECT_FALSE(PosixDeviceClaim(device.root()).claim()) << "still another's";
+        stage.text.reset();
+        engine.DuplicateStartAt(101);
+        EXPECT_EQ(stage.text, std::nullopt) << "nothing to claim the device for";
+        EXPECT_NE(shownBy(&CloneEngine::showDuplicateAlert), "") << "a question harms nobody";
+        other.release();
+        run();
+        EXPECT_EQ(alerts.progress.size(), 1U);
+        EXPECT_FALSE(isFree) << "meanwhile";
     }
-    stage.text.reset();
-    engine.DuplicateStartAt(101);
-    EXPECT_EQ(stage.text, std::nullopt) << "nothing to claim the device for";
-    engine.showDuplicateAlert();
-    EXPECT_TRUE(alerts.shown().ends_with("|Cancel|Duplicate")) << "a question harms nobody";
-
-    other.release();
-    int commandsSeen = 0;
-    commands.act = [&](const std::string&) {
-        ++commandsSeen;
-        EXPECT_FALSE(isFree());
-    };
-    for (const char* const applications : {"1", "1=2.0", "1-100"}) {
-        given(applications); // a run, an offer, the limit
-        engine.DuplicateStartAt(1);
-        EXPECT_NE(outcome(), "");
-        EXPECT_TRUE(isFree()) << applications;
-    }
-    EXPECT_EQ(commandsSeen, 3);
-}
-
-TEST_P(FlowTest, TheUpdateFlowTellsTheCensus) {
-    const std::string none = "Example|No duplicates for this app|Ok";
-    const std::string head = "Example|App version: 2.1\nDuplicates: ";
-    const std::string current = "\n\nAll duplicates are up to date|Ok";
-    const auto offer = [&](const char* count, const char* stale, const std::string& first) {
-        return head + count + "\n\nYou have " + stale +
-               " app(s) that need update!\n\nWould you like to start updating Copy " + first +
-               " ? (Example " + first + ")|Cancel|Update";
-    };
-    const struct {
-        const char* applications;
-        std::string outcome;
-    } cases[] = {
-        {"s!", "Dubrix|Please select an app from the list|Ok"},
-        {"", none},
-        {"1-4", head + "4" + current},
-        {"1-4 2=2 4=3", offer("4", "2", "2")},
-        {"1 3=2", head + "1" + current}, // behind a gap
-        {"1=2 3=2 4=2", offer("1", "1", "1")},
-        {"2=2 3=2", none},
-        {"1-100", none},
-        {"1-100 100=", offer("0", "1", "100")},
-    };
-    for (const auto& scene : cases) {
-        given(scene.applications);
-        engine.showUpdateAlert();
-        EXPECT_EQ(alerts.shown(), scene.outcome) << scene.applications;
-    }
-    choose("{}");
-    engine.showUpdateAlert();
-    EXPECT_EQ(alerts.shown(), "Dubrix|The selected app is not installed|Ok");
-
-    given("1-4 2=2.0");
-    engine.showUpdateAlert();
-    ASSERT_TRUE(alerts.press("Cancel"));
-    EXPECT_EQ(outcome(), "");
-    engine.showUpdateAlert();
-    catalogue.known[source + "1"].version = "2.0"; // meanwhile; the offer stands as it was made
-    ASSERT_TRUE(alerts.press("Update"));
-    EXPECT_EQ(alerts.progress.size(), 1U) << "one confirmation rebuilds one duplicate";
-    EXPECT_EQ(outcome(), "Updating Example 2\nto version 2.0\nPlease wait...\n\n");
 }
 
 } // namespace dubrix

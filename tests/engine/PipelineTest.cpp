@@ -32,26 +32,20 @@ protected:
     ~PipelineTest() override { fs::current_path("/"); }
 
     void installSource(const std::string& displayName, const std::string& version = "2.1") {
-        const std::string bundle = "Payload/Example.app/";
         PropertyList info = *PropertyList::parse("{CFBundleIconFiles = (Icon); Blob = <0001>;"
                                                  "Nested = {CFBundleIdentifier = a;};}");
         info.setValueForKey("CFBundleIdentifier", PropertyList::string(source));
         info.setValueForKey("CFBundleDisplayName", PropertyList::string(displayName));
         info.setValueForKey("CFBundleVersion", PropertyList::string(version));
         info.setValueForKey("MinimumOSVersion", PropertyList::real(9.1));
-        const auto file = [&bundle](const char* name, const char* data, mode_t mode) {
-            return ZipItem{bundle + name, data, mode};
-        };
-        const auto archive =
-            device.archive("source.ipa", zipOf({{bundle + "Info.plist", info.binary()},
-                                                file("Icon.png", "image", S_IFREG | 0644),
-                                                file("run", "#!/bin/sh", S_IFREG | 0751),
-                                                file("a b/'quoted' \\ *", "odd", S_IFREG | 0444),
-                                                file("a b/link", "../run", S_IFLNK | 0777),
-                                                file("dangling", "nowhere", S_IFLNK | 0777),
-                                                file(".hidden", "", S_IFREG | 0640),
-                                                file("empty/", "", S_IFDIR | 0750)}));
-        ASSERT_TRUE(device.installer().install(archive));
+        std::vector<ZipItem> items{
+            {"Info.plist", info.binary()},          {"Icon.png", "image"},
+            {"run", "#!/bin/sh", S_IFREG | 0751},   {"a b/'quoted' \\ *", "odd", S_IFREG | 0444},
+            {"a b/link", "../run", S_IFLNK | 0777}, {"dangling", "nowhere", S_IFLNK | 0777},
+            {".hidden", "", S_IFREG | 0640},        {"empty/", "", S_IFDIR | 0750}};
+        for (ZipItem& item : items)
+            item.name.insert(0, "Payload/Example.app/");
+        ASSERT_TRUE(device.installer().install(device.archive("source.ipa", zipOf(items))));
     }
     /// Everything in an application's bundle but its Info.plist, with permissions.
     std::map<std::string, std::string> contentsOfBundle(const std::string& identifier) const {
@@ -70,10 +64,8 @@ protected:
     /// Runs the pipeline; gives what the overlay says.
     std::string duplicate(const std::string& number) {
         journal.clear();
-        stage.text.reset();
-        alerts.progress.clear();
         onDeviceEngine.duplicateAppWithNumber(number);
-        return stage.text.value_or("");
+        return std::exchange(stage.text, std::nullopt).value_or("");
     }
     /// The paths of what was on the device and is not as it was.
     std::vector<std::string> changedSince(const std::map<std::string, std::string>& before) const {
@@ -102,6 +94,10 @@ protected:
 TEST_F(PipelineTest, ADuplicateDiffersInTwoKeysOnly) {
     installSource("My App");
     chooseSource(source);
+    alerts.presenting = [this] {
+        EXPECT_TRUE(fs::is_directory(onDevice("/tmp/My App/Payload"))) << "made beforehand";
+    };
+    stage.whenTold = [this] { EXPECT_EQ(staged().size(), 1U) << "removed after success is told"; };
     const std::string path = *onDevicePlatform.applications.valueForKey("path", source);
     EXPECT_EQ(duplicate("7"), "My App successfully duplicated.");
     EXPECT_EQ(stage.image, "ProgressHUD.bundle/progresshud-success.png");
@@ -139,20 +135,18 @@ TEST_F(PipelineTest, ARebuildAlwaysEndsInSuccess) {
 }
 
 TEST_F(PipelineTest, TheDisplayNameFollowsTheChoice) {
-    const std::tuple<const char*, const char*, Text> cases[] = {
-        {"off", "customText = Work;", "Example 12"},
-        {"off, false", "customText = Work; customNameToggle = 0;", "Example 12"},
-        {"on", "customText = \" W\\U00f6rk & <Play> \"; customNameToggle = 1;", " Wörk & <Play> "},
-        {"empty", "customText = \"\"; customNameToggle = 1;", ""},
-        {"absent", "customNameToggle = 1;", std::nullopt},
-    };
+    const std::pair<const char*, Text> cases[] = {
+        {"customText = Work; customNameToggle = 0;", "Example 12"},
+        {"customText = \" W\\U00f6rk & <Play> \"; customNameToggle = 1;", " Wörk & <Play> "},
+        {"customText = \"\"; customNameToggle = 1;", ""},
+        {"customNameToggle = 1;", std::nullopt}};
     installSource("Example");
-    for (const auto& [what, choice, name] : cases) {
+    for (const auto& [choice, name] : cases) {
         chooseSource(source, choice);
-        EXPECT_EQ(duplicate("12"), "Example successfully duplicated.") << what;
-        EXPECT_EQ(infoOf("com.example.app12").stringForKey("CFBundleDisplayName"), name) << what;
-        EXPECT_EQ(infoOf("com.example.app12").keys().size(),
-                  infoOf(source).keys().size() - (name ? 0 : 1));
+        EXPECT_EQ(duplicate("12"), "Example successfully duplicated.") << choice;
+        const PropertyList info = infoOf("com.example.app12");
+        EXPECT_EQ(info.stringForKey("CFBundleDisplayName"), name) << choice;
+        EXPECT_EQ(info.keys().size() + (name ? 0 : 1), infoOf(source).keys().size());
     }
 }
 
@@ -180,17 +174,20 @@ TEST_F(PipelineTest, AFailureLeavesTheStagingRootForTheNextRun) {
     EXPECT_EQ(changedSince(before), std::vector<std::string>());
 }
 
-TEST_F(PipelineTest, TintsBetweenEditingAndPacking) {
+TEST_F(PipelineTest, TintsBetweenEditingAndPackingAsWasChosenAtFirst) {
     installSource("Example");
     chooseSource(source, "customColorToggle = 1;");
     const fs::path info = onDevice("/tmp/Example/Payload/Example.app/Info.plist");
+    alerts.presenting = [this] {
+        chooseSource(source, "customText = Late; customNameToggle = 1;");
+    };
     filter.afterwards = [&] {
         const auto edited = PropertyList::parse(contentsOf(info));
-        journal.push_back("tint " + edited->stringForKey("CFBundleIdentifier").value_or(""));
+        journal.push_back("tint " + edited->stringForKey("CFBundleDisplayName").value_or(""));
     };
     EXPECT_EQ(duplicate("2"), "Example successfully duplicated.");
     ASSERT_EQ(journal.size(), 6U);
-    EXPECT_EQ(journal[2], "tint com.example.app2");
+    EXPECT_EQ(journal[2], "tint Example 2");
     EXPECT_TRUE(journal[1].starts_with("run cp ") && journal[3].starts_with("run cd "));
     auto expected = contentsOfBundle(source);
     expected["/Icon.png"] += "+";
@@ -204,43 +201,31 @@ TEST_F(PipelineTest, AbsentValuesReadNull) {
                                 "run cp -rf '(null)' '/tmp/(null)/Payload/'",
                                 "run cd /tmp/'(null)'/ && zip -r '(null)'.ipa *",
                                 "run ipainstaller -f /tmp/'(null)'/'(null)'.ipa", "dismiss"}));
-    EXPECT_EQ(alerts.progress[0].spinnerFrame.origin.x, -10);
-    EXPECT_EQ(alerts.progress[0].spinnerFrame.origin.y, -150);
-}
-
-struct OddName {
-    const char* what;
-    const char* name;
-    bool works;
-};
-
-void PrintTo(const OddName& odd, std::ostream* out) {
-    *out << odd.what;
-}
-
-class OddNameTest : public PipelineTest, public testing::WithParamInterface<OddName> {};
-
-TEST_P(OddNameTest, HarmsNothing) {
-    const auto& [what, name, works] = GetParam();
-    installSource(name);
-    chooseSource(source);
-    putFile(onDevice("/tmp/kept/file"), "kept");
-    const auto before = device.snapshot();
-    EXPECT_EQ(duplicate("1"), works ? std::string(name) + " successfully duplicated."
-                                    : "Failed to duplicate " + std::string(name) + ".");
-    EXPECT_EQ(changedSince(before), std::vector<std::string>());
-    EXPECT_EQ(std::distance(fs::directory_iterator(device.folder().path()), {}), 2)
-        << "the device and the source's archive";
+    EXPECT_EQ(alerts.progress[0].spinnerFrame, (Rect{{-10, -150}, {20, 20}}));
 }
 
 // Without a namespace a shell obeys a quote in a name, so the one here names paths that are moved
 // to the device.
-INSTANTIATE_TEST_SUITE_P(Names, OddNameTest,
-                         testing::Values(OddName{"empty", "", true}, OddName{"dot", ".", true},
-                                         OddName{"dots", "..", true},
-                                         OddName{"quote", "x'; cp -r /tmp '/var/pwned", false},
-                                         OddName{"option", "-rf *", false},
-                                         OddName{"slash", "a/b", false},
-                                         OddName{"expansion", "$(exit)`exit`", true}));
+TEST_F(PipelineTest, OddNamesHarmNothing) {
+    putFile(onDevice("/tmp/kept/file"), "kept");
+    for (const auto& [name, works] : {std::pair("", true),
+                                      {".", true},
+                                      {"..", true},
+                                      {"x'; cp -r /tmp '/var/pwned", false},
+                                      {"-rf *", false},
+                                      {"a/b", false},
+                                      {"$(exit)`exit`", true}}) {
+        installSource(name);
+        chooseSource(source);
+        fs::remove_all(onDevice("/tmp/Payload")); // where "" and "." are staged
+        const auto before = device.snapshot();
+        EXPECT_EQ(duplicate("1"), works ? std::string(name) + " successfully duplicated."
+                                        : "Failed to duplicate " + std::string(name) + ".");
+        EXPECT_EQ(changedSince(before), std::vector<std::string>()) << name;
+        EXPECT_EQ(std::distance(fs::directory_iterator(device.folder().path()), {}), 2)
+            << "the device and the source's archive";
+        EXPECT_EQ(bool(device.installer().uninstall("com.example.app1")), works);
+    }
+}
 
 } // namespace dubrix

@@ -4,16 +4,29 @@
 
 #include <map>
 #include <utility>
+#include <variant>
 
 namespace dubrix {
 
-/// A stage that draws nothing: it keeps what each piece was told, the order of what was done, and
-/// a clock that only `advance` moves. Its threads run within runOnNewThread, or when they are let
-/// go, and their sleep only dates what they post. Touching a piece that is not there throws.
+/// A stage that draws nothing: it keeps how each piece looks, where it lies and what it was told,
+/// and a clock that only `advance` moves. Its threads run within runOnNewThread, or when they are
+/// let go, and their sleep only dates what they post. Touching a piece that is not there throws.
 class FakeStage : public OverlayStage {
 public:
     using Notified = std::function<void(const OverlayNotification&)>;
     using Work = std::function<void()>;
+    using Look = std::variant<BackgroundAppearance, HudAppearance, SpinnerAppearance,
+                              ImageAppearance, LabelAppearance>;
+    using Parent = std::variant<std::monostate, Piece, WindowId>;
+
+    struct Drawn : PieceChange {
+        Look look;
+        Parent parent;
+    };
+    struct Animated {
+        PieceChange from, to;
+        Animation how;
+    };
 
     // What the platform is like.
     Rect screen{{0, 0}, {320, 480}};
@@ -22,13 +35,16 @@ public:
     std::vector<WindowContents> contents;
     Size measured{150, 20};
     bool holdThreads = false;
+    Work whenTold = [] {};
 
     // What became of it.
-    std::vector<std::string> log;
-    std::map<Piece, PieceChange> pieces;
+    int calls = 0;
+    std::map<Piece, Drawn> pieces;
+    std::vector<Piece> removed;
     std::optional<std::string> text, image;
     bool spinning = false;
-    std::vector<std::pair<PieceChange, Animation>> animations;
+    std::pair<Font, Size> measuredBy;
+    std::vector<Animated> animations;
     std::vector<std::pair<OverlayNotification::Name, Notified>> handlers;
     std::vector<double> sleeps;
 
@@ -48,47 +64,52 @@ public:
             if (name == notification.name)
                 handler(notification);
     }
-    bool shows() const { return pieces.count(Piece::Hud) != 0; }
+    bool shows() const { return pieces.contains(Piece::Hud); }
 
     Rect mainScreenBounds() override { return screen; }
     Orientation statusBarOrientation() override { return orientation; }
     std::optional<WindowId> delegateWindow() override { return delegate; }
     std::optional<WindowId> keyWindow() override { return WindowId{8}; }
-    Rect windowFrame(WindowId) override { return {{0, 20}, {320, 460}}; }
+    Rect windowFrame(WindowId window) override {
+        return {{0, 20}, {320, 460 + static_cast<double>(window)}};
+    }
     std::vector<WindowContents> windows() override { return contents; }
-    Size measureText(const std::string&, const Font&, Size) override { return measured; }
-    void makeBackground(const BackgroundAppearance&) override { make(Piece::Background); }
-    void makeHud(const HudAppearance&) override { make(Piece::Hud); }
-    void makeSpinner(const SpinnerAppearance&) override { make(Piece::Spinner); }
-    void makeImage(const ImageAppearance&) override { make(Piece::Image); }
-    void makeLabel(const LabelAppearance&) override { make(Piece::Label); }
-    void addToWindow(Piece piece, WindowId window) override {
-        note("add " + name(piece) + " to window " + std::to_string(static_cast<int>(window)));
+    Size measureText(const std::string&, const Font& font, Size limit) override {
+        measuredBy = {font, limit};
+        return measured;
     }
-    void addToPiece(Piece piece, Piece parent) override {
-        note("add " + name(piece) + " to " + name(parent));
+    void makeBackground(const BackgroundAppearance& look) override {
+        make(Piece::Background, look);
     }
+    void makeHud(const HudAppearance& look) override { make(Piece::Hud, look); }
+    void makeSpinner(const SpinnerAppearance& look) override { make(Piece::Spinner, look); }
+    void makeImage(const ImageAppearance& look) override { make(Piece::Image, look); }
+    void makeLabel(const LabelAppearance& look) override { make(Piece::Label, look); }
+    void addToWindow(Piece piece, WindowId window) override { touched(piece).parent = window; }
+    void addToPiece(Piece piece, Piece parent) override { touched(piece).parent = parent; }
     void removeFromParent(Piece piece) override {
-        note("remove " + name(piece));
-        pieces.erase(piece);
+        touched(piece);
+        removed.push_back(piece);
+        std::erase_if(pieces, [piece](const auto& other) {
+            return other.first == piece || other.second.parent == Parent(piece);
+        });
     }
-    void change(Piece piece, const PieceChange& given) override {
-        note("change " + name(piece) + apply(piece, given));
-    }
+    void change(Piece piece, const PieceChange& given) override { apply(touched(piece), given); }
     void setLabelText(const std::optional<std::string>& given) override {
-        note("text");
+        touched(Piece::Label);
         text = given;
+        whenTold();
     }
     void setImage(const std::optional<std::string>& fileName) override {
-        note("image");
+        touched(Piece::Image);
         image = fileName;
     }
-    void startSpinner() override { spinning = note("start spinner"); }
-    void stopSpinner() override { spinning = !note("stop spinner"); }
+    void startSpinner() override { touched(Piece::Spinner), spinning = true; }
+    void stopSpinner() override { touched(Piece::Spinner), spinning = false; }
     void animate(Piece piece, const PieceChange& given, const Animation& animation,
                  Work completion) override {
-        note("animate " + name(piece) + apply(piece, given));
-        animations.emplace_back(given, animation);
+        animations.push_back({touched(piece), given, animation});
+        apply(pieces.at(piece), given);
         if (completion)
             due_.emplace(now_ + animation.duration, std::move(completion));
     }
@@ -110,35 +131,25 @@ public:
     void cancelThreads() override { held_.clear(); }
 
 private:
-    static std::string name(Piece piece) {
-        static const char* const names[] = {"background", "hud", "spinner", "image", "label"};
-        return names[static_cast<int>(piece)];
-    }
-    bool note(const std::string& what) {
-        log.push_back(what);
-        return true;
-    }
-    void make(Piece piece) {
-        note("make " + name(piece));
+    void make(Piece piece, const Look& look) {
         pieces[piece] = {};
+        touched(piece).look = look;
     }
-    /// The names of the properties that were given.
-    std::string apply(Piece piece, const PieceChange& given) {
-        PieceChange& state = pieces.at(piece);
-        std::string names;
-        const auto set = [&](const char* property, auto PieceChange::* value) {
-            if (!(given.*value))
-                return;
-            state.*value = given.*value;
-            names += property;
+    Drawn& touched(Piece piece) {
+        ++calls;
+        return pieces.at(piece);
+    }
+    static void apply(PieceChange& state, const PieceChange& given) {
+        const auto set = [&](auto PieceChange::* value) {
+            if (given.*value)
+                state.*value = given.*value;
         };
-        set(" bounds", &PieceChange::bounds);
-        set(" frame", &PieceChange::frame);
-        set(" center", &PieceChange::center);
-        set(" alpha", &PieceChange::alpha);
-        set(" scale", &PieceChange::scale);
-        set(" hidden", &PieceChange::hidden);
-        return names;
+        set(&PieceChange::bounds);
+        set(&PieceChange::frame);
+        set(&PieceChange::center);
+        set(&PieceChange::alpha);
+        set(&PieceChange::scale);
+        set(&PieceChange::hidden);
     }
 
     double now_ = 0;

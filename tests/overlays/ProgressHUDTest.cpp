@@ -2,110 +2,127 @@
 #include "overlays/TimedWorkers.h"
 #include "tests/overlays/FakeStage.h"
 
-#include <algorithm>
+#include <fstream>
+#include <future>
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 namespace dubrix {
 
 using enum OverlayNotification::Name;
 
+using Text = std::optional<std::string>;
+
 struct ProgressHUDTest : ::testing::Test {
     ProgressHUDTest() { ProgressHUD::useStage(stage); }
     ~ProgressHUDTest() override { ProgressHUD::withdrawStage(); }
 
-    Point center() const { return stage.pieces.at(Piece::Hud).center.value(); }
-    long count(const std::string& call) const {
-        return std::count(stage.log.begin(), stage.log.end(), call);
+    const PieceChange& state(Piece piece) const { return stage.pieces.at(piece); }
+    FakeStage::Look look(Piece piece) const { return stage.pieces.at(piece).look; }
+    FakeStage::Parent parent(Piece piece) const { return stage.pieces.at(piece).parent; }
+    void expectAnimated(const PieceChange& to, const Animation& how) const {
+        EXPECT_EQ(stage.animations.back().to, to);
+        EXPECT_EQ(stage.animations.back().how, how);
     }
 
     FakeStage stage;
 };
 
-TEST_F(ProgressHUDTest, BuildsTheBoxInOrderAndTakesItDownInOrder) {
-    ProgressHUD::showSuccess("done", false);
-    const std::vector<std::string> built{"make hud",
-                                         "make background",
-                                         "add background to window 7",
-                                         "add hud to background",
-                                         "make spinner",
-                                         "add spinner to hud",
-                                         "make image",
-                                         "add image to hud",
-                                         "make label",
-                                         "add label to hud",
-                                         "text",
-                                         "change label hidden",
-                                         "image",
-                                         "change image hidden",
-                                         "stop spinner",
-                                         "change label frame",
-                                         "change hud bounds",
-                                         "change spinner center",
-                                         "change image center",
-                                         "animate hud center",
-                                         "change hud alpha",
-                                         "change hud scale",
-                                         "animate hud alpha scale"};
-    EXPECT_EQ(stage.log, built);
-    EXPECT_EQ(stage.handlers.size(), 5U);
-
-    stage.log.clear();
-    ProgressHUD::dismiss();
-    stage.advance(0.14);
-    EXPECT_EQ(stage.log, std::vector<std::string>{"animate hud alpha scale"});
-    stage.advance(0.01);
-    const std::vector<std::string> takenDown{
-        "animate hud alpha scale", "remove label", "remove image",
-        "remove spinner",          "remove hud",   "remove background"};
-    EXPECT_EQ(stage.log, takenDown);
-    EXPECT_TRUE(stage.handlers.empty());
+TEST_F(ProgressHUDTest, EachPieceLooksAsItShould) {
+    using Look = FakeStage::Look;
+    ProgressHUD::show("x", false);
+    EXPECT_EQ(look(Piece::Background),
+              Look(BackgroundAppearance{{{0, 20}, {320, 467}}, {0, 0, 0, 0.2}}));
+    EXPECT_EQ(look(Piece::Hud), Look(HudAppearance{{}, true, {0, 0, 0, 0.1}, 10, true}));
+    EXPECT_EQ(look(Piece::Spinner),
+              Look(SpinnerAppearance{
+                  SpinnerStyle::WhiteLarge, {185 / 255.0, 220 / 255.0, 47 / 255.0, 1}, true}));
+    EXPECT_EQ(look(Piece::Image), Look(ImageAppearance{{{0, 0}, {28, 28}}}));
+    EXPECT_EQ(look(Piece::Label), Look(LabelAppearance{{},
+                                                       {16, true},
+                                                       {0, 0, 0, 1},
+                                                       {},
+                                                       TextAlignment::Center,
+                                                       BaselineAdjustment::AlignCenters,
+                                                       0}));
+    EXPECT_EQ(stage.measuredBy, std::pair(Font(16, true), Size(200, 300)));
+    for (const Piece piece : {Piece::Spinner, Piece::Image, Piece::Label})
+        EXPECT_EQ(parent(piece), FakeStage::Parent(Piece::Hud));
 }
 
 TEST_F(ProgressHUDTest, EachShowSaysItsOwn) {
-    const std::string success = "ProgressHUD.bundle/progresshud-success.png";
-    const std::string error = "ProgressHUD.bundle/progresshud-error.png";
-    const auto expect = [&](const std::optional<std::string>& image, std::size_t timedHides) {
+    const Text none, success = "ProgressHUD.bundle/progresshud-success.png",
+                     error = "ProgressHUD.bundle/progresshud-error.png";
+    const struct {
+        std::function<void()> show;
+        bool interaction;
+        Text image;
+    } cases[] = {
+        {[] { ProgressHUD::show("m"); }, true, none},
+        {[] { ProgressHUD::show("m", true); }, true, none},
+        {[] { ProgressHUD::show("m", false); }, false, none},
+        {[] { ProgressHUD::showSuccess("m"); }, true, success},
+        {[] { ProgressHUD::showSuccess("m", false); }, false, success},
+        {[] { ProgressHUD::showError("m"); }, true, error},
+        {[] { ProgressHUD::showError("m", false); }, false, error},
+    };
+    for (const auto& [show, interaction, image] : cases) {
+        SCOPED_TRACE(image.value_or("show") + (interaction ? "" : ", covering"));
+        show();
         EXPECT_EQ(stage.text, "m");
         EXPECT_EQ(stage.image, image);
-        EXPECT_EQ(stage.pieces.at(Piece::Image).hidden, !image);
+        EXPECT_EQ(state(Piece::Image).hidden, !image);
         EXPECT_EQ(stage.spinning, !image);
-        EXPECT_EQ(stage.sleeps.size(), timedHides);
-        EXPECT_TRUE(ProgressHUD::shared()->interaction());
-    };
+        EXPECT_EQ(ProgressHUD::shared()->interaction(), interaction);
+        EXPECT_EQ(stage.pieces.contains(Piece::Background), !interaction);
+        EXPECT_EQ(parent(interaction ? Piece::Hud : Piece::Background),
+                  FakeStage::Parent(WindowId{7}));
+        EXPECT_EQ(parent(Piece::Hud) == FakeStage::Parent(Piece::Background), !interaction);
+        EXPECT_EQ(stage.handlers.size(), 5U);
+        stage.advance(60);
+        stage.advance(0.15);
+        EXPECT_EQ(stage.shows(), !image) << "what has an image hides itself";
+        ProgressHUD::dismiss();
+        stage.advance(0.14);
+        EXPECT_EQ(stage.shows(), !image);
+        stage.advance(0.01);
+        EXPECT_TRUE(stage.pieces.empty() && stage.handlers.empty());
+        EXPECT_EQ(std::exchange(stage.removed, {}).size(), interaction ? 4U : 5U);
+    }
+}
+
+TEST_F(ProgressHUDTest, ABoxThatIsUpStaysAndSaysSomethingElse) {
     ProgressHUD::show("m");
-    expect(std::nullopt, 0);
-    ProgressHUD::showSuccess("m");
-    expect(success, 1);
-    ProgressHUD::show("m", true);
-    expect(std::nullopt, 1);
-    ProgressHUD::showError("m");
-    expect(error, 2);
-    EXPECT_EQ(count("add hud to window 7"), 1) << "placed, observed and popped in once";
+    const std::size_t animations = stage.animations.size();
+    stage.pieces.at(Piece::Hud).parent = stage.pieces.at(Piece::Label).parent = {};
+    ProgressHUD::showError("n", false);
+    EXPECT_EQ(stage.text, "n");
+    EXPECT_FALSE(stage.pieces.contains(Piece::Background));
+    EXPECT_EQ(parent(Piece::Hud), FakeStage::Parent()) << "not placed again";
+    EXPECT_EQ(parent(Piece::Label), FakeStage::Parent());
     EXPECT_EQ(stage.handlers.size(), 5U);
-    EXPECT_EQ(count("animate hud alpha scale"), 1);
-    ProgressHUD::showError("m", false);
-    EXPECT_EQ(count("make background"), 0) << "a box that is up stays where it is";
+    EXPECT_EQ(stage.animations.size(), animations + 1) << "its place, and no popping in";
 }
 
 TEST_F(ProgressHUDTest, TheBoxFitsItsText) {
     struct Case {
         double textWidth, boxWidth, labelX, labelWidth;
     };
-    for (const Case& c : {Case{50, 100, 0, 100}, Case{75.9, 100, 0, 100}, Case{76, 100, 12, 76},
-                          Case{150, 174, 12, 150}, Case{0, 100, 0, 100}}) {
+    for (const Case& c : {Case{0, 100, 0, 100}, Case{75.9, 100, 0, 100}, Case{76, 100, 12, 76},
+                          Case{150, 174, 12, 150}}) {
         stage.measured = {c.textWidth, 20};
         ProgressHUD::show(c.textWidth == 0 ? "" : "text");
-        EXPECT_EQ(stage.pieces[Piece::Hud].bounds, (Size{c.boxWidth, 100})) << c.textWidth;
-        EXPECT_EQ(stage.pieces[Piece::Label].frame, (Rect{{c.labelX, 66}, {c.labelWidth, 20}}));
-        EXPECT_EQ(stage.pieces[Piece::Label].hidden, false);
-        EXPECT_EQ(stage.pieces[Piece::Spinner].center, (Point{c.boxWidth / 2, 36}));
+        EXPECT_EQ(state(Piece::Hud).bounds, (Size{c.boxWidth, 100})) << c.textWidth;
+        EXPECT_EQ(state(Piece::Label).frame, (Rect{{c.labelX, 66}, {c.labelWidth, 20}}));
+        EXPECT_EQ(state(Piece::Label).hidden, false);
+        EXPECT_EQ(state(Piece::Spinner).center, (Point{c.boxWidth / 2, 36}));
     }
     ProgressHUD::show(std::nullopt);
-    EXPECT_EQ(stage.pieces[Piece::Hud].bounds, (Size{100, 100}));
-    EXPECT_EQ(stage.pieces[Piece::Label].frame, Rect{});
-    EXPECT_EQ(stage.pieces[Piece::Label].hidden, true);
-    EXPECT_EQ(stage.pieces[Piece::Spinner].center, (Point{50, 50}));
-    EXPECT_EQ(stage.pieces[Piece::Image].center, (Point{50, 50}));
+    EXPECT_EQ(state(Piece::Hud).bounds, (Size{100, 100}));
+    EXPECT_EQ(state(Piece::Label).frame, Rect{});
+    EXPECT_EQ(state(Piece::Label).hidden, true);
+    EXPECT_EQ(state(Piece::Spinner).center, (Point{50, 50}));
+    EXPECT_EQ(state(Piece::Image).center, (Point{50, 50}));
 }
 
 TEST_F(ProgressHUDTest, TheBoxKeepsClearOfTheKeyboard) {
@@ -123,11 +140,14 @@ TEST_F(ProgressHUDTest, TheBoxKeepsClearOfTheKeyboard) {
         stage.orientation = static_cast<Orientation>(c.orientation);
         stage.contents = {decoy};
         ProgressHUD::show("x");
-        EXPECT_EQ(center(), c.without) << c.orientation;
+        EXPECT_EQ(state(Piece::Hud).center, c.without) << c.orientation;
         stage.contents = {decoy, other, later};
         ProgressHUD::show("x");
-        EXPECT_EQ(center(), c.with) << c.orientation;
+        expectAnimated({.center = c.with}, {0, false, true});
     }
+    stage.contents = {decoy, later};
+    ProgressHUD::show("x");
+    EXPECT_EQ(state(Piece::Hud).center, (Point{160, 205}));
 }
 
 TEST_F(ProgressHUDTest, TheBoxFollowsNotifications) {
@@ -150,9 +170,7 @@ TEST_F(ProgressHUDTest, TheBoxFollowsNotifications) {
           Case{{UIApplicationDidChangeStatusBarOrientationNotification}, 3, {160, 240}}}) {
         stage.orientation = static_cast<Orientation>(c.orientation);
         stage.notify(c.notification);
-        EXPECT_EQ(stage.animations.back(),
-                  std::make_pair(PieceChange{.center = c.center},
-                                 Animation{c.notification.animationDuration, false, true}));
+        expectAnimated({.center = c.center}, {c.notification.animationDuration, false, true});
     }
 }
 
@@ -160,46 +178,41 @@ TEST_F(ProgressHUDTest, PopsInAndShrinksAway) {
     ProgressHUD::dismiss();
     EXPECT_TRUE(stage.animations.empty()) << "nothing to hide";
     ProgressHUD::show("x");
-    EXPECT_EQ(stage.animations.back(),
-              std::make_pair(PieceChange{.alpha = 1, .scale = 1}, Animation{0.15, false, true}));
+    EXPECT_EQ(stage.animations.back().from.alpha, 0);
+    EXPECT_EQ(stage.animations.back().from.scale, 1.4);
+    expectAnimated({.alpha = 1, .scale = 1}, {0.15, false, true});
     ProgressHUD::dismiss();
-    EXPECT_EQ(stage.animations.back(),
-              std::make_pair(PieceChange{.alpha = 0, .scale = 0.7}, Animation{0.15, true, true}));
+    expectAnimated({.alpha = 0, .scale = 0.7}, {0.15, true, true});
 
     ProgressHUD::show("too late");
-    EXPECT_EQ(count("make hud"), 1);
-    EXPECT_EQ(stage.pieces[Piece::Hud].alpha, 0) << "goes on shrinking";
+    EXPECT_EQ(stage.text, "too late");
+    EXPECT_EQ(state(Piece::Hud).alpha, 0) << "goes on shrinking";
     EXPECT_EQ(ProgressHUD::shared()->alpha(), 1);
+    ProgressHUD::dismiss();
+    EXPECT_NEAR(state(Piece::Hud).scale.value(), 0.49, 1e-9) << "hidden again";
     stage.advance(0.15);
     EXPECT_FALSE(stage.shows());
     EXPECT_EQ(ProgressHUD::shared()->alpha(), 0);
-
     ProgressHUD::show("afresh");
-    EXPECT_EQ(count("make hud"), 2);
-    EXPECT_EQ(stage.handlers.size(), 5U);
-    EXPECT_EQ(stage.pieces[Piece::Hud].scale, 1);
+    EXPECT_EQ(state(Piece::Hud).scale, 1);
 }
 
 TEST_F(ProgressHUDTest, HidesItselfInTheTimeItTakesToRead) {
     struct Case {
-        std::optional<std::string> message;
+        Text message;
         double seconds;
     };
     for (const Case& c :
          {Case{std::string(25, 'x'), 1.5}, Case{std::string(50, 'x'), 2.5}, Case{"", 0.5},
           Case{std::nullopt, 0.5}, Case{"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", 0.66}}) {
         ProgressHUD::showSuccess(c.message);
-        EXPECT_DOUBLE_EQ(stage.sleeps.back(), c.seconds);
         stage.advance(c.seconds - 0.01);
-        EXPECT_EQ(stage.pieces.at(Piece::Hud).alpha, 1);
+        EXPECT_EQ(state(Piece::Hud).alpha, 1) << c.seconds;
         stage.advance(0.01);
-        EXPECT_EQ(stage.pieces.at(Piece::Hud).alpha, 0);
+        EXPECT_EQ(state(Piece::Hud).alpha, 0) << c.seconds;
         stage.advance(0.15);
-        EXPECT_FALSE(stage.shows());
     }
-}
-
-TEST_F(ProgressHUDTest, AnOlderTimedHideHidesANewerMessage) {
+    // An older message's hides a newer message.
     ProgressHUD::showSuccess("12345");
     stage.advance(0.6);
     ProgressHUD::show("newer, and meant to stay");
@@ -207,24 +220,17 @@ TEST_F(ProgressHUDTest, AnOlderTimedHideHidesANewerMessage) {
     stage.advance(0.15);
     EXPECT_FALSE(stage.shows());
 
+    // The text counts as it stands when the wait begins.
     stage.holdThreads = true;
     ProgressHUD::showError("short");
     ProgressHUD::show(std::string(100, 'x'));
     stage.letThreadsGo();
-    EXPECT_DOUBLE_EQ(stage.sleeps.back(), 4.5) << "the text as it stands when the wait begins";
-
+    EXPECT_DOUBLE_EQ(stage.sleeps.back(), 4.5);
     ProgressHUD::showError("gone before its thread begins");
     ProgressHUD::dismiss();
     stage.advance(0.15);
     stage.letThreadsGo();
     EXPECT_DOUBLE_EQ(stage.sleeps.back(), 0.5);
-}
-
-TEST_F(ProgressHUDTest, FallsBackToTheKeyWindow) {
-    stage.delegate = std::nullopt;
-    ProgressHUD::show("x");
-    EXPECT_EQ(count("add hud to window 8"), 1);
-    EXPECT_EQ(ProgressHUD::shared()->frame(), stage.screen);
 }
 
 TEST_F(ProgressHUDTest, AfterWithdrawalNothingTouchesTheStage) {
@@ -233,7 +239,7 @@ TEST_F(ProgressHUDTest, AfterWithdrawalNothingTouchesTheStage) {
     const auto handlers = stage.handlers;
     ProgressHUD::withdrawStage();
     EXPECT_FALSE(stage.shows());
-    stage.log.clear();
+    stage.calls = 0;
     stage.advance(10);
     for (const auto& [name, handler] : handlers)
         handler({name});
@@ -242,13 +248,16 @@ TEST_F(ProgressHUDTest, AfterWithdrawalNothingTouchesTheStage) {
     ProgressHUD::dismiss();
     ProgressHUD::withdrawStage();
     EXPECT_EQ(ProgressHUD::shared(), nullptr);
-    EXPECT_TRUE(stage.log.empty());
+    EXPECT_EQ(stage.calls, 0);
 
     FakeStage next;
+    next.delegate = std::nullopt;
     ProgressHUD::useStage(next);
     EXPECT_EQ(ProgressHUD::shared()->alpha(), 0);
+    EXPECT_EQ(ProgressHUD::shared()->frame(), next.screen);
     ProgressHUD::show("x");
-    EXPECT_TRUE(next.shows());
+    EXPECT_EQ(next.pieces.at(Piece::Hud).parent, FakeStage::Parent(WindowId{8}))
+        << "the key window";
     ProgressHUD::useStage(stage);
     EXPECT_FALSE(next.shows());
 }
@@ -256,20 +265,73 @@ TEST_F(ProgressHUDTest, AfterWithdrawalNothingTouchesTheStage) {
 /// A stage whose threads are real and sleep longer than any test.
 struct ThreadedStage : FakeStage {
     void runOnNewThread(Work work) override { EXPECT_TRUE(workers.start(std::move(work))); }
-    bool sleep(double seconds) override { return workers.sleep(3600 * seconds); }
+    bool sleep(double seconds) override {
+        const bool slept = workers.sleep(3600 * seconds);
+        ++woken;
+        return slept;
+    }
     void runOnMainThread(Work) override { ADD_FAILURE() << "a cancelled thread must not go on"; }
     void cancelThreads() override { workers.cancelAll(); }
 
+    std::atomic<int> woken = 0;
     TimedWorkers workers;
 };
 
-TEST(ProgressHUDThreads, WithdrawalEndsSleepingHidesAtOnce) {
+TEST(TimedWorkers, WithdrawalEndsSleepingHidesAtOnce) {
     ThreadedStage stage;
     ProgressHUD::useStage(stage);
-    for (int length = 0; length < 16; ++length)
-        ProgressHUD::showSuccess(std::string(static_cast<std::size_t>(length), 'x'));
+    for (std::size_t length = 0; length < 16; ++length)
+        ProgressHUD::showSuccess(std::string(length, 'x'));
     ProgressHUD::withdrawStage();
+    EXPECT_EQ(stage.woken, 16);
     EXPECT_FALSE(stage.shows());
+}
+
+TEST(TimedWorkers, WithoutAThreadNothingIsDone) {
+    pthread_attr_t usual, endless;
+    ASSERT_EQ(::pthread_getattr_default_np(&usual) + ::pthread_getattr_default_np(&endless), 0);
+    ASSERT_EQ(::pthread_attr_setstacksize(&endless, std::size_t{1} << 50), 0);
+    TimedWorkers workers;
+    ASSERT_EQ(::pthread_setattr_default_np(&endless), 0);
+    EXPECT_FALSE(workers.start([] { ADD_FAILURE() << "no system has room for that stack"; }));
+    ASSERT_EQ(::pthread_setattr_default_np(&usual), 0);
+    EXPECT_TRUE(workers.start([] {}));
+}
+
+TEST(TimedWorkers, CancellingWakesEverySleeperAndLetsNewOnesStart) {
+    std::atomic<int> woken = 0;
+    const auto held = std::make_shared<int>(0);
+    {
+        TimedWorkers workers;
+        const auto startEight = [&] {
+            for (int count = 0; count < 8; ++count)
+                ASSERT_TRUE(workers.start([&, held] { woken += workers.sleep(3600) ? 100 : 1; }));
+        };
+        startEight();
+        workers.cancelAll();
+        EXPECT_EQ(woken, 8) << "all have ended when the call returns";
+        startEight();
+    }
+    EXPECT_EQ(woken, 16) << "and with their owner";
+    EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST(TimedWorkers, WhoSleptItsTimeLeavesNothingBehind) {
+    TimedWorkers workers;
+    const auto mappings = [] {
+        std::ifstream maps("/proc/self/maps");
+        return std::count(std::istreambuf_iterator<char>(maps), {}, '\n');
+    };
+    const auto before = mappings();
+    for (int round = 0; round < 400; ++round) {
+        const double seconds = round == 0 ? 0.001 : round % 2 - 1;
+        std::promise<bool> slept;
+        const auto begin = std::chrono::steady_clock::now();
+        ASSERT_TRUE(workers.start([&] { slept.set_value(workers.sleep(seconds)); }));
+        EXPECT_TRUE(slept.get_future().get()) << seconds;
+        EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::duration<double>(seconds));
+    }
+    EXPECT_LT(mappings() - before, 100) << "each thread has a stack until it is joined";
 }
 
 } // namespace dubrix

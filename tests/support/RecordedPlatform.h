@@ -103,29 +103,16 @@ struct RecordedAlerts final : Alerts {
         std::vector<Button> buttons;
     };
 
-    /// A front end that shows each alert as well, and whose buttons are pressed instead.
-    struct FrontEnd {
-        virtual ~FrontEnd() = default;
-        /// For the next alert alone.
-        virtual Alerts& renewed() = 0;
-        virtual void press(const Alert& alert, const std::string& title) = 0;
-    };
-
     explicit RecordedAlerts(Journal& shared) : journal(shared) {}
 
     void showSimpleAlertWithTitle(const Text& title, const Text& message,
                                   const std::string& okText) override {
         open({title, message, {{okText, [] {}}}});
-        if (frontEnd)
-            frontEnd->renewed().showSimpleAlertWithTitle(title, message, okText);
     }
     void show2ButtonAlertWithTitle(const Text& title, const Text& message,
                                    const std::string& okButton, const std::string& cancelButton,
                                    AlertBlock cancelBlock, AlertBlock okBlock) override {
         open({title, message, {{cancelButton, cancelBlock}, {okButton, okBlock}}});
-        if (frontEnd)
-            frontEnd->renewed().show2ButtonAlertWithTitle(title, message, okButton, cancelButton,
-                                                          cancelBlock, okBlock);
     }
     void show3ButtonAlertWithTitle(const Text& title, const Text& message,
                                    const std::string& firstButton, const std::string& secondButton,
@@ -136,13 +123,11 @@ struct RecordedAlerts final : Alerts {
               {{firstButton, firstBlock},
                {secondButton, secondBlock},
                {cancelButton, secondBlock}}});
-        if (frontEnd)
-            frontEnd->renewed().show3ButtonAlertWithTitle(title, message, firstButton, secondButton,
-                                                          cancelButton, firstBlock, secondBlock);
     }
     void presentProgressAlert(const ProgressAlert& alert) override {
         journal.push_back("present " + alert.title + "|" + alert.message);
         progress.push_back(alert);
+        presenting();
     }
     void dismissProgressAlert() override { journal.emplace_back("dismiss"); }
     Size mainViewSize() const override { return view; }
@@ -162,17 +147,14 @@ struct RecordedAlerts final : Alerts {
         const auto button = std::ranges::find(pressed.buttons, title, &Button::title);
         if (button == pressed.buttons.end())
             return false;
-        if (frontEnd)
-            frontEnd->press(pressed, title);
-        else
-            button->block();
+        button->block();
         return true;
     }
 
     Journal& journal;
     std::optional<Alert> current;
     std::vector<ProgressAlert> progress;
-    FrontEnd* frontEnd = nullptr;
+    std::function<void()> presenting = [] {};
     Size view{320, 480};
 
 private:

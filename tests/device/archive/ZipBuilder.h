@@ -1,11 +1,12 @@
 #pragma once
 
+#include "tests/support/Deflated.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <sys/stat.h>
 #include <vector>
-#include <zlib.h>
 
 namespace dubrix {
 
@@ -31,20 +32,6 @@ inline std::string bytesOf(std::uint64_t value, int width) {
     for (; width > 0; --width, value >>= 8)
         bytes += static_cast<char>(value & 0xff);
     return bytes;
-}
-
-inline std::string deflated(const std::string& data) {
-    z_stream stream{};
-    deflateInit2(&stream, 6, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY);
-    std::string packed(deflateBound(&stream, data.size()), '\0');
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
-    stream.avail_in = static_cast<uInt>(data.size());
-    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
-    stream.avail_out = static_cast<uInt>(packed.size());
-    deflate(&stream, Z_FINISH);
-    packed.resize(stream.total_out);
-    deflateEnd(&stream);
-    return packed;
 }
 
 /// The bytes of an archive in two parts, between which the last item's data goes on for `hole`

@@ -27,19 +27,14 @@ private:
 
 namespace {
 
-std::string infoWithSchemes(const std::string& identifier, const std::string& schemes) {
-    return "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>" + identifier +
-           "</string><key>CFBundleURLTypes</key><array><dict><key>CFBundleURLSchemes</key><array>" +
-           schemes + "</array></dict></array></dict></plist>";
-}
-
-TEST(DesktopUrlOpenerTest, OpensWhatTheDesktopOrAnInstalledApplicationOpens) {
-    TemporaryFolder device;
+TEST(DesktopUrlOpener, OpensWhatTheDesktopOrAnInstalledApplicationOpens) {
+    const TemporaryFolder device;
     const std::string bundle = "/var/containers/Bundle/Application/1/Bird.app";
     putFile(device.path() / bundle.substr(1) / "Info.plist",
-            infoWithSchemes("com.example.bird", "<string>Bird</string><string>bird2</string>"));
+            "{CFBundleIdentifier = \"com.example.bird\"; CFBundleURLTypes = "
+            "({CFBundleURLSchemes = (Bird, bird2, b, \"\");});}");
     putFile(device / "Applications/Settings.app/Info.plist",
-            infoWithSchemes("com.example.settings", "<string>prefs</string>"));
+            "{CFBundleURLTypes = ({CFBundleURLSchemes = (prefs);});}");
     const Registry registry(device.path());
     ASSERT_TRUE(std::filesystem::create_directories(device / "var/containers/Bundle/Registry"));
     ASSERT_TRUE(registry.enter("com.example.bird", bundle));
@@ -47,18 +42,16 @@ TEST(DesktopUrlOpenerTest, OpensWhatTheDesktopOrAnInstalledApplicationOpens) {
     const DesktopUrlOpener opener(device.path());
     for (const char* address :
          {"http://example.org/", "HTTPS://example.org/", "mailto:a@example.org",
-          "bird:", "BIRD://user", "bird2:", "prefs:root"})
+          "bird:", "BIRD://user", "bird2:", "b:", "prefs:root"})
         EXPECT_TRUE(opener.canOpenURL(address)) << address;
     for (const char* address : {"", ":", "bird", "bir:", "bird3:", "file:///etc/passwd", "x bird:"})
         EXPECT_FALSE(opener.canOpenURL(address)) << address;
-
     ASSERT_TRUE(registry.strike("com.example.bird"));
     EXPECT_FALSE(opener.canOpenURL("bird:")) << "the application is gone";
 }
 
-TEST(DesktopUrlOpenerTest, HandsOnlyHarmlessAddressesToTheDesktop) {
-    TemporaryFolder device;
-    DesktopUrlOpener opener(device.path());
+TEST(DesktopUrlOpener, HandsOnlyHarmlessAddressesToTheDesktop) {
+    DesktopUrlOpener opener("/none");
     Desktop mail(QStringLiteral("mailto"));
     Desktop file(QStringLiteral("file"));
     for (const char* address : {"mailto:a@b?attach=/etc/passwd", "file:///etc/passwd",

@@ -1,45 +1,92 @@
 #include "platform/desktop/PaintingPlatform.h"
+#include "platform/desktop/PaintingWait.h"
 #include "platform/posix/PosixPlatform.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <QCoreApplication>
+#include <QMouseEvent>
+#include <QRasterWindow>
 #include <QTimer>
+#include <future>
+#include <qpa/qwindowsysteminterface.h>
 #include <sys/stat.h>
+#include <thread>
 
 namespace dubrix {
 
+struct TapCounter final : QRasterWindow {
+    void mousePressEvent(QMouseEvent*) override { ++taps; }
+    void paintEvent(QPaintEvent*) override { ++frames; }
+
+    int taps = 0, frames = 0;
+};
+
 TEST(PaintingPlatform, TheEventLoopGoesOnMeanwhile) {
-    int argumentCount = 1;
-    char name[] = "painting_wait_tests";
-    char* arguments[] = {name, nullptr};
-    const QCoreApplication application(argumentCount, arguments);
     const TemporaryFolder folder;
-    PosixPlatform posix("/");
+    PosixPlatform posix(folder.path());
     PaintingPlatform painting(posix.ports());
     const Platform platform = painting.ports();
     ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
     const std::string reading =
         "cd '" + folder.path().native() + "' && read -r line < pipe; echo $line > out";
-    // The command ends only when the timer, which needs the event loop, has fired.
-    QTimer::singleShot(0, [&folder] { std::ofstream(folder / "pipe") << "go\n"; });
-    platform.commands.runCommand(reading);
-    EXPECT_EQ(contentsOf(folder / "out"), "go\n");
+    // The command ends only when the timer, which needs the event loop, has fired; told to quit
+    // meanwhile, it is still waited for.
+    for (const bool quits : {false, true}) {
+        QTimer::singleShot(0, [&folder, quits] {
+            if (quits)
+                QCoreApplication::quit();
+            std::ofstream(folder / "pipe") << quits << "\n";
+        });
+        platform.commands.runCommand(reading);
+        EXPECT_EQ(contentsOf(folder / "out"), quits ? "1\n" : "0\n");
+    }
 
-    // Told to quit meanwhile, it still waits for the end.
-    QTimer::singleShot(0, [&folder] {
-        QCoreApplication::quit();
-        std::ofstream(folder / "pipe") << "end\n";
-    });
-    platform.commands.runCommand(reading);
-    EXPECT_EQ(contentsOf(folder / "out"), "end\n");
-
-    // A folder's removal, which can take as long as a command's run, lets it go on too.
-    PosixFileManager files(folder.path());
+    // What else may take long lets it go on, too.
     putFile(folder / "tmp/staging/file", "");
-    bool wentOn = false;
-    QTimer::singleShot(0, [&wentOn] { wentOn = true; });
-    EXPECT_TRUE(PaintingFileManager(files).removeItemAtPath("/tmp/staging"));
-    EXPECT_TRUE(wentOn);
+    const std::function<void()> works[] = {
+        [&] { EXPECT_FALSE(platform.files.sizesOfItemsBelowPath("/tmp/staging").empty()); },
+        [&] { EXPECT_TRUE(platform.files.removeItemAtPath("/tmp/staging")); },
+        [&] { EXPECT_FALSE(platform.monochrome.monochromePng("", 0, 0, 0)); }};
+    for (const auto& work : works) {
+        bool wentOn = false;
+        QTimer::singleShot(0, [&wentOn] { wentOn = true; });
+        work();
+        EXPECT_TRUE(wentOn) << &work - works;
+    }
+    EXPECT_FALSE(platform.files.fileExistsAtPath("/tmp/staging"));
+    EXPECT_TRUE(platform.files.createDirectoryAtPath("/tmp/staging"));
+    EXPECT_TRUE(platform.files.writeToFile("/tmp/staging/file", "bytes"));
+    EXPECT_EQ(platform.files.contentsAtPath("/tmp/staging/file"), "bytes");
+}
+
+TEST(PaintingPlatform, FramesComeAndTapsAreKeptForLater) {
+    TapCounter window;
+    window.resize(100, 100);
+    window.show();
+    QCoreApplication::processEvents();
+
+    std::promise<void> painted;
+    QTimer again;
+    QObject::connect(&again, &QTimer::timeout, &window, [&, before = window.frames] {
+        window.update();
+        if (window.frames > before + 1) {
+            again.stop();
+            painted.set_value();
+        }
+    });
+    again.start();
+    QWindowSystemInterface::handleMouseEvent(&window, {50, 50}, {50, 50}, Qt::LeftButton,
+                                             Qt::LeftButton, QEvent::MouseButtonPress);
+    // Ends only when frames were painted meanwhile.
+    waitWhilePainting([&painted] { painted.get_future().wait(); });
+    EXPECT_EQ(window.taps, 0);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(window.taps, 1);
+    // Elsewhere than on the main thread there is nothing to keep painting.
+    std::thread([] {
+        const auto outer = std::this_thread::get_id();
+        waitWhilePainting([outer] { EXPECT_EQ(std::this_thread::get_id(), outer); });
+    }).join();
 }
 
 } // namespace dubrix

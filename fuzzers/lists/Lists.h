@@ -1,7 +1,7 @@
 #pragma once
 
-#include "formats/lists/PropertyListNode.h"
-#include "fuzzers/Target.h"
+#include "formats/lists/PropertyListForms.h"
+#include "fuzzers/Mutation.h"
 
 namespace dubrix::fuzz {
 
@@ -11,5 +11,11 @@ void requireRoundTrips(const PropertyListNode& value);
 
 /// What must hold of any bytes that are taken for a property list, whatever their form.
 void requireListIsUsable(std::string_view bytes);
+
+/// The tree with one value somewhere in it changed, taken away, doubled or put one level lower.
+void changeTree(PropertyListNode& root, Random& random);
+
+/// Values that between them have every type and what is special about each.
+std::vector<PropertyListNode> sampleTrees();
 
 } // namespace dubrix::fuzz

@@ -1,0 +1,157 @@
+#include "formats/images/PngEncoding.h"
+#include "tests/formats/JpegFiles.h"
+
+#include <cmath>
+#include <cstring>
+#include <gtest/gtest.h>
+
+namespace dubrix {
+
+namespace {
+
+/// What is left of a pixel after it was premultiplied and divided again.
+Rgba afterCrushing(const Rgba& pixel, bool ignoresAlpha) {
+    if (ignoresAlpha)
+        return {pixel[0], pixel[1], pixel[2], 255};
+    Rgba result{0, 0, 0, pixel[3]};
+    for (std::size_t sample = 0; sample < 3 && pixel[3] > 0; ++sample) {
+        const int premultiplied = (pixel[sample] * pixel[3] + 127) / 255;
+        result[sample] = static_cast<std::uint8_t>(
+            std::min(255.0, std::floor(premultiplied * 255.0 / pixel[3] + 0.5)));
+    }
+    return result;
+}
+
+PngHeader grey(std::uint32_t width, std::uint32_t height, std::uint8_t depth = 8) {
+    return {width, height, depth, PngColorType::Grey};
+}
+
+} // namespace
+
+TEST(ImageDecoding, TurnsEveryKindOfPngIntoTheSame) {
+    using namespace std::string_view_literals;
+    using enum PngColorType;
+    constexpr std::string_view palette = "red\x10GR"sv;
+    const struct {
+        unsigned depth;
+        PngColorType type;
+        std::string_view row; ///< of one pixel, unfiltered
+        std::vector<PngChunk> chunks;
+        dubrix::Rgba pixel;
+    } cases[] = {
+        {1, Grey, "\0\x80"sv, {}, {255, 255, 255, 255}},
+        {4, Grey, "\0\x50"sv, {{"tRNS", "\0\5"sv}}, {85, 85, 85, 0}},
+        {16, Grey, "\0\x10\xff"sv, {}, {17, 17, 17, 255}},
+        {8, Rgb, "\0\1\2\3"sv, {{"tRNS", "\0\1\0\2\0\4"sv}}, {1, 2, 3, 255}},
+        {16, Rgb, "\0\1\0\2\0\3\0"sv, {{"tRNS", "\1\0\2\0\3\0"sv}}, {1, 2, 3, 0}},
+        {2, Palette, "\0\x40"sv, {{"PLTE", palette}, {"tRNS", "\1\2"sv}}, {16, 'G', 'R', 2}},
+        {8, GreyAlpha, "\0\x70\x60"sv, {}, {112, 112, 112, 96}},
+        {16, Rgba, "\0\1\0\2\0\3\0\4\0"sv, {{"gAMA", "\0\1\x86\xa0"sv}}, {1, 2, 3, 4}}};
+    for (const auto& [depth, type, row, chunks, pixel] : cases)
+        EXPECT_EQ(decoded(pngOf({1, 1, static_cast<std::uint8_t>(depth), type}, std::string(row),
+                                chunks)),
+                  std::vector{pixel})
+            << depth << ' ' << int(type);
+}
+
+TEST(ImageDecoding, TakesCrushedPngPixelByPixel) {
+    for (const CrushedPng& kind :
+         {CrushedPng(), {.ignoresAlpha = true, .dataChunks = 3}, {false, 200, true}}) {
+        const auto pixels = samplePixels(64 * 30);
+        const auto found = decoded(kind.of(pixels, 64));
+        ASSERT_EQ(found.size(), pixels.size());
+        for (std::size_t index = 0; index < pixels.size(); ++index)
+            ASSERT_EQ(found[index], afterCrushing(pixels[index], kind.ignoresAlpha)) << index;
+    }
+    EXPECT_EQ(decoded(CrushedPng().of(std::vector<Rgba>(300), 1)).size(), 300U)
+        << "a repeat that spans many rows is followed to its end";
+}
+
+TEST(ImageDecoding, TakesJpegOfLightAndOfInks) {
+    const auto expectEven = [](const JpegKind& kind, const std::string& sample, const Rgba& pixel) {
+        std::string samples;
+        for (int count = 0; count < 17 * 9; ++count)
+            samples += sample;
+        EXPECT_EQ(decoded(jpegOf(kind, samples, 17)), std::vector<Rgba>(17 * 9, pixel));
+    };
+    expectEven({}, "\x10\x80\xf0", {16, 128, 240, 255});
+    expectEven({JCS_GRAYSCALE, true}, "\x30", {48, 48, 48, 255});
+    expectEven({JCS_CMYK, false, true}, "\xff\x80\x32\xc8", {200, 100, 39, 255});
+    expectEven({JCS_CMYK}, "\xff\x80\x32\xc8", {0, 27, 44, 255});
+}
+
+TEST(ImageDecoding, DamageAndFalseSizesGiveNothing) {
+    const auto pixels = samplePixels(12 * 9);
+    const std::string jpeg = jpegOf({}, std::string(3 * 40 * 24, '\x55'), 40);
+    const std::string sound[] = {CrushedPng{.dataChunks = 2}.of(pixels, 12), pngOf(pixels, 12),
+                                 jpeg};
+    for (const std::string& file : sound) {
+        ASSERT_FALSE(decoded(file).empty());
+        for (std::size_t size = 0; size < file.size() - 1; ++size)
+            ASSERT_TRUE(decoded(file.substr(0, size)).empty()) << size;
+        for (std::size_t index = 0; index < file.size() && file != jpeg; ++index) {
+            std::string damaged = file;
+            damaged[index] = static_cast<char>(damaged[index] ^ 0x10);
+            ASSERT_TRUE(decoded(damaged).empty()) << index;
+        }
+    }
+    for (const bool isCrushed : {false, true}) {
+        const auto isTaken = [isCrushed](const PngHeader& header, const std::string& rows) {
+            return decodeImage(isCrushed ? CrushedPng().of(header, rows) : pngOf(header, rows))
+                .has_value();
+        };
+        EXPECT_TRUE(isTaken(grey(2, 2), std::string(6, '\0')));
+        EXPECT_EQ(isTaken(grey(2, 2, 16), std::string(10, '\0')), !isCrushed) << "none are known";
+        EXPECT_FALSE(isTaken({2, 2, 8, PngColorType::Palette}, std::string(6, '\0')));
+        EXPECT_FALSE(isTaken(grey(2, 2), std::string(5, '\0')));
+        EXPECT_FALSE(isTaken(grey(2, 2), "\5" + std::string(5, '\0')));
+        for (const auto& [width, height] : {std::pair(0U, 2U), {8000U, 8000U}, {~0U, ~0U}})
+            EXPECT_FALSE(isTaken({width, height}, std::string(100, '\0'))) << width;
+    }
+    EXPECT_TRUE(isWorkableImageSize(8192, 8192) && !isWorkableImageSize(8193, 8192));
+    std::string huge = jpeg;
+    huge.replace(jpeg.find("\xff\xc0") + 5, 4, "\xea\x60\xea\x60");
+    EXPECT_TRUE(decoded(huge).empty());
+    EXPECT_TRUE(decoded("no image at all").empty());
+}
+
+TEST(ImageDecoding, WhatEveryDecoderPassesOverRefusesNothing) {
+    const std::vector<PngChunk> palette{{"PLTE", "redGRN"}};
+    const std::vector<PngChunk> longTransparency{{"PLTE", "redGRN"}, {"tRNS", "\1\2\3"}};
+    const std::vector<Rgba> pixels{
+        {'r', 'e', 'd', 255}, {'G', 'R', 'N', 255}, {'G', 'R', 'N', 255}, {'r', 'e', 'd', 255}};
+    const std::string surplus = rowsOf(samplePixels(50'000), 50);
+    for (const bool isInterlaced : {false, true}) {
+        const PngHeader header{2, 2, 8, PngColorType::Palette, isInterlaced};
+        // Of the passes there are the first, the sixth and the seventh.
+        const std::string rows =
+            isInterlaced ? std::string("\0\0\0\1\0\1\0", 7) : std::string("\0\0\1\0\1\0", 6);
+        for (const std::string& file :
+             {pngOf(header, rows, palette), pngOf(header, rows, longTransparency),
+              pngOf(header, rows + "surplus", palette), pngOf(header, rows + surplus, palette)}) {
+            EXPECT_EQ(decoded(file), pixels) << isInterlaced << ' ' << file.size();
+            EXPECT_TRUE(decoded(file.substr(0, file.size() - 9)).empty()) << file.size();
+        }
+    }
+}
+
+TEST(ImageDecoding, IsUndoneExactlyAroundTheLimitOfAPalette) {
+    for (const std::uint8_t mostAlpha : {255, 254}) {
+        for (const std::size_t values : {1U, 256U, 257U, 900U}) {
+            RgbaImage image(30, 30);
+            for (std::size_t index = 0; index < image.pixelCount(); ++index) {
+                const std::size_t value = index % values;
+                const Rgba pixel{static_cast<std::uint8_t>(value), 7,
+                                 static_cast<std::uint8_t>(value >> 8), mostAlpha};
+                std::copy(pixel.begin(), pixel.end(), image.bytes.get() + index * pixel.size());
+            }
+            const std::string png = encodePng(image).value_or("");
+            EXPECT_EQ(png[25], values <= 256 ? 3 : mostAlpha == 255 ? 2 : 6) << "colour type";
+            const auto read = decodeImage(png);
+            ASSERT_TRUE(read && read->width == 30 && read->height == 30);
+            EXPECT_EQ(0, std::memcmp(read->bytes.get(), image.bytes.get(), 30 * 30 * 4)) << values;
+        }
+    }
+}
+
+} // namespace dubrix

@@ -1,0 +1,179 @@
+#include "formats/images/MonochromeRemap.h"
+#include "formats/images/PngEncoding.h"
+#include "tests/formats/JpegFiles.h"
+
+#include <cmath>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace dubrix {
+
+namespace {
+
+using Color = std::array<float, 3>;
+
+const Color tints[] = {{1, 1, 1},    {0.8F, 0.2F, 0.4F}, {1, 0, 0},          {0, 0, 1},
+                       {1, 0.4F, 0}, {0.02F, 0.2F, 1},   {0.5F, 0.5F, 0.5F}, {0.004F, 0.01F, 0},
+                       {0, 0, 0},    {0.1F, 1, 1e-40F}};
+
+double linear(double value) {
+    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+}
+
+std::string tinted(const std::string& file, const Color& color) {
+    return monochromePng(file, color[0], color[1], color[2]).value_or("");
+}
+
+std::string rowOf(const std::vector<Rgba>& pixels) {
+    return pngOf(pixels, static_cast<std::uint32_t>(pixels.size()));
+}
+
+std::string eightTimes(const std::string& part) {
+    std::string whole;
+    for (int count = 0; count < 8; ++count)
+        whole += part;
+    return whole;
+}
+
+/// How many pixels of `actual` are further than 1 of 255 from the formula. Compared as light, which
+/// rises with the encoded value, so that no root is taken for each pixel.
+std::size_t countFarFromFormula(const RgbaImage& source, const RgbaImage& actual,
+                                const Color& color) {
+    const auto lightOf = [](double level) { return level > 255 ? 2 : linear(level / 255.0); };
+    std::array<double, 256> light{}, least{}, most{};
+    for (unsigned level = 0; level < 256; ++level) {
+        light[level] = lightOf(level);
+        least[level] = lightOf(level - 1.0);
+        most[level] = lightOf(level + 1.0);
+    }
+    const std::array<double, 3> tint{linear(double{color[0]}), linear(double{color[1]}),
+                                     linear(double{color[2]})};
+    std::size_t count = 0;
+    for (std::size_t at = 0; at < source.pixelCount() * RgbaImage::pixelSize; at += 4) {
+        const std::uint8_t* const from = source.bytes.get() + at;
+        const std::uint8_t* const to = actual.bytes.get() + at;
+        const double luminance =
+            0.2126 * light[from[0]] + 0.7152 * light[from[1]] + 0.0722 * light[from[2]];
+        bool isNear = to[3] == from[3];
+        for (std::size_t sample = 0; sample < 3; ++sample) {
+            const double exact = luminance * tint[sample];
+            isNear = isNear && exact >= least[to[sample]] && exact <= most[to[sample]];
+        }
+        count += isNear ? 0 : 1;
+    }
+    return count;
+}
+
+} // namespace
+
+TEST(Monochrome, EveryColorFollowsTheFormulaAndThenStays) {
+    RgbaImage source(4096, 4096), image(4096, 4096);
+    for (std::uint32_t value = 0; value < 1U << 24; ++value) {
+        const std::uint32_t pixel = 0xff000000 | value;
+        std::memcpy(source.bytes.get() + value * sizeof pixel, &pixel, sizeof pixel);
+    }
+    for (const Color& tint : tints) {
+        SCOPED_TRACE(testing::PrintToString(tint));
+        std::memcpy(image.bytes.get(), source.bytes.get(), source.pixelCount() * 4);
+        const MonochromeRemap remap(tint[0], tint[1], tint[2]);
+        EXPECT_FALSE(remap.holdsShadesOnly(image.bytes.get(), image.pixelCount()));
+        remap.apply(image.bytes.get(), image.pixelCount());
+        EXPECT_EQ(countFarFromFormula(source, image, tint), 0U);
+        EXPECT_TRUE(remap.holdsShadesOnly(image.bytes.get(), image.pixelCount()));
+    }
+}
+
+TEST(Monochrome, EndsOfTheScaleAreExact) {
+    constexpr float none = std::numeric_limits<float>::quiet_NaN();
+    const std::pair<Color, Rgba> cases[] = {{{0.8F, 0.2F, 0.4F}, {204, 51, 102, 9}},
+                                            {{0, 0, 0}, {0, 0, 0, 9}},
+                                            {{none, -3, 1e30F}, {0, 0, 255, 9}}};
+    for (const auto& [color, ofWhite] : cases) {
+        const auto pixels = decoded(tinted(rowOf({{255, 255, 255, 9}, {}}), color));
+        EXPECT_EQ(pixels, (std::vector<Rgba>{ofWhite, {0, 0, 0, 0}}));
+    }
+    const MonochromeRemap white(1, 1, 1);
+    for (unsigned level = 0; level < 256; ++level) {
+        const auto grey = static_cast<std::uint8_t>(level);
+        Rgba pixel{grey, grey, grey, 255};
+        white.apply(pixel.data(), 1);
+        EXPECT_EQ(pixel, (Rgba{grey, grey, grey, 255}));
+    }
+}
+
+TEST(Monochrome, AnyNumberOfTimesIsOnceAndAnotherColorANewTint) {
+    const std::string plain = rowOf(samplePixels(3000));
+    const std::string red = tinted(plain, {0.8F, 0, 0.1F});
+    for (const Color& tint : tints) {
+        SCOPED_TRACE(testing::PrintToString(tint));
+        for (const std::string& file : {plain, CrushedPng().of(samplePixels(600), 30),
+                                        jpegOf({}, std::string(3000, '\x66'), 50)}) {
+            const std::string once = tinted(file, tint);
+            EXPECT_TRUE(!once.empty() && tinted(once, tint) == once);
+        }
+        EXPECT_EQ(countFarFromFormula(*decodeImage(red), *decodeImage(tinted(red, tint)), tint),
+                  0U);
+    }
+}
+
+TEST(Monochrome, ShadesStayBitForBit) {
+    const Color color{0.8F, 0.2F, 0.4F}; // 204, 51, 102
+    const Color grey{0.5F, 0.5F, 0.5F};
+    const Rgba whole{204, 51, 102, 255};
+    const struct {
+        const char* what;
+        Color color;
+        std::vector<Rgba> pixels;
+        bool stays;
+    } cases[] = {
+        {"the colour, faintly, and black", color, {whole, {204, 51, 102, 3}, {0, 0, 0, 255}}, true},
+        {"a step off", color, {whole, {203, 52, 101, 255}, {1, 0, 1, 255}}, true},
+        {"two steps off", color, {whole, {204, 53, 102, 255}}, false},
+        {"brighter than the colour", color, {whole, {220, 55, 110, 255}}, false},
+        {"nearly invisible, another colour", color, {whole, {51, 204, 102, 1}}, false},
+        {"invisible, another colour", color, {whole, {51, 204, 102, 0}}, true},
+        {"nothing visible", color, {{51, 204, 102, 0}}, true},
+        {"greys up to grey", grey, {{128, 128, 128, 255}, {77, 78, 77, 255}}, true},
+        {"greys beyond grey", grey, {{128, 128, 128, 255}, {130, 130, 130, 255}}, false},
+        {"greys and white", {1, 1, 1}, {{255, 255, 255, 255}, {130, 131, 129, 255}}, true},
+        {"black by black", {0, 0, 0}, {{0, 0, 0, 255}, {1, 1, 1, 255}}, true},
+        {"dark grey by black", {0, 0, 0}, {{2, 0, 0, 255}}, false},
+        {"a component that the colour lacks", {1, 0, 0}, {{90, 1, 1, 255}}, true},
+        {"more of it", {1, 0, 0}, {{90, 2, 1, 255}}, false},
+    };
+    for (const auto& [what, tint, pixels, stays] : cases)
+        EXPECT_EQ(tinted(rowOf(pixels), tint) == rowOf(pixels), stays) << what;
+}
+
+TEST(Monochrome, ShadesInOtherFormsKeepTheirPixels) {
+    const Color color{0.8F, 0.2F, 0.4F};
+    const std::vector<Rgba> pixels(64, {204, 51, 102, 255});
+    const std::string rows = rowsOf(pixels, 8);
+    const auto with = [&](const char* chunk) {
+        return pngOf({8, 8}, rows, {{chunk, std::string_view("\0\1\x86\xa0", 4)}});
+    };
+    const std::string deep =
+        eightTimes(std::string(1, '\0') + eightTimes("\xcc\xcc\x33\x33\x66\x66\xff\xff"));
+    const std::string rewritten[] = {CrushedPng().of(pixels, 8), pngOf({8, 8, 16}, deep),
+                                     with("gAMA"), with("eXIf"), with("acTL")};
+    for (const std::string& file : rewritten) {
+        const std::string result = tinted(file, color);
+        EXPECT_NE(result, file) << &file - rewritten;
+        EXPECT_EQ(decoded(result), pixels) << &file - rewritten;
+        EXPECT_EQ(result[24], 8) << "bits a sample";
+    }
+    const std::string_view palette("\0\0\0\xcc\x33\x66", 6);
+    const std::string kept[] = {
+        pngOf(pixels, 8),
+        with("tEXt"),
+        pngOf({8, 8, 1, PngColorType::Palette}, eightTimes(std::string("\0\xff", 2)),
+              {{"PLTE", palette}}),
+        pngOf({8, 8, 8, PngColorType::Rgb},
+              eightTimes(std::string(1, '\0') + eightTimes("\xcc\x33\x66"))),
+    };
+    for (const std::string& file : kept)
+        EXPECT_TRUE(tinted(file, color) == file) << &file - kept;
+}
+
+} // namespace dubrix
