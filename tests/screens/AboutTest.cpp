@@ -84,14 +84,14 @@ TEST_F(AboutTest, ItsRowsLeadOutAndToHelpPages) {
     about->tableViewDidSelectRowAtIndexPath(0, 1);
     EXPECT_EQ(about->aboutTable.selectedSection(), -1);
     about->mail();
-    EXPECT_EQ(opened, (Texts{"tweetbot:///user_profile/iQ7r2m",
-                             "twitterrific:///profile?screen_name=iQ7r2m",
-                             "tweetings:///user?screen_name=iQ7r2m",
-                             "twitter://user?screen_name=iQ7r2m",
-                             "https://mobile.social.example.org/iQ7r2m",
-                             "https://payments.example.org/cgi-bin/webscr?cmd=_s-xclick&"
-                             "hosted_button_id=DUBRIXDONATE1",
-                             "mailto:support%40example.org?subject=Lorvane%20(1.2)%20Support"}));
+    EXPECT_EQ(
+        opened,
+        (Texts{"tweetbot:///user_profile/iQ7r2m", "twitterrific:///profile?screen_name=iQ7r2m",
+               "tweetings:///user?screen_name=iQ7r2m", "twitter://user?screen_name=iQ7r2m",
+               "https://mobile.social.example.org/iQ7r2m",
+               "https://payments.example.org/cgi-bin/webscr?cmd=_s-xclick&"
+               "hosted_button_id=DUBRIXDONATE1",
+               "mailto:support%40example.org?subject=Lorvane%20(1.2)%20Support"}));
     opened.clear();
 
     const std::string pages = site + "/pages/dubrix-";

@@ -21,7 +21,8 @@ protected:
         screen.presentViewController(std::make_unique<NavigationController>(std::move(made)), true);
         return picker;
     }
-    /// What is shown: names, with a star for what is checked and in brackets what tells twins apart.
+    /// What is shown: names, with a star for what is checked and in brackets what tells twins
+    /// apart.
     static QStringList rows(const Source& source) {
         QStringList rows;
         for (int row = 0; row < source.rowCount(); ++row) {
@@ -51,9 +52,8 @@ TEST_F(AppListTest, ListsUserApplicationsInPeoplesOrder) {
             "{CFBundleIdentifier = system; CFBundleDisplayName = Settings;}");
     choose("{bundleID = b;}");
     const Source& source = *open().dataSource();
-    EXPECT_EQ(rows(source),
-              QStringList({"Äpfel", "Birne", "named.by.identifier", "Notes 2 *", "notes 10",
-                           "Twin [same.1]", "Twin [same.2]", "zebra"}));
+    EXPECT_EQ(rows(source), QStringList({"Äpfel", "Birne", "named.by.identifier", "Notes 2 *",
+                                         "notes 10", "Twin [same.1]", "Twin [same.2]", "zebra"}));
     EXPECT_EQ(source.checkedRow(), 3);
     EXPECT_EQ(source.data(source.index(0), Source::IconSizeRole), 29);
     EXPECT_EQ(source.tableViewTitleForHeaderInSection(0),
@@ -70,13 +70,14 @@ TEST_F(AppListTest, SectionsFollowTheirDescriptors) {
                                                          {"hidden", "Hidden", "/h", false, true},
                                                          {"system", "System", "/s", true, false}};
     QStringList names;
-    for (const auto& [predicate, suppressHidden] :
-         {std::pair{"isSystemApplication = FALSE", true}, {"isSystemApplication = NO", false},
-          {" isSystemApplication==true ", true}, {"", true}, {"name = 'User'", true}}) {
-        const auto sections =
-            applicationSections(entries, {{{ALSectionDescriptorPredicateKey, predicate},
-                                           {ALSectionDescriptorSuppressHiddenAppsKey,
-                                            suppressHidden}}});
+    for (const auto& [predicate, suppressHidden] : {std::pair{"isSystemApplication = FALSE", true},
+                                                    {"isSystemApplication = NO", false},
+                                                    {" isSystemApplication==true ", true},
+                                                    {"", true},
+                                                    {"name = 'User'", true}}) {
+        const auto sections = applicationSections(
+            entries, {{{ALSectionDescriptorPredicateKey, predicate},
+                       {ALSectionDescriptorSuppressHiddenAppsKey, suppressHidden}}});
         ASSERT_EQ(sections.size(), 1U);
         EXPECT_FALSE(sections[0].hasChecks);
         names += "|";
@@ -193,22 +194,6 @@ TEST_F(AppListTest, TheMainScreensPickerSaysWhenThereIsNothing) {
     picker->tapLeftBarButton();
     QCoreApplication::processEvents();
     EXPECT_FALSE(modals.occupied());
-}
-
-TEST(NotificationCenterTest, CallsObserversOfTheNameWhileTheyLive) {
-    NotificationCenter center;
-    std::string calls;
-    QObject first;
-    auto second = std::make_unique<QObject>();
-    center.addObserver(first, "a", [&] {
-        calls += "1";
-        second.reset();
-        center.addObserver(first, "a", [&calls] { calls += "3"; });
-    });
-    center.addObserver(*second, "a", [&calls] { calls += "2"; });
-    for (const char* name : {"a", "b"})
-        center.postNotificationName(name);
-    EXPECT_EQ(calls, "1");
 }
 
 } // namespace dubrix

@@ -172,14 +172,9 @@ TEST_F(HandTest, ThePickerTakesKeysTheMomentItOpens) {
     const struct {
         int key;
         const char* there;
-    } steps[] = {{0, "Number 40"},
-                 {Qt::Key_Down, "Number 41"},
-                 {Qt::Key_Home, "Number 10"},
-                 {Qt::Key_Up, "Search"},
-                 {Qt::Key_Tab, "Number 10"},
-                 {Qt::Key_End, "One"},
-                 {Qt::Key_X, "Search"},
-                 {Qt::Key_Q, "Search"}};
+    } steps[] = {{0, "Number 40"},       {Qt::Key_Down, "Number 41"}, {Qt::Key_Home, "Number 10"},
+                 {Qt::Key_Up, "Search"}, {Qt::Key_Tab, "Number 10"},  {Qt::Key_End, "One"},
+                 {Qt::Key_X, "Search"},  {Qt::Key_Q, "Search"}};
     for (const auto& [code, there] : steps) {
         if (code != 0)
             key(code);
@@ -270,10 +265,9 @@ TEST_F(HandTest, KeysLeadFromTabToTabToHelpAndOut) {
 TEST_F(HandTest, RowsObeyTheirCells) {
     // The row's height follows what is stored; the cell is hidden even where that cannot be
     // written.
-    const std::pair<TableViewCell*, const char*> cells[] = {
-        {&prefs().textfieldCell, "Name"},
-        {&prefs().colorCell, "Select color"},
-        {&prefs().colorView, "Color"}};
+    const std::pair<TableViewCell*, const char*> cells[] = {{&prefs().textfieldCell, "Name"},
+                                                            {&prefs().colorCell, "Select color"},
+                                                            {&prefs().colorView, "Color"}};
     for (const auto& [cell, name] : cells) {
         EXPECT_TRUE(find(name)) << name;
         cell->setHidden(true);

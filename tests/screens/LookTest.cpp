@@ -3,10 +3,6 @@
 #include "overlays/ProgressHUD.h"
 #include "tests/screens/WholeWindow.h"
 
-#include <QSignalSpy>
-#include <atomic>
-#include <latch>
-
 namespace dubrix {
 
 /// What is seen of the window.
@@ -46,9 +42,8 @@ TEST_F(LookTest, TheSelectedTabHasTheFullerImage) {
         const QImage picture = window->grabWindow();
         std::vector<double> sums;
         eachDrawn(window->contentItem(), [&](const QQuickItem& item) {
-            const QColor tint = item.parentItem()
-                                    ? item.parentItem()->property("tint").value<QColor>()
-                                    : QColor();
+            const QColor tint =
+                item.parentItem() ? item.parentItem()->property("tint").value<QColor>() : QColor();
             if (!item.inherits("QQuickImage") || !tint.isValid())
                 return;
             const QRect area = areaOf(item);
@@ -76,27 +71,6 @@ TEST_F(LookTest, TheSelectedTabHasTheFullerImage) {
         EXPECT_EQ(item->selectedImage.renderingMode, item->image.renderingMode);
     }
     EXPECT_EQ(delegate.applicationSupportedInterfaceOrientationsForWindow(), 30U) << "all four";
-}
-
-TEST_F(LookTest, ALongNameFadesWhereItGoesOn) {
-    const QRect area = areaOf(*itemOf("Name"));
-    /// How clearly letters can be seen in the columns of the field from `x`.
-    const auto ink = [&](int x, int columns) {
-        const QImage picture = window->grabWindow().copy(x, area.top(), columns, area.height());
-        int most = 0;
-        for (int pixel = 0; pixel < columns * area.height(); ++pixel)
-            most = std::max(most, 255 - qGray(picture.pixel(pixel % columns, pixel / columns)));
-        return most;
-    };
-    prefs().textFieldChanged(QString(200, u'm'));
-    QCoreApplication::processEvents();
-    EXPECT_GT(ink(area.left(), 20), 200);
-    EXPECT_LT(ink(area.right() - 3, 3), 100) << "there is more";
-    click("Name");
-    key(Qt::Key_End);
-    QCoreApplication::processEvents();
-    EXPECT_LT(ink(area.left(), 3), 100) << "there is more on the left";
-    EXPECT_GT(ink(areaOf(*itemOf("Name")).right() - 30, 30), 200);
 }
 
 /// With the type of a person who sees badly.
@@ -161,7 +135,8 @@ TEST_F(StillTest, WhatComesIsThereAtOnceAndGoesInItsTime) {
 TEST_F(StillTest, WhatTheOverlaySaysFitsIntoItsMeasure) {
     ASSERT_TRUE(QTest::qWaitFor([this] { return stage.mainScreenBounds().size.width > 0; }));
     for (const char* text :
-         {"Tockwell successfully duplicated.", "Please wait...", "Cloning Fernleaf Notes 1\nPlease wait...", "ill will, ill wit",
+         {"Tockwell successfully duplicated.", "Please wait...",
+          "Cloning Fernleaf Notes 1\nPlease wait...", "ill will, ill wit",
           "Donaudampfschifffahrtsgesellschaft successfully duplicated.", "AVAVAV WAWAWA To Ty",
           "Ein Name mit Ümläuten, der länger als eine Zeile ist."}) {
         ProgressHUD::show(text);
@@ -178,13 +153,10 @@ TEST_F(StillTest, WhatTheOverlaySaysFitsIntoItsMeasure) {
     }
 }
 
-TEST(Icons, AreDrawnRoundKeptAndUnlikeOursWhereThereIsNone) {
-    std::atomic<int> asked = 0;
-    std::latch heard(1);
-    ApplicationIconProvider provider([&](const std::string& path, unsigned pixels) {
+TEST(Icons, AreDrawnRoundKeptAndGreyWhereThereIsNone) {
+    int asked = 0;
+    ApplicationIconProvider provider([&](const std::string& path, unsigned) {
         ++asked;
-        if (pixels == 87)
-            heard.wait();
         std::optional<RgbaImage> picture;
         if (path.ends_with("red")) {
             picture.emplace(40, 20);
@@ -193,40 +165,15 @@ TEST(Icons, AreDrawnRoundKeptAndUnlikeOursWhereThereIsNone) {
         }
         return picture;
     });
-    const std::string odd = "/Ein Pfad/100 % \xff?#/red"; // any bytes of a path survive
-    const QImage red = provider.icon(odd, 58);
+    const QImage red = provider.icon("/red", 58);
     EXPECT_EQ(red.size(), QSize(58, 58));
     EXPECT_EQ(red.pixelColor(0, 0).alpha(), 0);
     EXPECT_EQ(red.pixelColor(29, 29), QColor(255, 0, 0));
-    EXPECT_EQ(provider.icon(odd, 58), red);
+    EXPECT_EQ(provider.icon("/red", 58), red);
     EXPECT_EQ(asked, 1);
-    const std::unique_ptr<QQuickImageResponse> response(provider.requestImageResponse(
-        QUrl(ApplicationIconProvider::addressFor(odd)).path().mid(1), QSize(87, 87)));
-    QSignalSpy finished(response.get(), &QQuickImageResponse::finished);
-    heard.count_down();
-    ASSERT_TRUE(finished.wait());
-    EXPECT_EQ(std::unique_ptr<QQuickTextureFactory>(response->textureFactory())->image(),
-              provider.icon(odd, 87));
-    EXPECT_EQ(asked, 2) << "of that size";
-    for (int other = 0; other < ApplicationIconProvider::keptKilobytes / 1024; ++other)
-        provider.icon("/other" + std::to_string(other), 512); // more than can be kept
-    const int before = asked;
-    EXPECT_EQ(provider.icon(odd, 58), red);
-    EXPECT_EQ(asked, before + 1) << "the oldest has gone";
-
-    const QImage none = provider.icon("/none", 60);
-    const QImage own(QStringLiteral(":/resources/AppIcon.png"));
-    ASSERT_FALSE(own.isNull());
-    const auto saturation = [](const QImage& image) {
-        const QImage small = image.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-        return small.pixelColor(0, 0).hslSaturationF();
-    };
-    EXPECT_LT(saturation(none), 0.2F) << "grey";
-    EXPECT_GT(saturation(own), 0.5F);
-    int lines = 0;
-    for (int x = 0; x < 60; ++x)
-        lines += qGray(none.pixel(x, 20)) < qGray(none.pixel(5, 8)) - 10 ? 1 : 0;
-    EXPECT_GT(lines, 4) << "with something on it";
+    const QImage none =
+        provider.icon("/none", 60).scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    EXPECT_LT(none.pixelColor(0, 0).hslSaturationF(), 0.2F) << "grey, unlike our own";
 }
 
 } // namespace dubrix

@@ -115,7 +115,8 @@ TEST_F(PressTest, NothingBeginsWhileThePipelineRuns) {
         prefs().duplicateAppWithNumber("2");
         shown = modals.rowCount(); // with the question, which fades
         if (alert())
-            progress = alert()->title() + "|" + alert()->message() + "|" + alert()->buttons().join(u'|');
+            progress =
+                alert()->title() + "|" + alert()->message() + "|" + alert()->buttons().join(u'|');
     });
     press(rows[0]);
     ASSERT_TRUE(modals.topmost());

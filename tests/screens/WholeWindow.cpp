@@ -48,7 +48,8 @@ QQuickItem* WholeWindow::itemOf(const QString& name) const {
 }
 
 QString WholeWindow::focused() const {
-    QAccessibleInterface* element = QAccessible::queryAccessibleInterface(window->activeFocusItem());
+    QAccessibleInterface* element =
+        QAccessible::queryAccessibleInterface(window->activeFocusItem());
     return element ? element->text(QAccessible::Name) : QString();
 }
 

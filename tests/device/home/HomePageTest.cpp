@@ -2,7 +2,6 @@
 
 #include "device/home/HomeScreen.h"
 #include "tests/device/home/HomeDevice.h"
-#include "windows/WindowPlace.h"
 
 #include <QGuiApplication>
 #include <QSignalSpy>
@@ -101,22 +100,8 @@ TEST(HomeScreen, KeysWalkInReadingOrder) {
     for (const auto& each : cases)
         EXPECT_EQ(HomeScreen::walk(each.key, each.from, 7, 2, 2), each.to)
             << each.key << " from " << each.from;
-    EXPECT_EQ(HomeScreen::walk(Qt::Key_End, 0, 0, 2, 2), 0);
+    EXPECT_EQ(HomeScreen::walk(Qt::Key_Right, 0, 0, 2, 2), 0);
     EXPECT_EQ(HomeScreen::walk(Qt::Key_Left, 0, 0, 0, 0), -1);
-}
-
-TEST(WindowPlace, PutsTwoWindowsBesideEachOtherWhereThereIsRoom) {
-    const QSize wanted(390, 760);
-    for (const QRect& available : {QRect(100, 30, 1280, 900), {64, 0, 640, 480}}) {
-        const auto left = placeBeside(available, wanted, Side::Left);
-        const auto right = placeBeside(available, wanted, Side::Right);
-        ASSERT_TRUE(left && right) << available.width();
-        EXPECT_EQ(left->size(), available.width() > 640 ? wanted : QSize(300, 432));
-        EXPECT_GE(right->left() - left->right(), 8) << "borders between";
-        EXPECT_NEAR(left->left() - available.left(), available.right() - right->right(), 1);
-    }
-    for (const QRect& narrow : {QRect(0, 0, 639, 480), {0, 0, 640, 407}})
-        EXPECT_FALSE(placeBeside(narrow, wanted, Side::Left));
 }
 
 } // namespace dubrix
