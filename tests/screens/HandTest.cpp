@@ -254,7 +254,11 @@ TEST_F(HandTest, KeysLeadFromTabToTabToHelpAndOut) {
     for (int again = 0; again < 2; ++again) {
         key(Qt::Key_F1);
         EXPECT_EQ(root->selectedIndex(), 1);
-        EXPECT_TRUE(root->tabBarHidden()) << "a page is shown";
+        EXPECT_TRUE(root->tabBarHidden());
+        EXPECT_EQ(static_cast<NavigationController*>(root->viewControllerAt(1))
+                      ->topViewController()
+                      ->title(),
+                  "Instructions");
     }
     click("About"); // back from the one page
     EXPECT_FALSE(root->tabBarHidden());
