@@ -140,6 +140,8 @@ TEST_F(StillTest, WhatTheOverlaySaysFitsIntoItsMeasure) {
           "Donaudampfschifffahrtsgesellschaft successfully duplicated.", "AVAVAV WAWAWA To Ty",
           "Ein Name mit Ümläuten, der länger als eine Zeile ist."}) {
         ProgressHUD::show(text);
+        EXPECT_EQ(stage.spinner()->width(), 37) << "above the words";
+        EXPECT_GT(stage.label()->y(), stage.spinner()->y() + 37);
         int seen = 0;
         eachDrawn(window->contentItem(), [&](const QQuickItem& item) {
             if (!item.inherits("QQuickText") || item.property("text") != QString(text))

@@ -1,6 +1,7 @@
 #include "device/home/HomePage.h"
 
 #include "device/home/HomeScreen.h"
+#include "device/home/Wallpaper.h"
 #include "tests/device/home/HomeDevice.h"
 
 #include <QGuiApplication>
@@ -102,6 +103,21 @@ TEST(HomeScreen, KeysWalkInReadingOrder) {
             << each.key << " from " << each.from;
     EXPECT_EQ(HomeScreen::walk(Qt::Key_Right, 0, 0, 2, 2), 0);
     EXPECT_EQ(HomeScreen::walk(Qt::Key_Left, 0, 0, 0, 0), -1);
+}
+
+TEST(Wallpaper, IsACalmPictureWithAGlowInTheSky) {
+    for (const bool dark : {false, true}) {
+        QSize size;
+        const QImage image = Wallpaper().requestImage(dark ? "dark" : "light", &size, {});
+        ASSERT_EQ(size, image.size());
+        const auto light = [&](int x, int y) { return qGray(image.pixel(x, y)); };
+        EXPECT_EQ(light(500, 0) < 128, dark);
+        EXPECT_GT(light(640, 420), light(100, 420) + 5);
+        int edges = 0;
+        for (int x = 1; x < size.width(); ++x)
+            edges += std::abs(light(x, 700) - light(x - 1, 700)) > 2 ? 1 : 0;
+        EXPECT_TRUE(edges > 0 && edges < 12) << edges << " where slopes meet";
+    }
 }
 
 } // namespace dubrix
