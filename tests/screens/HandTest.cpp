@@ -20,7 +20,8 @@ protected:
         QCoreApplication::processEvents();
     }
     void waitFor(const QString& application) const {
-        ASSERT_TRUE(QTest::qWaitFor([&] { return find(application); }));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return find(application); }))
+            << modals.rowCount() << " modal; window active: " << window->isActive();
         ASSERT_TRUE(settled());
     }
     /// Every Tab stop has a name and a role for a screen reader, and the Tab key comes by all.
