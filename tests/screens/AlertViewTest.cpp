@@ -30,6 +30,7 @@ TEST_F(ScreenDevice, AnAlertViewReportsEachShowingOnceAndLivesAsLong) {
         told.showWithCompletion(completion); // again, by its own completion
     });
     ASSERT_EQ(title(), "Title");
+    EXPECT_TRUE(modals.data(modals.index(0), ModalStack::AnimatedRole).toBool());
     EXPECT_EQ(alert()->buttons(), QStringList({"Later", "Cancel"}));
     view->show();
     EXPECT_EQ(modals.rowCount(), 1);

@@ -60,6 +60,7 @@ TEST_F(HomePageTest, ShowsWhatIsInstalledWhereItBelongs) {
     install("apples"); // back before it has left the screen
     expectChange(applications);
     first.gone("com.example.Bells"); // which is not leaving
+    EXPECT_TRUE(rows(first).contains("apples-"));
     first.gone("com.example.apples");
     second.setPage(-1); // on its way out
     EXPECT_EQ(rows(second), "");
