@@ -27,7 +27,7 @@ Pressable {
     y: line - height + (shown ? 0 : Theme.points(20))
     height: label.height + Theme.points(busy ? 40 : 28)
     opacity: shown ? 1 : 0
-    visible: opacity > 0
+    visible: shown || opacity > 0 // can be pressed from the start
     activeFocusOnTab: false
     // Kept while it goes.
     onWordsChanged: if (words !== "")

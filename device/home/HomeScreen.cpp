@@ -135,9 +135,12 @@ void HomeScreen::alertAccepted() {
                       accepted.identifier.toUtf8());
 }
 
+/// One goes before the next comes, which is told as any other.
 void HomeScreen::alertDismissed() {
-    alert_ = alerts_.isEmpty() ? Alert{} : alerts_.takeFirst();
+    alert_ = {};
     Q_EMIT alertChanged();
+    if (!alerts_.isEmpty())
+        alert(alerts_.takeFirst());
 }
 
 int HomeScreen::walk(int key, int position, int count, int columns, int rows) {

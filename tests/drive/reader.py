@@ -5,7 +5,7 @@ import sys
 import time
 
 import pyatspi
-from gi.repository import GLib
+from gi.repository import Atspi, GLib
 
 launcher, device = sys.argv[1:]
 LIMIT = 60  # seconds that anything may take
@@ -116,6 +116,7 @@ subprocess.run(["gdbus", "call", "--session", "--dest", "org.a11y.Bus", "--objec
 pyatspi.Registry.registerEventListener(hear, "object:state-changed:focused",
                                        "object:state-changed:showing")
 GLib.timeout_add(20, lambda: True)  # what is waited for is looked for so often
+Atspi.set_timeout(LIMIT * 1000, LIMIT * 1000)  # a busy machine answers late
 run("--samples", "list")
 TABS = ("Settings", "About", "Color test")
 BUTTON, TAB, ALERT = pyatspi.ROLE_PUSH_BUTTON, pyatspi.ROLE_PAGE_TAB, pyatspi.ROLE_ALERT

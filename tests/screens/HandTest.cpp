@@ -1,74 +1,82 @@
-#include "controls/Appearance.h"
-#include "controls/ApplicationIconDrawing.h"
-#include "overlays/ProgressHUD.h"
+#include "screens/colors/ColorSpaces.h"
+#include "screens/colors/ColorWords.h"
+#include "screens/colors/QZColorPickerViewController.h"
+#include "screens/containers/NavigationController.h"
 #include "tests/screens/WholeWindow.h"
-#include "tests/support/ScreenReader.h"
-#include "tests/support/StoredText.h"
 
-#include <QQuickItem>
+#include <QSet>
 
 namespace dubrix {
 
 /// The window under a pointer and a keyboard.
 class HandTest : public WholeWindow {
 protected:
-    QAccessibleInterface* find(const QString& name) const { return reader.find(name); }
-    QString focused() const {
-        QAccessibleInterface* element =
-            QAccessible::queryAccessibleInterface(window->activeFocusItem());
-        return element ? element->text(QAccessible::Name) : QString();
-    }
-    /// The middle of what has this name, where it stands now.
-    QPoint placeOf(const QString& name) const {
-        QAccessibleInterface* element = find(name);
-        EXPECT_TRUE(element) << name.toStdString();
-        if (!element)
-            return {};
-        const auto* item = qobject_cast<QQuickItem*>(element->object());
-        return item->mapRectToScene({0, 0, item->width(), item->height()}).center().toPoint();
-    }
-    void click(const QPoint& place) const {
-        QTest::mouseClick(window, Qt::LeftButton, Qt::NoModifier, place);
-    }
-    void click(const QString& name) const { click(placeOf(name)); }
-    void key(int code, Qt::KeyboardModifiers modifiers = {}) const {
-        QTest::keyClick(window, static_cast<Qt::Key>(code), modifiers);
-    }
     /// What the window system sends while a key is held.
     void repeat(int code) const {
         for (const QEvent::Type type : {QEvent::KeyRelease, QEvent::KeyPress}) {
             QKeyEvent event(type, code, Qt::NoModifier, QString(), true);
             QCoreApplication::sendEvent(window, &event);
         }
+        QCoreApplication::processEvents();
     }
-    bool settled() {
-        return QTest::qWaitFor([this] {
-            return modals.rowCount() == (modals.topmost() ? 1 : 0) &&
-                   (!modals.topmost() || rested());
-        });
-    }
-    /// Whether the topmost modal screen has come all the way.
-    bool rested() const {
-        for (const QQuickItem* layer : window->contentItem()->childItems())
-            if (layer->property("presence").isValid() && layer->property("presence").toReal() < 1)
-                return false;
-        return true;
-    }
-    void choose(const QString& application) {
-        ASSERT_TRUE(QTest::qWaitFor([&] { return find(application); }));
+    void waitFor(const QString& application) const {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return find(application); }))
+            << modals.rowCount() << " modal; window active: " << window->isActive();
         ASSERT_TRUE(settled());
-        click(application);
-        ASSERT_TRUE(QTest::qWaitFor([this] { return !modals.topmost(); }));
     }
-    std::string chosen() { return storedText(files, log, "bundleID"); }
-
-    const ScreenReader reader{window};
+    /// Every Tab stop has a name and a role for a screen reader, and the Tab key comes by all.
+    void expectReachableAndNamed(int atLeast) const {
+        ASSERT_TRUE(settled());
+        QSet<QQuickItem*> stops;
+        const std::function<void(QQuickItem*)> collect = [&](QQuickItem* item) {
+            if (!item->isVisible() || !item->isEnabled())
+                return;
+            const QAccessibleInterface* element = QAccessible::queryAccessibleInterface(item);
+            if (item->activeFocusOnTab()) {
+                stops.insert(item);
+                EXPECT_TRUE(element && element->text(QAccessible::Name) != "" &&
+                            element->role() != QAccessible::NoRole)
+                    << item->metaObject()->className();
+            }
+            for (QQuickItem* child : item->childItems())
+                collect(child);
+        };
+        collect(window->contentItem());
+        EXPECT_GE(stops.size(), atLeast);
+        for (qsizetype press = stops.size() + 1; press > 0; --press) {
+            key(Qt::Key_Tab);
+            // Within a list, a row of it has the keyboard.
+            for (QQuickItem* item = window->activeFocusItem(); item; item = item->parentItem())
+                stops.remove(item);
+        }
+        for (const QQuickItem* missed : stops)
+            ADD_FAILURE() << "Tab does not reach " << missed->metaObject()->className();
+    }
 };
+
+TEST_F(HandTest, EveryScreenIsReachableAndNamed) {
+    for (const int tab : {0, 1, 2}) {
+        SCOPED_TRACE("tab " + std::to_string(tab));
+        root->setSelectedIndex(tab);
+        expectReachableAndNamed(tab == 2 ? 4 : 8);
+    }
+    root->setSelectedIndex(0);
+    for (const auto& [section, row, stops] : {std::tuple{0, 0, 3}, {2, 1, 2}, {3, 0, 2}}) {
+        SCOPED_TRACE("row of section " + std::to_string(section));
+        prefs().tableViewDidSelectRowAtIndexPath(section, row);
+        ASSERT_TRUE(modals.topmost());
+        expectReachableAndNamed(stops);
+        modals.dismiss(*modals.topmost(), false);
+        QCoreApplication::processEvents();
+    }
+}
 
 TEST_F(HandTest, ASecondClickDoesNotGoThroughWhatIsLeaving) {
     const QPoint places[] = {placeOf("Custom color"), placeOf("Duplicate"), placeOf("About")};
     click("Application");
-    choose("One");
+    waitFor("One");
+    click("One");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !modals.topmost(); }));
     ASSERT_EQ(modals.rowCount(), 1) << "still leaving";
     const std::size_t lines = log.lines.size();
     for (const QPoint& place : places)
@@ -80,48 +88,49 @@ TEST_F(HandTest, ASecondClickDoesNotGoThroughWhatIsLeaving) {
     EXPECT_EQ(log.lines.at(lines), "Custom Color OFF");
 }
 
-TEST_F(HandTest, ATapOnATabIsNoTapOnTheRowUnderIt) {
+TEST_F(HandTest, ATapOnATabIsNoTapOnTheRowUnderItAndADragScrolls) {
     window->resize(300, 360);
     QCoreApplication::processEvents();
     const std::size_t lines = log.lines.size();
+    const QPoint start = placeOf("Custom name");
+    QTest::mousePress(window, Qt::LeftButton, Qt::NoModifier, start);
+    for (int step = 1; step <= 12; ++step)
+        QTest::mouseMove(window, start - QPoint(0, 10 * step), 5);
+    QTest::mouseRelease(window, Qt::LeftButton, Qt::NoModifier, start - QPoint(0, 120));
+    EXPECT_LT(placeOf("Custom name").y(), start.y() - 60);
     click("About");
     EXPECT_EQ(log.lines.size(), lines) << log.lines.back();
     EXPECT_EQ(root->selectedIndex(), 1);
     EXPECT_FALSE(modals.topmost());
 }
 
-TEST_F(HandTest, ADragOnARowScrollsAndPressesNothing) {
-    window->resize(300, 360);
-    QCoreApplication::processEvents();
-    const QPoint start = placeOf("Custom name");
-    const std::size_t lines = log.lines.size();
-    QTest::mousePress(window, Qt::LeftButton, Qt::NoModifier, start);
-    for (int step = 1; step <= 12; ++step)
-        QTest::mouseMove(window, start - QPoint(0, 10 * step), 5);
-    QTest::mouseRelease(window, Qt::LeftButton, Qt::NoModifier, start - QPoint(0, 120));
-    EXPECT_LT(placeOf("Custom name").y(), start.y() - 60);
-    EXPECT_EQ(log.lines.size(), lines) << log.lines.back();
-}
-
-TEST_F(HandTest, AHeldReturnAsksAndDoesNotAnswer) {
-    QAccessibleInterface* const row = find("Duplicate");
-    qobject_cast<QQuickItem*>(row->object())->forceActiveFocus();
-    QTest::keyPress(window, Qt::Key_Return);
-    ASSERT_TRUE(modals.topmost());
-    ASSERT_TRUE(settled());
-    EXPECT_EQ(focused(), "Duplicate");
-    for (int again = 0; again < 5; ++again)
-        repeat(Qt::Key_Return);
-    QTest::keyRelease(window, Qt::Key_Return);
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(modals.topmost()) << "nobody answered";
-    key(Qt::Key_Escape);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return modals.rowCount() == 0; }));
+TEST_F(HandTest, AHeldReturnOpensAndAnswersNothing) {
+    for (const char* row : {"Application", "Select color", "Duplicate"}) {
+        itemOf(row)->forceActiveFocus();
+        QTest::keyPress(window, Qt::Key_Return);
+        const ViewController* const opened = modals.topmost();
+        ASSERT_TRUE(opened) << row;
+        ASSERT_TRUE(settled());
+        EXPECT_NE(focused(), "") << row;
+        for (int again = 0; again < 5; ++again)
+            repeat(Qt::Key_Return);
+        if (row == std::string("Application")) {
+            QTest::keyClick(window, 'o'); // to the search field
+            repeat(Qt::Key_Return);
+            key(Qt::Key_Escape);
+        }
+        EXPECT_EQ(modals.topmost(), opened) << "nobody answered " << row;
+        repeat(Qt::Key_Escape);
+        QTest::keyRelease(window, Qt::Key_Return);
+        key(Qt::Key_Escape);
+        EXPECT_TRUE(alone()) << row;
+    }
+    itemOf("Duplicate")->forceActiveFocus();
     key(Qt::Key_Enter); // the keypad's
     EXPECT_TRUE(modals.topmost());
 }
 
-TEST_F(HandTest, EscapeCancelsOnlyWhatCanBeCancelled) {
+TEST_F(HandTest, AlertsBeginAtTheirFirstActionAndEscapeCancelsOnlyWhatCanBeCancelled) {
     std::string ran;
     const auto noting = [&ran](const char* what) { return [&ran, what] { ran += what; }; };
     const auto answered = [&] {
@@ -130,6 +139,7 @@ TEST_F(HandTest, EscapeCancelsOnlyWhatCanBeCancelled) {
     };
     prefs().show2ButtonAlertWithTitle("T", "M", "Yes", "No", noting("no "), noting("yes "));
     EXPECT_EQ(focused(), "Yes");
+    EXPECT_LT(placeOf("No").x(), placeOf("Yes").x()) << "what cancels is at the left";
     key(Qt::Key_Left);
     EXPECT_EQ(focused(), "No");
     key(Qt::Key_Escape);
@@ -137,7 +147,12 @@ TEST_F(HandTest, EscapeCancelsOnlyWhatCanBeCancelled) {
     prefs().show3ButtonAlertWithTitle("T", "M", "A", "B", "C", noting("a "), noting("b "));
     key(Qt::Key_Escape);
     EXPECT_FALSE(answered());
-    EXPECT_EQ(focused(), "A");
+    EXPECT_TRUE(placeOf("A").y() < placeOf("B").y() && placeOf("B").y() < placeOf("C").y());
+    for (const char* there : {"A", "B", "C", "A"}) {
+        EXPECT_EQ(focused(), there);
+        key(Qt::Key_Down);
+    }
+    key(Qt::Key_Up);
     key(Qt::Key_Return);
     EXPECT_TRUE(answered());
     prefs().showSimpleAlertWithTitle("T", "M", "Ok");
@@ -151,32 +166,78 @@ TEST_F(HandTest, ThePickerTakesKeysTheMomentItOpens) {
         install("com.example.n" + std::to_string(number), "Number " + std::to_string(number));
     storeText(files, log, "bundleID", "com.example.n40");
     click("Application");
-    ASSERT_TRUE(QTest::qWaitFor([this] { return find("Number 40"); }));
-    EXPECT_EQ(focused(), "Number 40");
-    ASSERT_TRUE(settled());
+    waitFor("Number 40");
+    EXPECT_TRUE(find("Number 40")->state().checked);
     EXPECT_LT(placeOf("Number 40").y(), window->height());
     EXPECT_GT(placeOf("Number 40").y(), 0);
-    key(Qt::Key_Down);
-    EXPECT_EQ(focused(), "Number 41");
-    key(Qt::Key_Home);
-    EXPECT_EQ(focused(), "Number 10");
+    const struct {
+        int key;
+        const char* there;
+    } steps[] = {{0, "Number 40"},       {Qt::Key_Down, "Number 41"}, {Qt::Key_Home, "Number 10"},
+                 {Qt::Key_Up, "Search"}, {Qt::Key_Tab, "Number 10"},  {Qt::Key_End, "One"},
+                 {Qt::Key_X, "Search"},  {Qt::Key_Q, "Search"}};
+    for (const auto& [code, there] : steps) {
+        if (code != 0)
+            key(code);
+        EXPECT_EQ(focused(), there);
+    }
+    EXPECT_FALSE(find("Number 10"));
+    key(Qt::Key_Escape);
+    EXPECT_TRUE(find("Number 10")) << "all of them again";
     for (const int letter : {Qt::Key_2, Qt::Key_7})
         key(letter);
-    EXPECT_EQ(focused(), "Search");
     key(Qt::Key_Return);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return modals.rowCount() == 0; }));
-    EXPECT_EQ(chosen(), "com.example.n27");
+    ASSERT_TRUE(alone());
+    EXPECT_EQ(stored("bundleID"), "com.example.n27");
 
     key(Qt::Key_F, Qt::ControlModifier);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return find("Number 27"); }));
+    waitFor("Number 27");
     key(Qt::Key_F, Qt::ControlModifier);
     EXPECT_EQ(focused(), "Search");
-    QTest::keyClick(window, 'o');
-    QTest::keyClick(window, 'n');
-    key(Qt::Key_Down);
+    for (const int code : {Qt::Key_O, Qt::Key_N, Qt::Key_Down})
+        key(code);
     EXPECT_EQ(focused(), "One");
     key(Qt::Key_Enter);
-    EXPECT_EQ(chosen(), "com.example.one");
+    EXPECT_EQ(stored("bundleID"), "com.example.one");
+}
+
+TEST_F(HandTest, AColorIsPickedByKeysAndShown) {
+    click("Select color");
+    ASSERT_TRUE(settled());
+    const auto& picker = static_cast<const QZColorPickerViewController&>(
+        *static_cast<NavigationController*>(modals.topmost())->topViewController());
+    QSet<QString> names;
+    int marked = 0;
+    for (const QQuickItem* swatch : window->activeFocusItem()->parentItem()->childItems()) {
+        auto* element = QAccessible::queryAccessibleInterface(const_cast<QQuickItem*>(swatch));
+        if (!element || element->role() != QAccessible::Button)
+            continue;
+        names.insert(element->text(QAccessible::Name));
+        marked += element->state().selected;
+    }
+    EXPECT_EQ(names.size(), 216);
+    EXPECT_EQ(marked, 1);
+    const std::vector<std::pair<std::vector<int>, std::size_t>> ways{
+        {{}, 0},
+        {{Qt::Key_Left, Qt::Key_Up}, 0},
+        {{Qt::Key_Right, Qt::Key_Right}, 2},
+        {{Qt::Key_Down, Qt::Key_Down}, 14}, // six in a row
+        {{Qt::Key_Up, Qt::Key_Left}, 7},
+        {{Qt::Key_End}, 215},
+        {{Qt::Key_Right, Qt::Key_Down}, 215},
+        {{Qt::Key_Home}, 0},
+        {{Qt::Key_End, Qt::Key_Up}, 209}};
+    for (const auto& [keys, item] : ways) {
+        for (const int code : keys)
+            key(code);
+        EXPECT_EQ(focused(), ColorWords::componentsOf(drawable(picker.colors().at(item)))) << item;
+        EXPECT_TRUE(window->contentItem()->contains(placeOf(focused()))) << item;
+    }
+    const QColor picked = drawable(picker.colors().at(209));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(alone());
+    EXPECT_EQ(prefs().colorView.backgroundColor(), picked);
+    EXPECT_EQ(window->grabWindow().pixelColor(placeOf("Color")).rgb(), picked.rgb());
 }
 
 TEST_F(HandTest, KeysLeadFromTabToTabToHelpAndOut) {
@@ -184,15 +245,24 @@ TEST_F(HandTest, KeysLeadFromTabToTabToHelpAndOut) {
         key(Qt::Key_Tab, Qt::ControlModifier);
         EXPECT_EQ(root->selectedIndex(), tab);
     }
-    root->setSelectedIndex(0);
+    key(Qt::Key_Tab, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(root->selectedIndex(), 0);
     prefs().showSimpleAlertWithTitle("T", "M", "Ok");
     key(Qt::Key_F1);
     EXPECT_EQ(root->selectedIndex(), 0) << "below an alert";
     click("Ok");
-    ASSERT_TRUE(QTest::qWaitFor([this] { return modals.rowCount() == 0; }));
-    key(Qt::Key_F1);
-    EXPECT_EQ(root->selectedIndex(), 1);
-    EXPECT_TRUE(root->tabBarHidden()) << "a page is shown";
+    ASSERT_TRUE(alone());
+    for (int again = 0; again < 2; ++again) {
+        key(Qt::Key_F1);
+        EXPECT_EQ(root->selectedIndex(), 1);
+        EXPECT_TRUE(root->tabBarHidden());
+        EXPECT_EQ(static_cast<NavigationController*>(root->viewControllerAt(1))
+                      ->topViewController()
+                      ->title(),
+                  "Instructions");
+    }
+    click("About"); // back from the one page
+    EXPECT_FALSE(root->tabBarHidden());
     key(Qt::Key_Q, Qt::ControlModifier);
     EXPECT_FALSE(window->isVisible());
 }
@@ -200,14 +270,17 @@ TEST_F(HandTest, KeysLeadFromTabToTabToHelpAndOut) {
 TEST_F(HandTest, RowsObeyTheirCells) {
     // The row's height follows what is stored; the cell is hidden even where that cannot be
     // written.
-    prefs().textfieldCell.setHidden(true);
-    EXPECT_FALSE(find("Name"));
-    prefs().textfieldCell.setHidden(false);
-
-    QAccessibleInterface* const field = find("Name");
-    ASSERT_TRUE(field);
-    field->setText(QAccessible::Value, "Dictated");
-    EXPECT_EQ(storedText(files, log, "customText"), "Dictated");
+    const std::pair<TableViewCell*, const char*> cells[] = {{&prefs().textfieldCell, "Name"},
+                                                            {&prefs().colorCell, "Select color"},
+                                                            {&prefs().colorView, "Color"}};
+    for (const auto& [cell, name] : cells) {
+        EXPECT_TRUE(find(name)) << name;
+        cell->setHidden(true);
+        EXPECT_FALSE(find(name)) << name;
+        cell->setHidden(false);
+    }
+    find("Name")->setText(QAccessible::Value, "Dictated");
+    EXPECT_EQ(stored("customText"), "Dictated");
 }
 
 TEST_F(HandTest, TabGoesOnAfterTheFieldThatReturnHasLeft) {
@@ -219,134 +292,6 @@ TEST_F(HandTest, TabGoesOnAfterTheFieldThatReturnHasLeft) {
     EXPECT_EQ(focused(), "Custom color");
     key(Qt::Key_Tab, Qt::ShiftModifier);
     EXPECT_EQ(focused(), "Name");
-}
-
-TEST_F(HandTest, ALongNameFadesWhereItGoesOn) {
-    const QAccessibleInterface* const field = find("Name");
-    ASSERT_TRUE(field);
-    auto* const item = qobject_cast<QQuickItem*>(field->object());
-    /// How clearly letters can be seen in these columns of the field, counted from the left or
-    /// right.
-    const auto ink = [&](int from, int to) {
-        const QImage picture = window->grabWindow();
-        const QRect area = item->mapRectToScene({0, 0, item->width(), item->height()}).toRect();
-        const int ground = qGray(picture.pixel(area.left() - 4, area.center().y()));
-        int most = 0;
-        for (int x = from; x < to; ++x)
-            for (int y = area.top(); y <= area.bottom(); ++y) {
-                const QRgb seen = picture.pixel(x < 0 ? area.right() + x : area.left() + x, y);
-                most = std::max(most, std::abs(qGray(seen) - ground));
-            }
-        return most;
-    };
-    prefs().textFieldChanged(QString(200, u'm'));
-    QCoreApplication::processEvents();
-    EXPECT_GT(ink(0, 20), 200);
-    EXPECT_GT(ink(-60, -30), 200);
-    EXPECT_LT(ink(-3, 0), 100) << "there is more";
-    click("Name");
-    key(Qt::Key_End);
-    QCoreApplication::processEvents();
-    EXPECT_LT(ink(0, 3), 100) << "there is more on the left";
-    EXPECT_GT(ink(-30, 0), 200);
-}
-
-/// With the type of a person who sees badly.
-struct LargeType {
-    LargeType() { chooseSize(20); }
-    ~LargeType() { chooseSize(11); }
-    static void chooseSize(int points) {
-        QFont font = QGuiApplication::font();
-        font.setPointSize(points);
-        QGuiApplication::setFont(font);
-    }
-};
-
-class LargeTypeTest : private LargeType, public HandTest {
-protected:
-    /// Words that do not stand whole in the window.
-    QStringList cut() {
-        EXPECT_TRUE(settled());
-        QStringList cut;
-        const std::function<void(const QQuickItem*)> look = [&](const QQuickItem* item) {
-            if (!item->isVisible() || item->opacity() == 0)
-                return;
-            const QVariant text = item->property("text");
-            const QRectF place = item->mapRectToScene({0, 0, item->width(), item->height()});
-            if (item->inherits("QQuickText") && place.bottom() > 0 &&
-                place.top() < window->height() &&
-                (item->property("truncated").toBool() || place.left() < 0 ||
-                 place.right() > window->width()))
-                cut << text.toString();
-            for (const QQuickItem* child : item->childItems())
-                look(child);
-        };
-        look(window->contentItem());
-        return cut;
-    }
-};
-
-TEST_F(LargeTypeTest, NoWordsAreCutInTheSmallestWindow) {
-    EXPECT_GT(window->minimumWidth(), 500);
-    window->resize(window->minimumSize());
-    QCoreApplication::processEvents();
-    EXPECT_EQ(cut(), QStringList());
-    for (const char* row : {"Application", "Select color", "Duplicate"}) {
-        qobject_cast<QQuickItem*>(find(row)->object())->forceActiveFocus();
-        key(Qt::Key_Return);
-        ASSERT_TRUE(modals.topmost()) << row;
-        EXPECT_EQ(cut(), QStringList()) << row;
-        key(Qt::Key_Escape);
-        ASSERT_TRUE(QTest::qWaitFor([this] { return modals.rowCount() == 0; }));
-    }
-    click("About");
-    EXPECT_EQ(cut(), QStringList());
-}
-
-TEST(IconDrawing, WhatHasNoIconDoesNotLookLikeUs) {
-    const QImage none = drawnPlaceholder(60);
-    const QImage own(QStringLiteral(":/resources/AppIcon.png"));
-    ASSERT_FALSE(own.isNull());
-    const auto saturation = [](const QImage& image) {
-        const QImage small = image.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-        return small.pixelColor(0, 0).hslSaturationF();
-    };
-    EXPECT_LT(saturation(none), 0.2F) << "grey";
-    EXPECT_GT(saturation(own), 0.5F);
-    int lines = 0;
-    for (int x = 0; x < 60; ++x)
-        lines += qGray(none.pixel(x, 20)) < qGray(none.pixel(5, 8)) - 10 ? 1 : 0;
-    EXPECT_GT(lines, 4) << "with something on it";
-}
-
-struct Stillness {
-    Stillness() { chooseMotion(true); }
-    ~Stillness() { chooseMotion(false); }
-};
-
-class StillTest : private Stillness, public HandTest {};
-
-TEST_F(StillTest, WhatComesIsThereAtOnceAndGoesInItsTime) {
-    prefs().showSimpleAlertWithTitle("T", "M", "Ok");
-    EXPECT_TRUE(rested());
-    click("Ok");
-    ASSERT_TRUE(QTest::qWaitFor([this] { return modals.rowCount() == 0; }));
-    click("Application");
-    EXPECT_TRUE(rested()) << "a sheet";
-
-    ProgressHUD::show("Done");
-    const auto isDrawn = [this](const QQuickItem& item) {
-        return item.isVisible() && item.opacity() == stage.hud()->alpha() &&
-               item.scale() == stage.hud()->scale();
-    };
-    const QAccessibleInterface* const box = find("Done");
-    ASSERT_TRUE(box);
-    const auto& item = *qobject_cast<QQuickItem*>(box->object())->parentItem();
-    EXPECT_TRUE(isDrawn(item) && item.opacity() == 1);
-    ProgressHUD::dismiss();
-    EXPECT_TRUE(isDrawn(item) && item.opacity() == 0);
-    EXPECT_TRUE(stage.hud()->shown()) << "its time is the overlay's own";
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !stage.hud()->shown(); }));
 }
 
 } // namespace dubrix

@@ -1,7 +1,5 @@
-#include "engine/DXShared.h"
 #include "overlays/ProgressHUD.h"
 #include "tests/screens/WholeWindow.h"
-#include "tests/support/ScreenReader.h"
 
 #include <QTimer>
 #include <fcntl.h>
@@ -15,7 +13,6 @@ class PressTest : public WholeWindow {
 protected:
     using Element = ScreenReader::Element;
 
-    Element* find(const QString& name) const { return reader.find(name); }
     static void press(Element* element) { ScreenReader::press(element); }
     void pressAll(const QList<Element*>& elements) const {
         for (Element* element : elements)
@@ -25,16 +22,11 @@ protected:
     void dismissAll() {
         while (ViewController* modal = modals.topmost())
             modals.dismiss(*modal, false);
-        ASSERT_TRUE(QTest::qWaitFor([this] { return modals.rowCount() == 0; }));
-    }
-    std::string settings() const {
-        return contentsOf(folder / std::string(settingsFilePath).substr(1));
+        ASSERT_TRUE(alone());
     }
     qsizetype logged(const std::string& line) const {
         return std::count(log.lines.begin(), log.lines.end(), line);
     }
-
-    const ScreenReader reader{window};
 };
 
 TEST_F(PressTest, WhatIsCoveredIsNeitherFoundNorPressed) {
@@ -87,11 +79,11 @@ TEST_F(PressTest, AScreenThatLeavesTakesNoPress) {
     press(find("Application"));
     ASSERT_TRUE(QTest::qWaitFor([this] { return find("One"); }));
     Element* const row = find("One");
-    const std::string before = settings();
+    const std::string before = contentsOf(settingsPath());
     modals.dismiss(*modals.topmost(), true);
     press(row);
     EXPECT_FALSE(find("One"));
-    EXPECT_EQ(settings(), before);
+    EXPECT_EQ(contentsOf(settingsPath()), before);
 }
 
 TEST_F(PressTest, NothingBeginsWhileThePipelineRuns) {
@@ -106,6 +98,7 @@ TEST_F(PressTest, NothingBeginsWhileThePipelineRuns) {
 
     const QList<Element*> rows{find("Duplicate"), find("Update duplicates"), find("Application")};
     int shown = -1;
+    QString progress;
     QTimer inside;
     QObject::connect(&inside, &QTimer::timeout, window, [&] {
         const int opened = ::open(gate.c_str(), O_WRONLY | O_NONBLOCK);
@@ -121,6 +114,9 @@ TEST_F(PressTest, NothingBeginsWhileThePipelineRuns) {
         prefs().DuplicateStartAt(1);
         prefs().duplicateAppWithNumber("2");
         shown = modals.rowCount(); // with the question, which fades
+        if (alert())
+            progress =
+                alert()->title() + "|" + alert()->message() + "|" + alert()->buttons().join(u'|');
     });
     press(rows[0]);
     ASSERT_TRUE(modals.topmost());
@@ -132,6 +128,7 @@ TEST_F(PressTest, NothingBeginsWhileThePipelineRuns) {
 
     EXPECT_EQ(contentsOf(runs), "run\n") << "one pipeline";
     EXPECT_EQ(shown, 2) << "the question and the progress, nothing beside";
+    EXPECT_EQ(progress, "Dubrix|Cloning One 1\nPlease wait...\n\n|");
     EXPECT_EQ(logged("Dubrix - Duplicate Cell Clicked"), 1);
     EXPECT_FALSE(modals.suspended());
     EXPECT_TRUE(find("Duplicate") == rows[0]) << "there again";

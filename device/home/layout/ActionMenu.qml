@@ -29,7 +29,7 @@ LayerScope {
     enabled: shown
     Accessible.role: Accessible.LayeredPane
     opacity: shown ? 1 : 0
-    visible: opacity > 0
+    visible: shown || opacity > 0 // can be pressed from the start
     Keys.onEscapePressed: menu.close()
     Keys.onUpPressed: exportButton.forceActiveFocus()
     Keys.onDownPressed: removeButton.forceActiveFocus()

@@ -14,8 +14,18 @@ LayerScope {
     enabled: shown
     Accessible.role: Accessible.LayeredPane
     opacity: shown ? 1 : 0
-    visible: opacity > 0
-    onShownChanged: shown ? box.forceActiveFocus() : closed()
+    visible: false
+    // It can be pressed from the start, before anything of it is seen; and it comes anew while the
+    // one before it still fades: those who hear the screen are told of nothing else.
+    onShownChanged: {
+        visible = !shown && opacity > 0;
+        if (!shown)
+            return closed();
+        visible = true;
+        box.forceActiveFocus();
+    }
+    onOpacityChanged: if (opacity === 0)
+        visible = shown
 
     Behavior on opacity {
         NumberAnimation {

@@ -1,32 +1,16 @@
 #include "device/home/HomePage.h"
+
 #include "device/home/HomeScreen.h"
-#include "tests/device/DeviceFolder.h"
-#include "windows/WindowPlace.h"
+#include "device/home/Wallpaper.h"
+#include "tests/device/home/HomeDevice.h"
 
 #include <QGuiApplication>
 #include <QSignalSpy>
 
 namespace dubrix {
 
-namespace {
-
-class HomeDevice : public testing::Test {
+class HomePageTest : public HomeDevice {
 protected:
-    HomeDevice() {
-        for (const auto place : {Registry::applicationPath, Registry::registryPath})
-            std::filesystem::create_directories(registry.hostPath(place));
-    }
-
-    /// `more` are further entries of the Info.plist in old-style text.
-    void install(const std::string& name, const std::string& more = "") {
-        const std::string path = std::string(Registry::applicationPath) + "/" + name + "/It.app";
-        putFile(registry.hostPath(path) / "Info.plist",
-                "{CFBundleDisplayName = \"" + name + "\"; " + more + "}");
-        ASSERT_TRUE(static_cast<bool>(registry.enter("com.example." + name, path)));
-    }
-    void remove(const std::string& name) {
-        ASSERT_TRUE(static_cast<bool>(registry.strike("com.example." + name)));
-    }
     /// Waits for the file system's word, as the window does.
     static void expectChange(HomeApplications& applications) {
         QSignalSpy spy(&applications, &HomeApplications::changed);
@@ -36,27 +20,21 @@ protected:
     static QString rows(const HomePage& page) {
         QStringList rows;
         for (int row = 0; row < page.rowCount(); ++row) {
-            const QModelIndex index = page.index(row);
-            rows += QStringLiteral("%1:%2%3%4")
-                        .arg(page.data(index, HomePage::SlotRole).toInt())
-                        .arg(page.data(index, HomePage::NameRole).toString(),
-                             page.data(index, HomePage::ArrivingRole).toBool() ? "+" : "",
-                             page.data(index, HomePage::LeavingRole).toBool() ? "-" : "");
+            const auto value = [&](int role) { return page.data(page.index(row), role); };
+            rows += value(HomePage::SlotRole).toString() + ":" +
+                    value(HomePage::NameRole).toString() +
+                    (value(HomePage::ArrivingRole).toBool() ? "+" : "") +
+                    (value(HomePage::LeavingRole).toBool() ? "-" : "");
         }
         return rows.join(u' ');
     }
-
-    DeviceFolder device;
-    Registry registry = device.registry();
 };
 
-} // namespace
-
-TEST_F(HomeDevice, ShowsWhatIsInstalledWhereItBelongs) {
-    install("Notes10");
-    install("Notes2");
-    install("apples");
+TEST_F(HomePageTest, ShowsWhatIsInstalledWhereItBelongs) {
+    for (const char* name : {"Notes10", "Notes2", "apples"})
+        install(name);
     install("Hidden", "SBAppTags = (hidden);");
+    putFile(device.root() / "Applications/S.app/Info.plist", "{CFBundleIdentifier = system;}");
     HomeApplications applications(device.root());
     HomePage first;
     HomePage second;
@@ -75,33 +53,36 @@ TEST_F(HomeDevice, ShowsWhatIsInstalledWhereItBelongs) {
     EXPECT_EQ(rows(first), "0:apples 1:Bells+");
     EXPECT_EQ(rows(second), "0:Notes2 1:Notes10");
 
-    remove("apples");
+    strike("apples");
     expectChange(applications);
     EXPECT_EQ(rows(first), "0:apples- 0:Bells+ 1:Notes2");
     EXPECT_EQ(rows(second), "0:Notes10");
     install("apples"); // back before it has left the screen
     expectChange(applications);
+    first.gone("com.example.Bells"); // which is not leaving
+    EXPECT_TRUE(rows(first).contains("apples-"));
     first.gone("com.example.apples");
     second.setPage(-1); // on its way out
     EXPECT_EQ(rows(second), "");
     EXPECT_EQ(rows(first), "0:apples+ 1:Bells+");
 
     for (const char* name : {"apples", "Bells", "Notes2", "Notes10"})
-        remove(name);
-    while (applications.count() > 0)
+        strike(name);
+    for (int changes = 0; applications.count() > 0 && changes < 4; ++changes)
         expectChange(applications);
     EXPECT_EQ(rows(first), "0:apples+- 1:Bells+-");
 }
 
-TEST_F(HomeDevice, FindsARegistryThatIsMadeLater) {
+TEST_F(HomePageTest, FindsARegistryThatIsMadeLater) {
     std::filesystem::remove_all(registry.hostPath(Registry::registryPath));
     HomeApplications applications(device.root());
     expectChange(applications);
     EXPECT_EQ(applications.count(), 0);
     std::filesystem::create_directories(registry.hostPath(Registry::registryPath));
     install("Late");
-    while (applications.count() == 0)
+    for (int changes = 0; applications.count() == 0 && changes < 4; ++changes)
         expectChange(applications);
+    EXPECT_EQ(applications.count(), 1);
 }
 
 TEST(HomeScreen, KeysWalkInReadingOrder) {
@@ -121,34 +102,23 @@ TEST(HomeScreen, KeysWalkInReadingOrder) {
     for (const auto& each : cases)
         EXPECT_EQ(HomeScreen::walk(each.key, each.from, 7, 2, 2), each.to)
             << each.key << " from " << each.from;
-    EXPECT_EQ(HomeScreen::walk(Qt::Key_End, 0, 0, 2, 2), 0);
+    EXPECT_EQ(HomeScreen::walk(Qt::Key_Right, 0, 0, 2, 2), 0);
     EXPECT_EQ(HomeScreen::walk(Qt::Key_Left, 0, 0, 0, 0), -1);
 }
 
-TEST(WindowPlace, PutsTwoWindowsBesideEachOtherWhereverThereIsRoom) {
-    const QSize wanted(390, 760);
-    const struct {
-        QRect available;
+TEST(Wallpaper, IsACalmPictureWithAGlowInTheSky) {
+    for (const bool dark : {false, true}) {
         QSize size;
-    } cases[] = {
-        {{100, 30, 1280, 900}, wanted},  {{0, 0, 1366, 768}, {390, 720}},
-        {{0, 0, 1280, 800}, {390, 752}}, {{0, 0, 800, 600}, {380, 552}},
-        {{0, 0, 720, 450}, {340, 402}},  {{64, 0, 640, 480}, {300, 432}},
-    };
-    for (const auto& [available, size] : cases) {
-        const auto left = placeBeside(available, wanted, Side::Left);
-        const auto right = placeBeside(available, wanted, Side::Right);
-        ASSERT_TRUE(left && right) << available.width();
-        EXPECT_EQ(left->size(), size);
-        EXPECT_EQ(right->size(), size);
-        EXPECT_GE(right->left() - left->right(), 8) << "borders between";
-        EXPECT_NEAR(left->left() - available.left(), available.right() - right->right(), 1);
-        // With their title bars.
-        EXPECT_TRUE(available.contains(left->adjusted(-8, -40, 0, 8)));
-        EXPECT_TRUE(available.contains(right->adjusted(0, -40, 8, 8)));
+        const QImage image = Wallpaper().requestImage(dark ? "dark" : "light", &size, {});
+        ASSERT_EQ(size, image.size());
+        const auto light = [&](int x, int y) { return qGray(image.pixel(x, y)); };
+        EXPECT_EQ(light(500, 0) < 128, dark);
+        EXPECT_GT(light(640, 420), light(100, 420) + 5);
+        int edges = 0;
+        for (int x = 1; x < size.width(); ++x)
+            edges += std::abs(light(x, 700) - light(x - 1, 700)) > 2 ? 1 : 0;
+        EXPECT_TRUE(edges > 0 && edges < 12) << edges << " where slopes meet";
     }
-    EXPECT_FALSE(placeBeside({0, 0, 639, 480}, wanted, Side::Left));
-    EXPECT_FALSE(placeBeside({0, 0, 640, 407}, wanted, Side::Left));
 }
 
 } // namespace dubrix

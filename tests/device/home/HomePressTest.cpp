@@ -1,8 +1,7 @@
-#include "controls/Appearance.h"
 #include "controls/ApplicationIconProvider.h"
 #include "device/home/HomeScreen.h"
 #include "device/home/Wallpaper.h"
-#include "tests/device/DeviceFolder.h"
+#include "tests/device/home/HomeDevice.h"
 #include "tests/support/ScreenReader.h"
 
 #include <QMimeData>
@@ -19,20 +18,13 @@ namespace dubrix {
 
 /// The home screen's window over a device with two applications. Nobody carries out its requests,
 /// which it remarks on, unless it has a desk.
-class HomePress : public testing::Test {
+class HomePress : public HomeDevice {
 protected:
     explicit HomePress(Errands* errands = nullptr) {
-        std::filesystem::create_directories(registry.hostPath(Registry::registryPath));
-        for (const std::string name : {"One", "Two"}) {
-            const std::string path =
-                std::string(Registry::applicationPath) + "/" + name + "/It.app";
-            putFile(registry.hostPath(path) / "Info.plist",
-                    "{CFBundleDisplayName = " + name + ";}");
-            EXPECT_TRUE(static_cast<bool>(registry.enter("com.example." + name, path)));
-        }
+        install("One");
+        install("Two");
         applications = std::make_unique<HomeApplications>(device.root());
         home = std::make_unique<HomeScreen>(*applications, errands, "/");
-        chooseMotion(true);
         engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
         engine.addImageProvider(QLatin1String(Wallpaper::name), new Wallpaper);
         engine.addImageProvider(QLatin1String(ApplicationIconProvider::name),
@@ -43,24 +35,66 @@ protected:
         engine.load(QUrl(QStringLiteral("qrc:/qt/qml/DubrixHome/HomeWindow.qml")));
         window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
     }
+    void SetUp() override {
+        ASSERT_TRUE(window && QTest::qWaitForWindowExposed(window));
+        window->requestActivate();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return reader.find("Two"); }));
+    }
     /// What the keyboard is at.
     QString focused() const {
         QAccessibleInterface* element =
             QAccessible::queryAccessibleInterface(window->activeFocusItem());
         return element ? element->text(QAccessible::Name) : QString();
     }
-    void SetUp() override {
-        ASSERT_TRUE(window && QTest::qWaitForWindowExposed(window));
-        window->requestActivate();
+    void key(Qt::Key code, Qt::KeyboardModifiers modifiers = {}) const {
+        QTest::keyClick(window, code, modifiers);
     }
 
-    const DeviceFolder device;
-    const Registry registry = device.registry();
     std::unique_ptr<HomeApplications> applications;
     std::unique_ptr<HomeScreen> home;
     QQmlApplicationEngine engine;
     QQuickWindow* window = nullptr;
+    const ScreenReader reader{window};
 };
+
+TEST_F(HomePress, AQuestionIsToldAndAnsweredTheMomentItComes) {
+    key(Qt::Key_Tab);
+    key(Qt::Key_Tab);
+    key(Qt::Key_Delete);
+    auto* question = qobject_cast<QQuickItem*>(reader.find("Cancel")->object());
+    const auto role = [](QQuickItem* item) {
+        const QAccessibleInterface* element = QAccessible::queryAccessibleInterface(item);
+        return element ? element->role() : QAccessible::NoRole;
+    };
+    while (role(question) != QAccessible::AlertMessage)
+        question = question->parentItem();
+    key(Qt::Key_Return); // before anything of it has been drawn
+    EXPECT_EQ(home->alertTitle(), "");
+
+    QStringList told; // those who hear the screen, who are told of what comes
+    QObject::connect(question, &QQuickItem::visibleChanged, window, [&] {
+        if (question->isVisible())
+            told << home->alertTitle();
+    });
+    const auto asked = [&] {
+        EXPECT_EQ(focused(), "Cancel");
+        return std::exchange(told, {}).join(u',');
+    };
+    key(Qt::Key_Delete);
+    EXPECT_EQ(asked(), "Remove “One”?");
+    const QQuickItem* const layer = question->parentItem()->parentItem();
+    ASSERT_TRUE(QTest::qWaitFor([layer] { return layer->opacity() == 1; }));
+    for (const Qt::Key code : {Qt::Key_Return, Qt::Key_Menu, Qt::Key_Down, Qt::Key_Return})
+        key(code);
+    EXPECT_EQ(asked(), "Remove “One”?") << "by the menu, while the one before fades";
+    home->remove("com.example.Two");
+    key(Qt::Key_Escape);
+    EXPECT_EQ(asked(), "Remove “Two”?") << "which has waited";
+    key(Qt::Key_Right);
+    key(Qt::Key_Return);
+    EXPECT_TRUE(home->remark().startsWith("This is only possible")) << home->remark().toStdString();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !question->isVisible(); }));
+}
 
 TEST_F(HomePress, DroppedFilesStayWhereTheyComeFrom) {
     const auto answer = [this](const char* file) {
@@ -83,32 +117,28 @@ TEST_F(HomePress, DroppedFilesStayWhereTheyComeFrom) {
 }
 
 TEST_F(HomePress, TheKeyboardIsSeenWhereverItGoes) {
-    const ScreenReader reader(window);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return reader.find("Two"); }));
     const struct {
         Qt::Key key;
         const char* there;
     } steps[] = {{Qt::Key_Tab, "Dubrix"}, {Qt::Key_Tab, "One"}, {Qt::Key_Right, "Two"},
                  {Qt::Key_Tab, "Dubrix"}, {Qt::Key_Tab, "Two"}, {Qt::Key_Home, "One"},
                  {Qt::Key_End, "Two"},    {Qt::Key_Left, "One"}};
-    for (const auto& [key, there] : steps) {
-        QTest::keyClick(window, key);
-        EXPECT_EQ(focused(), there) << key;
+    for (const auto& [code, there] : steps) {
+        key(code);
+        EXPECT_EQ(focused(), there) << code;
     }
-    QTest::keyClick(window, Qt::Key_Enter); // the keypad's
+    key(Qt::Key_Enter); // the keypad's
     EXPECT_TRUE(home->remark().startsWith("One")) << home->remark().toStdString();
-    QTest::keyClick(window, Qt::Key_Delete);
+    key(Qt::Key_Delete);
     EXPECT_EQ(focused(), "Cancel");
     EXPECT_TRUE(home->alertText().contains("com.example.One"));
-    QTest::keyClick(window, Qt::Key_Escape);
+    key(Qt::Key_Escape);
     EXPECT_EQ(focused(), "One");
-    QTest::keyClick(window, Qt::Key_W, Qt::ControlModifier);
+    key(Qt::Key_W, Qt::ControlModifier);
     EXPECT_FALSE(window->isVisible());
 }
 
 TEST_F(HomePress, WhatIsCoveredIsNeitherFoundNorPressed) {
-    const ScreenReader reader(window);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return reader.find("One"); }));
     const auto remarkAfter = [&](ScreenReader::Element* pressed) {
         home->remarkPassed();
         ScreenReader::press(pressed);
@@ -126,8 +156,8 @@ TEST_F(HomePress, WhatIsCoveredIsNeitherFoundNorPressed) {
     EXPECT_NE(remarkAfter(dock), "");
 
     // The menu of an icon, over which a failure is told.
-    QTest::keyClick(window, Qt::Key_Right); // to the second icon
-    QTest::keyClick(window, Qt::Key_Menu);
+    key(Qt::Key_Right); // to the second icon
+    key(Qt::Key_Menu);
     ScreenReader::Element* const choice = reader.find("Export");
     ASSERT_TRUE(choice);
     EXPECT_FALSE(reader.find("One"));
@@ -190,13 +220,11 @@ protected:
 };
 
 TEST_F(HomeUndo, ARemovalIsUndoneByEveryHand) {
-    const ScreenReader reader(window);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return reader.find("One"); }));
     const auto isBack = [&] {
         answer("back\tcom.example.One\n");
         return says("One is back");
     };
-    const auto undoByKeys = [this] { QTest::keyClick(window, Qt::Key_Z, Qt::ControlModifier); };
+    const auto undoByKeys = [this] { key(Qt::Key_Z, Qt::ControlModifier); };
     undoByKeys();
     EXPECT_EQ(asked(), "") << "nothing has been removed";
 
@@ -217,16 +245,14 @@ TEST_F(HomeUndo, ARemovalIsUndoneByEveryHand) {
     home->remarkPassed();
     remove("One");
     for (int tries = 0; focused() != "Undo" && tries < 5; ++tries)
-        QTest::keyClick(window, Qt::Key_Tab);
-    QTest::keyClick(window, Qt::Key_Return);
+        key(Qt::Key_Tab);
+    key(Qt::Key_Return);
     EXPECT_EQ(asked(), "restore com.example.One");
     EXPECT_EQ(focused(), "One");
     EXPECT_TRUE(isBack());
 }
 
 TEST_F(HomeUndo, OnlyTheLastRemovalAndAsLongAsItIsPossible) {
-    const ScreenReader reader(window);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return reader.find("Two"); }));
     remove("One");
     home->tap("com.example.Two");
     EXPECT_FALSE(reader.find("Undo")) << "of another remark";
@@ -234,7 +260,7 @@ TEST_F(HomeUndo, OnlyTheLastRemovalAndAsLongAsItIsPossible) {
     EXPECT_TRUE(reader.find("Undo"));
     home->remove("com.example.Two");
     EXPECT_FALSE(reader.find("Undo")) << "below a question";
-    QTest::keyClick(window, Qt::Key_Z, Qt::ControlModifier);
+    key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(asked(), "");
     home->alertDismissed();
     remove("Two");

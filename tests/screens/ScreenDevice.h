@@ -4,27 +4,33 @@
 #include "platform/desktop/PaintingPlatform.h"
 #include "platform/posix/PosixPlatform.h"
 #include "screens/NotificationCenter.h"
-#include "screens/applications/AppListSampleViewController.h"
+#include "screens/alerts/AlertController.h"
 #include "screens/containers/ModalStack.h"
+#include "tests/support/StoredText.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/UnexpectedDownloads.h"
 
-#include <QStringList>
+#include <QCoreApplication>
+#include <functional>
 
 namespace dubrix {
 
 struct KeptLog final : SystemLog {
-    void log(const std::string& text) override { lines.push_back(text); }
+    void log(const std::string& text) override {
+        lines.push_back(text);
+        heard(text);
+    }
     std::vector<std::string> lines;
+    std::function<void(const std::string&)> heard = [](const std::string&) {};
 };
 
-/// A device of its own with the real platform on it.
-class PickerDevice : public testing::Test {
+/// A device of its own with the real platform on it, and what screens share.
+class ScreenDevice : public testing::Test {
 protected:
-    PickerDevice() {
+    ScreenDevice() {
         for (const auto place : {Registry::applicationPath, Registry::registryPath})
             std::filesystem::create_directories(registry.hostPath(place));
-        std::filesystem::create_directories(folder / "var/mobile/Library/Preferences");
+        std::filesystem::create_directories(settingsPath().parent_path());
     }
 
     /// Installs an application; `more` are further entries of its Info.plist in old-style text.
@@ -37,18 +43,20 @@ protected:
                                                             "\"; " + more + "}");
         ASSERT_TRUE(static_cast<bool>(registry.enter(identifier, path)));
     }
-    void installSystemApplication(const std::string& identifier, const std::string& name) {
-        putFile(folder / "Applications" / (identifier + ".app") / "Info.plist",
-                "{CFBundleIdentifier = \"" + identifier + "\"; CFBundleDisplayName = \"" + name +
-                    "\";}");
+    std::filesystem::path settingsPath() const {
+        return folder / "var/mobile/Library/Preferences/com.q7r2m.dubrix2.plist";
     }
+    /// Writes the settings file, in old-style text.
+    void choose(const std::string& settings) const { putFile(settingsPath(), settings); }
+    std::string stored(std::string_view key) { return storedText(files, log, key); }
 
-    static QStringList namesIn(const ALApplicationTableDataSource& source) {
-        QStringList names;
-        for (int row = 0; row < source.rowCount(); ++row)
-            names +=
-                source.data(source.index(row), ALApplicationTableDataSource::NameRole).toString();
-        return names;
+    AlertController* alert() const { return qobject_cast<AlertController*>(modals.topmost()); }
+    QString title() const { return alert() ? alert()->title() : QString(); }
+    /// Presses a button of the topmost alert, if it has it, and lets its handler run.
+    void press(const QString& button) const {
+        ASSERT_TRUE(alert() && alert()->buttons().contains(button)) << button.toStdString();
+        alert()->press(static_cast<int>(alert()->buttons().indexOf(button)));
+        QCoreApplication::processEvents();
     }
 
     TemporaryFolder folder;
