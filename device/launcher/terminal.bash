@@ -64,7 +64,7 @@ check_archives() {
     local -A taken=()
     for archive in "${archives[@]}" "$target"; do
         [[ $archive != *[[:cntrl:]]* ]] ||
-            mistake "control characters in a name: $(tr '[:cntrl:]' ' ' <<<"$archive")"
+            mistake "control characters in a name: ${archive//[[:cntrl:]]/ }"
     done
     [[ -z $target ]] || check_target
     for archive in "${archives[@]}"; do
