@@ -33,19 +33,22 @@ std::filesystem::path ProofDevice::sourceArchive(const std::string& version) con
     return archive("source.ipa", zipOf(items));
 }
 
-std::vector<Ended> ProofDevice::runTogether(const std::vector<std::vector<std::string>>& programs,
-                                            const std::string& path) const {
-    const auto saidOf = [this](std::size_t program) {
+std::vector<Ended>
+ProofDevice::runTogether(const std::vector<std::vector<std::string>>& programs) const {
+    const auto saidBy = [this](std::size_t program) {
         return folder() / ("said" + std::to_string(program));
     };
     std::vector<std::unique_ptr<ProcessGroup>> running;
     for (const std::vector<std::string>& words : programs)
-        running.push_back(std::make_unique<ProcessGroup>(words, path.empty() ? searchPath() : path,
-                                                         saidOf(running.size())));
+        running.push_back(
+            std::make_unique<ProcessGroup>(words, searchPath(), saidBy(running.size())));
     std::vector<Ended> ends;
     for (const auto& program : running) {
-        const int status = program->wait();
-        ends.push_back({status, lastLineOf(saidOf(ends.size()))});
+        Ended ended{program->wait()};
+        std::ifstream lines(saidBy(ends.size()));
+        for (std::string line; std::getline(lines, line);)
+            ended.said = line;
+        ends.push_back(ended);
     }
     return ends;
 }

@@ -8,9 +8,9 @@ namespace dubrix {
 
 struct Ended {
     /// As a shell would give it: 128 and the signal's number for a process that was killed.
-    int status;
+    int status = -1;
     /// The last line of what people are told.
-    std::string said;
+    std::string said{};
 };
 
 /// A device with one application chosen to be duplicated in colour, and the programs that work on
@@ -54,25 +54,11 @@ public:
         return application({"settings", "name", text});
     }
     /// What the one who asks for a duplicate is told.
-    std::string request(const std::string& path = "") const {
-        return run(duplicating(), path).said;
-    }
+    std::string request() const { return run(duplicating()).said; }
 
-    Ended run(const std::vector<std::string>& words, const std::string& path = "") const {
-        return runTogether({words}, path).front();
-    }
+    Ended run(const std::vector<std::string>& words) const { return runTogether({words}).front(); }
     /// Several programs at once.
-    std::vector<Ended> runTogether(const std::vector<std::vector<std::string>>& programs,
-                                   const std::string& path = "") const;
-
-    /// The last line of a file.
-    static std::string lastLineOf(const std::filesystem::path& file) {
-        std::string last;
-        std::ifstream lines(file);
-        for (std::string line; std::getline(lines, line);)
-            last = line;
-        return last;
-    }
+    std::vector<Ended> runTogether(const std::vector<std::vector<std::string>>& programs) const;
 
     const std::string source = "com.example.app";
     const std::string duplicate = "com.example.app1";
