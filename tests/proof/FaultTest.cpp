@@ -1,4 +1,5 @@
 #include "formats/lists/PropertyList.h"
+#include "terminal/Console.h"
 #include "tests/proof/PrivateMounts.h"
 #include "tests/proof/ProofDevice.h"
 
@@ -198,6 +199,19 @@ TEST(Fault, StrayRegistryEntriesAndUnusableSettingsAreLeftAlone) {
     EXPECT_EQ(device.registry().identifiers(),
               (std::vector<std::string>{device.source, device.duplicate}));
     EXPECT_EQ(contentsOf(links / "com.example.file"), "text");
+}
+
+/// Also between a question and the wait for its answer.
+TEST(Fault, ARequestToEndIsHeardAtAnyMoment) {
+    const int status = inChild([] {
+        int typed[2];
+        const int stop = ::open("/dev/null", O_RDONLY);
+        ::alarm(5);
+        if (::pipe(typed) != 0 || ::dup2(typed[0], STDIN_FILENO) < 0)
+            return false;
+        return !Console({.isAnswered = true, .stop = stop}).answer();
+    });
+    EXPECT_EQ(status, 0);
 }
 
 // One duplication at a time.
