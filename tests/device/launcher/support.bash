@@ -35,6 +35,13 @@ out() {
     cat "$work/out"
 }
 
+# From now on the launcher's shell forgets, as bash 5.2 sometimes does by itself, what became of a
+# process whose output it has read.
+lose_statuses() {
+    wait() { builtin wait "$@" && [[ $1 == "${child-}" ]]; }
+    export -f wait
+}
+
 # ends DESCRIPTOR: whether the pipe ends, for a while after the last that came through it.
 ends() {
     local result=0
