@@ -74,7 +74,7 @@ write_bundle() {
 # there, if programs can be started in it.
 in_memory() {
     local place=/dev/shm room options
-    read -r room options < <(findmnt -nbo AVAIL,OPTIONS $place)
+    read -r room options < <(findmnt -nbo AVAIL,OPTIONS "$place")
     [[ -w $place && $options != *noexec* ]] && ((room > 1 << 30)) || place=/tmp
     echo "${TMPDIR:-$place}"
 }
