@@ -68,8 +68,8 @@ std::vector<Case> cases() {
         return device.bundle(device.duplicate);
     };
     const auto application = [](const ProofDevice& device) { return device.bundle(large); };
-    return {{"duplicating", 9, none, &ProofDevice::duplicating, duplicate, true},
-            {"updating", 9, rebuilding, &ProofDevice::updating, duplicate, true},
+    return {{"duplicating", 13, none, &ProofDevice::duplicating, duplicate, true},
+            {"updating", 17, rebuilding, &ProofDevice::updating, duplicate, true},
             {"installing", 4, none, archive, application},
             {"replacing", 4, installing, archive, application},
             {"removing", 4, installing, command("-u"), application},
@@ -229,7 +229,7 @@ TEST(RandomKillTest, WhateverIsKilledUnderLoadIsTheOldOrTheNew) {
     const std::vector<Victim> victims(all.begin(), all.end());
     const std::string load = "while ipainstaller --root \"$0\" -f \"$1\"; do :; done";
     unsigned kills = 0;
-    for (const unsigned wanted = numberFrom("DUBRIX_KILLS", 16);
+    for (const unsigned wanted = numberFrom("DUBRIX_KILLS", 12);
          kills < wanted && !testing::Test::HasFailure();) {
         const Victim& victim = victims[random() % victims.size()];
         auto program = victim.calls.begin();
