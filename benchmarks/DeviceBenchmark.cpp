@@ -1,8 +1,8 @@
 #include "benchmarks/BareDevice.h"
+#include "benchmarks/RealPlatform.h"
 #include "engine/DXShared.h"
 #include "files/WholeFile.h"
 #include "formats/lists/PropertyList.h"
-#include "tests/proof/RealPlatform.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
+#include "benchmarks/RealPlatform.h"
 #include "overlays/ProgressHUD.h"
 #include "tests/overlays/FakeStage.h"
-#include "tests/proof/RealPlatform.h"
 
 #include <chrono>
 #include <cstdio>

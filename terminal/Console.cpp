@@ -3,7 +3,9 @@
 #include "files/FileTree.h"
 #include "formats/text/PlainText.h"
 
+#include <array>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace dubrix {
@@ -38,6 +40,10 @@ std::optional<std::string> Console::answer() {
         return std::nullopt;
     std::size_t end = 0;
     while ((end = typed_.find('\n')) == std::string::npos) {
+        // The request to end stays to be seen, whenever its signal has come.
+        std::array watched{pollfd{input_.get(), POLLIN, 0}, pollfd{ways_.stop, POLLIN, 0}};
+        if (::poll(watched.data(), watched.size(), -1) < 0 || watched[1].revents != 0)
+            return std::nullopt;
         char bytes[512];
         const ssize_t count = ::read(input_.get(), bytes, sizeof bytes);
         if (count <= 0)

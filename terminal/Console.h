@@ -18,6 +18,8 @@ public:
         bool isPassing = false;
         bool isQuiet = false;
         bool isVerbose = false;
+        /// Where there is one, nobody answers once it can be read or is closed at its other end.
+        int stop = -1;
     };
     /// Takes the streams; commands that are started afterwards have the others.
     explicit Console(const Ways& ways);

@@ -30,7 +30,6 @@ constexpr const char* usage =
 struct Options {
     std::string root = "/";
     Console::Ways ways;
-    int stop = -1;
     bool isPlan = false;
 };
 
@@ -55,7 +54,7 @@ bool takeOptions(std::span<const std::string>& words, Options& options) {
         else if (option == "--root" && !value.empty())
             options.root = value;
         else if (option != "--stop" ||
-                 std::from_chars(value.data(), value.data() + value.size(), options.stop).ec !=
+                 std::from_chars(value.data(), value.data() + value.size(), options.ways.stop).ec !=
                      std::errc())
             return false;
         if (option == "--root" || option == "--stop")
@@ -71,7 +70,7 @@ ExitStatus carryOut(const Request& request, const Options& options,
     ways.isVerbose = request.isVerbose;
     Console console(ways);
     Session session(options.root, programs / "device-paths.bash", console);
-    endByStopping(session.posix.commands, options.stop);
+    endByStopping(session.posix.commands, options.ways.stop);
     switch (request.command) {
     case Request::Command::Duplicate:
         return duplicate(session, request);

@@ -53,9 +53,14 @@ Descriptor openGroup(const fs::path& group) {
 /// Removes the groups whose launcher was killed: those that nobody holds locked.
 void sweep(const fs::path& parent) {
     std::error_code error;
-    for (const auto& entry : fs::directory_iterator(parent, error))
-        if (entry.path().filename().native().starts_with("dubrix-") && lock(openGroup(entry)))
+    for (const auto& entry : fs::directory_iterator(parent, error)) {
+        if (!entry.path().filename().native().starts_with("dubrix-"))
+            continue;
+        // Held until it is gone: one that has just been made is locked by its launcher next.
+        const Descriptor group = openGroup(entry);
+        if (lock(group))
             ::rmdir(entry.path().c_str());
+    }
 }
 
 } // namespace

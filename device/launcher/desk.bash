@@ -135,19 +135,23 @@ serve_requests() {
 # fields of its last word. A title would tell a window that a file is there, and is kept back. Where
 # the fields say nothing, the last line of the errors is the reason of a failure.
 answer() {
-    local line well='' badly='' errors progress=visible report=fields
+    local line well='' badly='' status='' errors progress=visible report=fields
     errors=$(mktemp) || return
     while IFS= read -r line; do
         case ${line%%$'\t'*} in
         installed | replaced | removed | kept | back | saved) well=$line ;;
         failed) badly=$line ;;
+        'status '*) status=${line#status } ;; # its last word: bash 5.2 sometimes forgets it
         'progress '*)
             [[ ! $line =~ ^progress\ ([0-9]{1,3})$ ]] ||
                 printf 'progress\t%s\n' "${BASH_REMATCH[1]}"
             ;;
         esac
-    done < <("$@" 2>"$errors")
-    if wait $!; then
+    done < <(
+        ("$@" 2>"$errors")
+        echo "status $?"
+    )
+    if [[ $status == 0 ]]; then
         printf '%s\n' "${well:-failed}"
     else
         [[ -n $badly ]] || badly=$(failure "$(tail -n 1 -- "$errors")")

@@ -18,8 +18,11 @@ open_device() {
     check_surroundings
     choose_isolation
     if ! is_device "$device"; then
-        is_missing_or_empty "$device" || mistake "$device is neither empty nor a device"
-        make_device
+        if is_missing_or_empty "$device"; then
+            make_device
+        elif ! is_device "$device"; then # nor has become one meanwhile
+            mistake "$device is neither empty nor a device"
+        fi
     fi
     require_own_device
 }

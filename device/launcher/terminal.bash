@@ -8,8 +8,9 @@ terminal_command() {
     local plan words=() arguments=() archives=() target='' single='' json='' agreed='' quiet=''
     local status=0 lines errand_kind=errand begun=0 told=0 processors
     [[ -x $libexec/dubrix-terminal ]] || fail "$libexec/dubrix-terminal is missing: incomplete build"
+    # No plan is empty. What became of its process is not asked: bash 5.2 sometimes has forgotten it.
     mapfile -d '' -t plan < <("$libexec/dubrix-terminal" --plan "$@")
-    wait $! || exit 2
+    ((${#plan[@]} > 0)) || exit 2
     set -- "${plan[@]}"
     while (($#)); do
         case $1 in
@@ -64,7 +65,7 @@ check_archives() {
     local -A taken=()
     for archive in "${archives[@]}" "$target"; do
         [[ $archive != *[[:cntrl:]]* ]] ||
-            mistake "control characters in a name: $(tr '[:cntrl:]' ' ' <<<"$archive")"
+            mistake "control characters in a name: ${archive//[[:cntrl:]]/ }"
     done
     [[ -z $target ]] || check_target
     for archive in "${archives[@]}"; do

@@ -22,7 +22,6 @@ bool isFolder(const std::string& path) {
     return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-/// Whether `name` can be a link's, and what it says stays one name in paths and on one line.
 /// What follows `folder` and a slash in `path`; empty for a path that does not begin with them.
 std::string_view below(std::string_view folder, std::string_view path) {
     const bool isBelow = path.starts_with(folder) && path.substr(folder.size()).starts_with('/');

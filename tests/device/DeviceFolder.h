@@ -13,6 +13,16 @@ namespace dubrix {
 /// Of an application, binary.
 std::string infoPlist(const std::string& identifier, const std::string& version = "1");
 
+/// Permissions and content by path; of a link, where it leads.
+using Contents = std::map<std::string, std::string>;
+
+/// Everything below a folder, by paths in it; empty where there is none.
+Contents contentsBelow(const std::filesystem::path& folder);
+
+/// A place for temporary folders in memory, where nothing waits for the disk and whoever else
+/// writes there; the usual one where there is none for programs, too.
+std::filesystem::path placeInMemory();
+
 /// A device with one system application, in a folder of its own, and archives beside it.
 class DeviceFolder {
 public:
@@ -47,38 +57,17 @@ public:
         return info ? info->version.value_or("none") : "not installed";
     }
 
-    /// Everything on the device: path to permissions and content.
-    std::map<std::string, std::string> snapshot() const {
-        std::map<std::string, std::string> everything;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(root())) {
-            struct stat status{};
-            ::lstat(entry.path().c_str(), &status);
-            std::string& content = everything[entry.path().native()];
-            content = std::to_string(status.st_mode) + " ";
-            if (entry.is_symlink())
-                content += std::filesystem::read_symlink(entry.path()).native();
-            else if (entry.is_regular_file())
-                content += contentsOf(entry.path());
-        }
-        return everything;
-    }
+    /// Everything on the device, by whole paths.
+    Contents snapshot() const;
 
     /// What lies among the installed bundles beyond one folder for each registered application, and
     /// for one that can be put back.
-    long leftovers() const {
-        const auto bundles = root() / "var/containers/Bundle";
-        const auto count = [](const std::filesystem::path& path) {
-            return std::distance(std::filesystem::directory_iterator(path), {});
-        };
-        const long kept = exists(bundles / "Removed") ? count(bundles / "Removed") : -1;
-        return count(bundles) - 3 + count(bundles / "Application") - kept -
-               static_cast<long>(registry().identifiers().size());
-    }
+    long leftovers() const;
 
     const TemporaryFolder& folder() const { return folder_; }
 
 private:
-    TemporaryFolder folder_;
+    TemporaryFolder folder_{placeInMemory()};
 };
 
 /// Runs `work` in a process of its own and gives its wait status: exit code 0 when it says true.

@@ -1,8 +1,7 @@
 #include "formats/lists/PropertyList.h"
+#include "terminal/Console.h"
 #include "tests/proof/PrivateMounts.h"
 #include "tests/proof/ProofDevice.h"
-
-#include <functional>
 
 namespace dubrix {
 
@@ -10,214 +9,102 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// After a failure: the source is what it was, nothing else is installed, and once the fault is
-/// gone a duplicate comes out whole and nothing is left over.
-void expectUnharmed(const ProofDevice& device, const ProofDevice::Contents& source) {
-    EXPECT_EQ(device.bundle(device.source), source);
-    EXPECT_EQ(device.registry().identifiers(), std::vector<std::string>{device.source});
-}
+/// A device of which the source is what it was after every fault, and on which, once the fault is
+/// gone, a duplicate comes out whole and nothing is left over.
+class FaultyDevice : public ProofDevice {
+public:
+    FaultyDevice() : before_(bundle(source)) {}
 
-void expectRecovery(const ProofDevice& device, const ProofDevice::Contents& source) {
-    EXPECT_EQ(device.request().output, device.success);
-    ProofDevice::Contents expected = source;
-    ProofDevice::Contents made = device.bundle(device.duplicate);
-    for (const char* changed : {"Info.plist", "Icon.png", "Icon@2x.png", "art/Badge.png"}) {
-        EXPECT_NE(made[changed], expected[changed]) << changed;
-        made.erase(changed);
-        expected.erase(changed);
+    void expectUnharmed() const {
+        EXPECT_EQ(bundle(source), before_);
+        EXPECT_EQ(registry().identifiers(), std::vector<std::string>{source});
     }
-    EXPECT_EQ(made, expected);
-    EXPECT_EQ(device.bundle(device.source), source);
-    EXPECT_EQ(device.leftovers(), 0);
-    EXPECT_TRUE(fs::is_empty(device.root() / "tmp"));
-}
+    void expectFailure() const {
+        EXPECT_EQ(request(), failure);
+        expectUnharmed();
+    }
+    void expectRecovery() const {
+        EXPECT_EQ(request(), success);
+        Contents expected = before_;
+        Contents made = bundle(duplicate);
+        for (const char* changed : {"Info.plist", "Icon.png", "Icon@2x.png", "art/Badge.png"}) {
+            EXPECT_NE(made[changed], expected[changed]) << changed;
+            made.erase(changed);
+            expected.erase(changed);
+        }
+        EXPECT_EQ(made, expected);
+        EXPECT_EQ(bundle(source), before_);
+        EXPECT_EQ(leftovers(), 0);
+        EXPECT_TRUE(fs::is_empty(staging()));
+    }
+
+private:
+    Contents before_;
+};
+
+/// Faults that are made by mounting.
+class MountedFault : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!PrivateMounts::permitted())
+            GTEST_SKIP() << "mounting is not permitted here";
+    }
+};
 
 } // namespace
 
-TEST(Fault, AFullDiskWhereItStagesLosesNothing) {
-    if (!PrivateMounts::permitted())
-        GTEST_SKIP() << "mounting is not permitted here";
-    const ProofDevice device;
-    const auto source = device.bundle(device.source);
-    bool made = false;
-    // From no room at all to just enough: the copy, the edit, the tint and the archive run out of
+TEST_F(MountedFault, AFullDiskWhereItStagesLosesNothing) {
+    const FaultyDevice device;
+    // From no room at all to nearly enough: the copy, the edit, the tint and the archive run out of
     // it.
-    for (const std::size_t kilobytes : {4, 20, 200, 212, 224, 236, 300, 420, 440}) {
+    for (const std::size_t kilobytes : {4, 20, 200, 212, 224, 236, 300, 400}) {
         SCOPED_TRACE(kilobytes);
         PrivateMounts mounts;
-        ASSERT_TRUE(mounts.small(device.root() / "tmp", kilobytes * 1024));
-        const Ended ended = device.request();
-        made = ended.output == device.success;
-        if (made) {
-            EXPECT_GT(kilobytes, 400u) << "the bundle and its archive have no room";
-            break;
-        }
-        EXPECT_EQ(ended.output, device.failure);
-        expectUnharmed(device, source);
+        ASSERT_TRUE(mounts.small(device.staging(), kilobytes * 1024));
+        device.expectFailure();
     }
-    if (!made)
-        expectRecovery(device, source);
+    device.expectRecovery();
 }
 
-TEST(Fault, AFullDiskWhereApplicationsLieLosesNothing) {
-    if (!PrivateMounts::permitted())
-        GTEST_SKIP() << "mounting is not permitted here";
-    const ProofDevice device;
-    const auto source = device.bundle(device.source);
+TEST_F(MountedFault, AFullDiskWhereApplicationsLieLosesNothing) {
+    const FaultyDevice device;
     PrivateMounts mounts;
     const fs::path var = device.root() / "var", aside = device.folder() / "aside";
-    fs::copy(var, aside, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    constexpr auto all = fs::copy_options::recursive | fs::copy_options::copy_symlinks;
+    fs::copy(var, aside, all);
     ASSERT_TRUE(mounts.small(var, 400 * 1024));
-    fs::copy(aside, var,
-             fs::copy_options::recursive | fs::copy_options::copy_symlinks |
-                 fs::copy_options::overwrite_existing);
-    EXPECT_EQ(device.request().output, device.failure);
-    expectUnharmed(device, source);
+    fs::copy(aside, var, all | fs::copy_options::overwrite_existing);
+    device.expectFailure();
 
     // Settings that no longer fit stay what they were.
     const std::string settings = contentsOf(device.settingsPath());
     device.run({"sh", "-c", "head -c 10000000 /dev/zero >'" + (var / "filler").native() + "'"});
-    device.run(
-        {DUPLICATE_ONCE, device.root().native(), "set", "customText", std::string(100'000, 't')});
+    device.run(device.storing(std::string(100'000, 't')));
     EXPECT_EQ(contentsOf(device.settingsPath()), settings);
     EXPECT_EQ(std::distance(fs::directory_iterator(device.settingsPath().parent_path()), {}), 1);
     mounts.undo();
-    expectRecovery(device, source);
+    device.expectRecovery();
 }
 
-TEST(Fault, ReadOnlyFoldersLoseNothing) {
-    if (!PrivateMounts::permitted())
-        GTEST_SKIP() << "mounting is not permitted here";
-    for (const char* folder : {"tmp", "var", "var/containers/Bundle", "."}) {
+TEST_F(MountedFault, ReadOnlyFoldersLoseNothing) {
+    for (const char* folder : {"tmp", "var/containers/Bundle", "."}) {
         SCOPED_TRACE(folder);
-        const ProofDevice device;
-        const auto source = device.bundle(device.source);
+        const FaultyDevice device;
         const std::string settings = contentsOf(device.settingsPath());
         {
             PrivateMounts mounts;
             ASSERT_TRUE(mounts.readOnly(device.root() / folder));
-            EXPECT_EQ(device.request().output, device.failure);
-            expectUnharmed(device, source);
-            device.run({DUPLICATE_ONCE, device.root().native(), "set", "customText", "text"});
+            device.expectFailure();
+            if (folder == std::string_view(".")) {
+                device.run(device.storing("text"));
+                EXPECT_EQ(contentsOf(device.settingsPath()), settings);
+            }
         }
-        if (std::string(folder) != "tmp" && std::string(folder) != "var/containers/Bundle") {
-            EXPECT_EQ(contentsOf(device.settingsPath()), settings);
-        }
-        expectRecovery(device, source);
+        device.expectRecovery();
     }
 }
 
-TEST(Fault, ACommandThatIsMissingOrFailsLosesNothing) {
-    const struct {
-        const char* tool;
-        const char* script;
-    } faults[] = {
-        {"cp", ""},
-        {"zip", ""},
-        {"ipainstaller", ""},
-        {"cp", "exit 1"},
-        {"zip", "exit 15"},
-        {"ipainstaller", "exit 1"},
-        {"ipainstaller", "kill -9 $$"},
-    };
-    for (const auto& [tool, script] : faults) {
-        SCOPED_TRACE(std::string(tool) + ": " + script);
-        const ProofDevice device;
-        const auto source = device.bundle(device.source);
-        std::string path;
-        if (*script == '\0') {
-            // Every command that the pipeline knows but one.
-            for (const std::string& other : std::vector<std::string>{"cp", "zip", "ipainstaller"})
-                if (other != tool)
-                    fs::create_symlink(other == "ipainstaller" ? PROGRAMS "/ipainstaller"
-                                                               : "/usr/bin/" + other,
-                                       device.tools() / other);
-            path = device.tools();
-        } else {
-            device.putTool(tool, script);
-        }
-        EXPECT_EQ(device.run({DUPLICATE_ONCE, device.root().native(), "request"}, path).output,
-                  device.failure);
-        expectUnharmed(device, source);
-        fs::remove_all(device.tools());
-        expectRecovery(device, source);
-    }
-}
-
-TEST(Fault, ASourceThatGoesMeanwhileIsAFailureLikeAnother) {
-    const ProofDevice device;
-    const auto source = device.bundle(device.source);
-    for (const bool before : {true, false}) {
-        const std::string remove = "rm -rf '" + device.installed(device.source).native() + "'\n";
-        const std::string copy = "/usr/bin/cp \"$@\"\n";
-        device.putTool("cp", before ? remove + copy : copy + remove + "rm -rf \"$3\"*");
-        EXPECT_EQ(device.request().output, device.failure);
-        EXPECT_EQ(device.registry().identifiers(), std::vector<std::string>{});
-        EXPECT_EQ(device.request().output, "Please select an app from the list");
-        fs::remove(device.tools() / "cp");
-        device.installSource("1");
-    }
-    expectRecovery(device, source);
-}
-
-TEST(Fault, WhatACommandLeavesIsTakenAsItIs) {
-    const ProofDevice device;
-    const auto source = device.bundle(device.source);
-    const fs::path archive = device.root() / "tmp/Fine App/Fine App.ipa";
-    putFile(archive, "damaged");
-    EXPECT_EQ(device.request().output, device.failure);
-    EXPECT_EQ(device.request().output, device.failure) << "the archive is never made anew";
-    expectUnharmed(device, source);
-    fs::remove(archive);
-    device.putTool("cp", "/usr/bin/cp \"$@\"; rm \"$3\"X.app/large; exit 1");
-    EXPECT_EQ(device.request().output, device.success);
-    EXPECT_FALSE(device.bundle(device.duplicate).contains("large"));
-    EXPECT_EQ(device.bundle(device.source), source);
-}
-
-TEST(Fault, ARegistryWithStrayEntriesIsReadAllTheSame) {
-    const ProofDevice device;
-    const auto source = device.bundle(device.source);
-    const fs::path links = device.root() / "var/containers/Bundle/Registry";
-    fs::create_symlink("../Application/gone/X.app", links / device.duplicate);
-    fs::create_symlink("loop", links / "loop");
-    fs::create_symlink(std::string(4000, 'x'), links / "com.example.long");
-    fs::create_directories(links / "com.example.folder");
-    putFile(links / "com.example.file", "text");
-    expectUnharmed(device, source);
-    EXPECT_EQ(device.request().output, device.success);
-    EXPECT_EQ(device.bundle(device.source), source);
-    EXPECT_EQ(device.registry().identifiers(),
-              (std::vector<std::string>{device.source, device.duplicate}));
-    EXPECT_EQ(contentsOf(links / "com.example.file"), "text");
-}
-
-TEST(Fault, UnusableSettingsStayAndSayNoSource) {
-    const std::function<void(const fs::path&)> damages[] = {
-        [](const fs::path& file) { putFile(file, "<plist version=\"1.0\"><dict>"); },
-        [](const fs::path& file) { putFile(file, ""); },
-        [](const fs::path& file) { putFile(file, PropertyList::array().xml()); },
-        [](const fs::path& file) { putFile(file / "inside", "a folder"); },
-        [](const fs::path& file) { ::mkfifo(file.c_str(), 0600); },
-    };
-    int number = 0;
-    for (const auto& damage : damages) {
-        SCOPED_TRACE(number++);
-        const ProofDevice device;
-        fs::remove(device.settingsPath());
-        damage(device.settingsPath());
-        const auto before = device.snapshot();
-        EXPECT_EQ(device.request().output, "Please select an app from the list");
-        EXPECT_EQ(device.run({DUPLICATE_ONCE, device.root().native(), "set", "customText", "text"})
-                      .status,
-                  0);
-        EXPECT_EQ(device.snapshot(), before);
-    }
-}
-
-TEST(Fault, WhatCouldBePutBackMakesWay) {
-    if (!PrivateMounts::permitted())
-        GTEST_SKIP() << "mounting is not permitted here";
+TEST_F(MountedFault, WhatCouldBePutBackMakesWay) {
     const DeviceFolder device;
     fs::create_directories(device.root() / "var");
     PrivateMounts mounts;
@@ -236,6 +123,138 @@ TEST(Fault, WhatCouldBePutBackMakesWay) {
     ASSERT_TRUE(install("com.example.two", 2'000'000));
     EXPECT_FALSE(installer.putBack("com.example.one"));
     EXPECT_EQ(device.leftovers(), 0);
+}
+
+TEST(Fault, ACommandThatIsMissingOrFailsLosesNothing) {
+    const FaultyDevice device;
+    for (const char* tool : {"cp", "zip", "ipainstaller"})
+        for (const char* script : {"exit 127", "exit 1", "kill -9 $$"}) {
+            SCOPED_TRACE(tool + std::string(": ") + script);
+            device.putTool(tool, script);
+            device.expectFailure();
+            fs::remove(device.tools() / tool);
+            fs::remove_all(device.staging() / "Fine App");
+        }
+    device.expectRecovery();
+}
+
+TEST(Fault, ASourceThatGoesMeanwhileIsAFailureLikeAnother) {
+    const FaultyDevice device;
+    for (const bool before : {true, false}) {
+        const std::string remove = "rm -rf '" + device.installed(device.source).native() + "'\n";
+        const std::string copy = "/usr/bin/cp \"$@\"\n";
+        device.putTool("cp", before ? remove + copy : copy + remove + "rm -rf \"$3\"*");
+        EXPECT_EQ(device.request(), device.failure);
+        EXPECT_EQ(device.registry().identifiers(), std::vector<std::string>{});
+        EXPECT_EQ(device.request(),
+                  "dubrix: the application that is chosen is not installed: " + device.source);
+        fs::remove(device.tools() / "cp");
+        device.installSource("1");
+    }
+    device.expectRecovery();
+}
+
+TEST(Fault, WhatACommandLeavesIsTakenAsItIs) {
+    const FaultyDevice device;
+    const fs::path archive = device.staging() / "Fine App/Fine App.ipa";
+    putFile(archive, "damaged");
+    device.expectFailure();
+    device.expectFailure(); // the archive is never made anew
+    fs::remove(archive);
+    device.putTool("cp", "/usr/bin/cp \"$@\"; rm \"$3\"X.app/large; exit 1");
+    EXPECT_EQ(device.request(), device.success);
+    EXPECT_FALSE(device.bundle(device.duplicate).contains("large"));
+}
+
+TEST(Fault, StrayRegistryEntriesAndUnusableSettingsAreLeftAlone) {
+    const FaultyDevice device;
+    const fs::path links = device.root() / "var/containers/Bundle/Registry";
+    fs::create_symlink("../Application/gone/X.app", links / "com.example.gone");
+    fs::create_symlink("loop", links / "loop");
+    fs::create_symlink(std::string(4000, 'x'), links / "com.example.long");
+    fs::create_directories(links / "com.example.folder");
+    putFile(links / "com.example.file", "text");
+    device.expectUnharmed();
+    const fs::path settings = device.settingsPath();
+    const std::string sound = contentsOf(settings);
+    for (const std::string& damage :
+         {std::string("<plist version=\"1.0\"><dict>"), std::string(), PropertyList::array().xml(),
+          std::string("folder"), std::string("pipe")}) {
+        SCOPED_TRACE(damage);
+        fs::remove_all(settings);
+        if (damage == "folder")
+            putFile(settings / "inside", "a folder");
+        else if (damage == "pipe")
+            ::mkfifo(settings.c_str(), 0600);
+        else
+            putFile(settings, damage);
+        const auto before = device.snapshot();
+        EXPECT_EQ(device.request(), "dubrix: no application is chosen in the settings: name one");
+        EXPECT_EQ(device.run(device.storing("text")).status, 1);
+        EXPECT_EQ(device.snapshot(), before);
+    }
+    fs::remove(settings);
+    putFile(settings, sound);
+    EXPECT_EQ(device.request(), device.success);
+    EXPECT_EQ(device.registry().identifiers(),
+              (std::vector<std::string>{device.source, device.duplicate}));
+    EXPECT_EQ(contentsOf(links / "com.example.file"), "text");
+}
+
+/// Also between a question and the wait for its answer.
+TEST(Fault, ARequestToEndIsHeardAtAnyMoment) {
+    const int status = inChild([] {
+        int typed[2];
+        const int stop = ::open("/dev/null", O_RDONLY);
+        ::alarm(5);
+        if (::pipe(typed) != 0 || ::dup2(typed[0], STDIN_FILENO) < 0)
+            return false;
+        return !Console({.isAnswered = true, .stop = stop}).answer();
+    });
+    EXPECT_EQ(status, 0);
+}
+
+// One duplication at a time.
+class OneAtATime : public testing::Test {
+protected:
+    const ProofDevice device;
+    const std::string refusal = "Another duplication is running on this device.";
+};
+
+TEST_F(OneAtATime, AsManyDuplicatesAsSuccesses) {
+    constexpr std::size_t rounds = 6, programs = 4;
+    std::size_t successes = 0, refusals = 0;
+    for (std::size_t round = 0; round < rounds; ++round)
+        for (const Ended& ended : device.runTogether(std::vector(programs, device.duplicating()))) {
+            successes += ended.said == device.success;
+            refusals += ended.said == refusal;
+        }
+    EXPECT_EQ(successes + refusals, rounds * programs) << "nothing else is said";
+    EXPECT_GE(successes, rounds) << "of each round at least one";
+    EXPECT_EQ(device.registry().identifiers().size(), 1 + successes);
+    for (std::size_t number = 1; number <= successes; ++number)
+        EXPECT_EQ(device.bundle(device.source + std::to_string(number)).size(),
+                  device.bundle(device.source).size())
+            << number;
+    EXPECT_EQ(device.leftovers(), 0);
+    EXPECT_TRUE(fs::is_empty(device.staging()));
+}
+
+TEST_F(OneAtATime, WhatACommandLeavesBehindKeepsNoClaim) {
+    device.putTool("cp", "sleep 1000 & exec /bin/cp \"$@\"");
+    std::vector<std::string> words = device.duplicating();
+    words.insert(words.begin(), {"sh", "-c", "\"$@\"; \"$@\"", "-"});
+    device.run(words);
+    EXPECT_EQ(device.registry().identifiers().size(), 3U);
+}
+
+TEST_F(OneAtATime, ADeviceThatACommandNeverGivesBackIsRefused) {
+    std::vector<std::string> words = device.duplicating();
+    words.insert(words.begin(), {"flock", device.root() / "var/containers/Bundle/Application"});
+    EXPECT_EQ(device.run(words).said, refusal);
+    EXPECT_EQ(device.registry().identifiers().size(), 1U);
+    EXPECT_TRUE(fs::is_empty(device.staging())) << "nothing was staged";
+    EXPECT_EQ(device.request(), device.success);
 }
 
 } // namespace dubrix

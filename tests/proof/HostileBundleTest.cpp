@@ -1,7 +1,10 @@
 #include "formats/lists/PropertyList.h"
+#include "tests/engine/EngineTest.h"
+#include "tests/formats/ImageFiles.h"
 #include "tests/proof/PrivateMounts.h"
 #include "tests/proof/ProofDevice.h"
-#include "tests/proof/RealPlatform.h"
+
+#include <span>
 
 namespace dubrix {
 
@@ -9,41 +12,21 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// One value of each type, all wrong where a string, a list of names or a dictionary of icons is
-/// meant; where a string is meant, `isText` tells the one that is right.
-struct WrongValue {
-    PropertyList value;
-    bool isText = false;
-};
+const std::string identifier = "com.example.app";
+const std::vector<std::string> icons{"Top.png", "Primary.png", "Pad.png"};
 
-std::vector<WrongValue> wrongValues() {
-    PropertyList numbers = PropertyList::array(), nested = PropertyList::array();
-    numbers.append(PropertyList::integer(-7));
-    nested.append(numbers);
-    nested.append(PropertyList::dictionary());
-    PropertyList odd = PropertyList::dictionary();
-    odd.setValueForKey("", nested);
-    return {{PropertyList::boolean(true)},
-            {PropertyList::integer(INT64_MIN)},
-            {PropertyList::real(1e300)},
-            {PropertyList::string("%@%d%s/../" + std::string(10'000, 'x')), true},
-            {PropertyList::data(std::string("\0\xff", 2))},
-            {*PropertyList::parse("<plist><date>2020-02-30T00:00:00Z</date></plist>")},
-            {numbers},
-            {nested},
-            {odd}};
-}
-
-PropertyList listOf(const std::string& name) {
-    PropertyList list = PropertyList::array();
-    list.append(PropertyList::string(name));
-    return list;
-}
-
-PropertyList within(const std::string& key, const PropertyList& value) {
-    PropertyList dictionary = PropertyList::dictionary();
-    dictionary.setValueForKey(key, value);
-    return dictionary;
+/// One value of each type, all wrong where a list of names or a dictionary of icons is meant; the
+/// first is right where a string is.
+std::vector<PropertyList> wrongValues() {
+    return {
+        PropertyList::string("%@%d%s/../" + std::string(10'000, 'x')),
+        PropertyList::boolean(true),
+        PropertyList::integer(INT64_MIN),
+        PropertyList::real(1e300),
+        PropertyList::data(std::string("\0\xff", 2)),
+        *PropertyList::parse("<plist><date>2020-02-30T00:00:00Z</date></plist>"),
+        *PropertyList::parse("<plist><array><array><integer>-7</integer></array></array></plist>"),
+        *PropertyList::parse("{\"\" = ({}, ());}")};
 }
 
 /// `path` of keys in `dictionary` set to `value`.
@@ -55,58 +38,50 @@ PropertyList replaced(PropertyList dictionary, std::span<const std::string> path
     return dictionary;
 }
 
-const std::vector<std::string> icons{"Top.png", "Primary.png", "Pad.png"};
-
-PropertyList soundInfo(const std::string& identifier) {
-    PropertyList info = *PropertyList::parse(infoPlist(identifier));
-    info.setValueForKey("CFBundleIconFiles", listOf("Top"));
-    info.setValueForKey("CFBundleIcons", within("CFBundlePrimaryIcon",
-                                                within("CFBundleIconFiles", listOf("Primary"))));
-    info.setValueForKey("CFBundleIcons~ipad",
-                        within("CFBundlePrimaryIcon", within("CFBundleIconFiles", listOf("Pad"))));
-    return info;
-}
+} // namespace
 
 /// A device with one application, staged as the pipeline does it, and the engine over it.
-struct Staged {
-    explicit Staged(const PropertyList& info, const PropertyList& settings) {
-        const ZipItem file{"Payload/X.app/Info.plist", info.xml()};
-        EXPECT_TRUE(device.installer().install(device.archive("x.ipa", zipOf({file}))));
-        putFile(device.root() / (settingsFilePath + 1), settings.xml());
-        bundle = device.root() / "tmp" /
-                 real.engine.nameForBundleID("com.example.app").value_or("") / "Payload/X.app";
+class HostileBundle : public EngineTest {
+protected:
+    HostileBundle() {
+        EXPECT_TRUE(device.installer().install(device.application(identifier, "1")));
+    }
+
+    /// Gives the application this Info.plist, installed and staged.
+    void put(const PropertyList& info) {
+        putFile(device.installed(identifier, "Info.plist"), info.xml());
         // A name may be longer than the file system allows.
-        if (std::error_code error; !fs::create_directories(bundle, error))
+        if (std::error_code error; !fs::create_directories(bundle(), error) && error)
             return;
-        putFile(bundle / "Info.plist", info.xml());
+        putFile(bundle() / "Info.plist", info.xml());
         for (const std::string& icon : icons)
-            putFile(bundle / icon, image);
+            putFile(bundle() / icon, image);
+    }
+    fs::path bundle() {
+        return device.root() / "tmp" / real.nameForBundleID(identifier).value_or("") /
+               "Payload/X.app";
     }
 
     std::vector<std::string> tinted() {
         std::vector<std::string> names;
-        real.engine.colorIcons();
+        real.colorIcons();
         for (const std::string& icon : icons)
-            if (const std::string now = contentsOf(bundle / icon); !now.empty() && now != image)
+            if (const std::string now = contentsOf(bundle() / icon); !now.empty() && now != image)
                 names.push_back(icon);
         return names;
     }
 
-    const std::string image = SamplePng({PNG_COLOR_TYPE_RGB, 8, false, false}).bytes();
-    DeviceFolder device;
-    RealEngine real{device.root(), ""};
-    fs::path bundle;
+    const std::string image = pngOf(samplePixels(21 * 11), 21);
+    const PropertyList soundInfo = *PropertyList::parse(
+        "{CFBundleIdentifier = com.example.app; CFBundleVersion = 1; CFBundleIconFiles = (Top);"
+        "CFBundleIcons = {CFBundlePrimaryIcon = {CFBundleIconFiles = (Primary);};};"
+        "\"CFBundleIcons~ipad\" = {CFBundlePrimaryIcon = {CFBundleIconFiles = (Pad);};};}");
+    const PropertyList soundSettings =
+        *PropertyList::parse("{bundleID = com.example.app; Green = \"0.5\";}");
+    LoadedEngine real{posix.ports({.log = &log, .downloader = &downloader}), alerts};
 };
 
-PropertyList soundSettings() {
-    PropertyList settings = within("bundleID", PropertyList::string("com.example.app"));
-    settings.setValueForKey("Green", PropertyList::real(0.5));
-    return settings;
-}
-
-} // namespace
-
-TEST(HostileBundle, AWrongTypeCostsOnlyWhatItStandsFor) {
+TEST_F(HostileBundle, AWrongTypeCostsOnlyWhatItStandsFor) {
     const struct {
         std::vector<std::string> path;
         std::string breaks;
@@ -123,121 +98,118 @@ TEST(HostileBundle, AWrongTypeCostsOnlyWhatItStandsFor) {
         {{"CFBundleIcons~ipad"}, "Pad.png"},
         {{"CFBundleIcons~ipad", "CFBundlePrimaryIcon", "CFBundleIconFiles"}, "Pad.png"},
     };
+    choose(soundSettings.xml());
     for (const auto& [path, breaks] : places) {
-        for (const auto& [value, isText] : wrongValues()) {
+        for (const PropertyList& value : wrongValues()) {
             SCOPED_TRACE(path.back() + " = " + value.description().substr(0, 60));
-            Staged staged(replaced(soundInfo("com.example.app"), path, value), soundSettings());
-            EXPECT_EQ(staged.real.engine.versionForBundleID("com.example.app").has_value(),
+            put(replaced(soundInfo, path, value));
+            const bool isText = value.stringValue().has_value();
+            EXPECT_EQ(real.versionForBundleID(identifier).has_value(),
                       breaks != "version" || isText);
             const bool named = isText && path.back().ends_with("Name");
-            EXPECT_EQ(staged.real.engine.nameForBundleID("com.example.app"),
-                      named ? value.stringValue() : "X");
+            EXPECT_EQ(real.nameForBundleID(identifier), named ? value.stringValue() : "X");
             std::vector<std::string> expected = icons;
             std::erase(expected, breaks);
-            EXPECT_EQ(staged.tinted(), named ? std::vector<std::string>{} : expected);
-            EXPECT_EQ(staged.real.posix.applications.entries().size(), 2u);
+            EXPECT_EQ(tinted(), named ? std::vector<std::string>{} : expected);
+            EXPECT_EQ(posix.applications.entries().size(), 2u);
         }
     }
 }
 
-TEST(HostileBundle, WrongTypesAmongTheSettingsAreNoChoice) {
+TEST_F(HostileBundle, WrongTypesAmongTheSettingsAreNoChoice) {
     for (const std::string key : {"bundleID", "Red", "Green", "Blue"}) {
-        for (const auto& [value, isText] : wrongValues()) {
+        for (const PropertyList& value : wrongValues()) {
             SCOPED_TRACE(key + " = " + value.description().substr(0, 60));
-            PropertyList settings = soundSettings();
-            settings.setValueForKey(key, value);
-            Staged staged(soundInfo("com.example.app"), settings);
-            EXPECT_EQ(staged.tinted(), key == "bundleID" ? std::vector<std::string>{} : icons);
-            staged.real.engine.showUpdateAlert();
-            EXPECT_EQ(staged.real.alerts.said, key != "bundleID" ? "No duplicates for this app"
-                                               : isText ? "Please select an app from the list"
-                                                        : "The selected app is not installed");
+            put(soundInfo);
+            choose(replaced(soundSettings, std::span(&key, 1), value).xml());
+            EXPECT_EQ(tinted(), key == "bundleID" ? std::vector<std::string>{} : icons);
+            real.showUpdateAlert();
+            const std::string said = key != "bundleID"     ? "No duplicates for this app"
+                                     : value.stringValue() ? "Please select an app from the list"
+                                                           : "The selected app is not installed";
+            EXPECT_EQ(alerts.current->message.value_or("").substr(0, said.size()), said);
         }
     }
-}
-
-TEST(HostileBundle, WrongTypesPassThroughThePipeline) {
-    const ProofDevice device;
-    const PropertyList sound = *PropertyList::parse(contentsOf(device.settingsPath()));
+    // And through the whole pipeline.
+    const ProofDevice whole;
+    PropertyList settings = *PropertyList::parse(contentsOf(whole.settingsPath()));
+    settings.setValueForKey("customNameToggle", PropertyList::boolean(true));
     int number = 0;
-    for (const auto& [value, isText] : wrongValues()) {
+    for (const PropertyList& value : wrongValues()) {
         SCOPED_TRACE(value.description().substr(0, 60));
-        PropertyList settings = sound;
-        settings.setValueForKey("customNameToggle", PropertyList::boolean(true));
         settings.setValueForKey("customText", value);
         settings.setValueForKey("customColorToggle", value);
-        putFile(device.settingsPath(), settings.xml());
-        EXPECT_EQ(device.request().output, device.success);
-        const auto info = device.registry().infoOf(device.source + std::to_string(++number));
+        putFile(whole.settingsPath(), settings.xml());
+        EXPECT_EQ(whole.request(), whole.success);
+        const auto info = whole.registry().infoOf(whole.source + std::to_string(++number));
         ASSERT_TRUE(info);
-        EXPECT_EQ(info->displayName, isText ? value.stringValue() : "X");
+        EXPECT_EQ(info->displayName, value.stringValue().value_or("X"));
     }
-    EXPECT_EQ(device.leftovers(), 0);
+    EXPECT_EQ(whole.leftovers(), 0);
 }
 
-TEST(HostileBundle, ManyEntriesAreReadOnceAndRefusedWhenTheyRepeat) {
+TEST(HostileArchive, ManyEntriesAreReadOnceAndRefusedWhenTheyRepeat) {
     const DeviceFolder device;
     // The only sizes in 64 bits are the last entry's, whose one byte is the gap.
     const std::uint32_t checksumOfGap = 0xd202ef8d;
     const auto install = [&](int count, const std::function<std::string(int)>& name) {
-        std::vector<ZipItem> items{{"Payload/X.app/Info.plist", infoPlist("com.example.app")}};
+        std::vector<ZipItem> items{{"Payload/X.app/Info.plist", infoPlist(identifier)}};
         for (int number = 0; number < count; ++number)
             items.push_back({name(number), ""});
         items.push_back({"last", "", S_IFREG | 0644, 0, 0, 3, {}, checksumOfGap});
         const ZipBytes zip = zipWithHole(items, 1);
-        return device.installer().install(
+        const auto result = device.installer().install(
             device.archive("many.ipa", zip.head + std::string(1, '\0') + zip.tail));
+        return result ? "" : result.failure().text;
     };
-    const auto beside = install(99'990, [](int number) {
-        return (number % 1000 == 0 ? "Payload/X.app/a" : "__MACOSX/") + std::to_string(number);
-    });
-    ASSERT_TRUE(beside) << beside.failure().text;
-    EXPECT_EQ(std::distance(fs::directory_iterator(device.installed("com.example.app")), {}), 101);
+    ASSERT_EQ(install(99'990,
+                      [](int number) {
+                          return (number % 1000 == 0 ? "Payload/X.app/a" : "__MACOSX/") +
+                                 std::to_string(number);
+                      }),
+              "");
+    EXPECT_EQ(std::distance(fs::directory_iterator(device.installed(identifier)), {}), 101);
     const auto before = device.snapshot();
-    const auto again =
-        install(99'990, [](int number) { return "Payload/X.app/a" + std::to_string(number / 2); });
-    ASSERT_FALSE(again);
-    EXPECT_NE(again.failure().text.find("twice"), std::string::npos) << again.failure().text;
-    const auto more = install(100'000, [](int number) { return std::to_string(number); });
-    ASSERT_FALSE(more);
-    EXPECT_NE(more.failure().text.find("too many"), std::string::npos) << more.failure().text;
+    EXPECT_EQ(
+        install(10'000, [](int number) { return "Payload/X.app/a" + std::to_string(number / 2); }),
+        "many.ipa: holds Payload/X.app/a0 twice");
+    const std::string tooMany = "many.ipa: has too many entries";
+    EXPECT_EQ(install(100'000, [](int number) { return std::to_string(number); }), tooMany);
     std::string folders;
     for (int level = 0; level < 90; ++level)
         folders += "/a";
-    const auto implied = install(1'200, [&](int number) {
-        return "Payload/X.app/" + std::to_string(number) + folders + "/file";
-    });
-    ASSERT_FALSE(implied);
-    EXPECT_NE(implied.failure().text.find("too many"), std::string::npos) << implied.failure().text;
+    EXPECT_EQ(install(1'200,
+                      [&](int number) {
+                          return "Payload/X.app/" + std::to_string(number) + folders + "/file";
+                      }),
+              tooMany);
     EXPECT_TRUE(device.snapshot() == before);
 }
 
-TEST(HostileBundle, ABombIsRefusedBeforeItGoesOff) {
+TEST(HostileArchive, ABombIsRefusedBeforeItGoesOff) {
     if (!PrivateMounts::permitted())
         GTEST_SKIP() << "mounting is not permitted here";
     const DeviceFolder device;
     fs::create_directories(device.root() / "var");
     PrivateMounts mounts;
     ASSERT_TRUE(mounts.small(device.root() / "var", 3'000'000));
-    ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1")));
+    ASSERT_TRUE(device.installer().install(device.application(identifier, "1")));
     const auto before = device.snapshot();
-    const std::string zeros(1'000'000, '\0');
     std::vector<ZipItem> bomb;
     for (int number = 0; number < 20; ++number)
-        bomb.push_back({std::to_string(number), zeros, S_IFREG | 0644, 8});
-    const auto refused =
-        device.installer().install(device.application("com.example.app", "2", bomb));
-    ASSERT_FALSE(refused);
-    EXPECT_NE(refused.failure().text.find("not enough room"), std::string::npos);
-    EXPECT_TRUE(device.snapshot() == before);
-
-    // One that lies about its size stops at the size it claims.
-    for (ZipItem& item : bomb)
-        item.claimedSize = 10;
-    const auto liar = device.installer().install(device.application("com.example.app", "2", bomb));
-    ASSERT_FALSE(liar);
-    EXPECT_NE(liar.failure().text.find("is damaged"), std::string::npos) << liar.failure().text;
-    EXPECT_TRUE(device.snapshot() == before);
+        bomb.push_back({std::to_string(number), std::string(1'000'000, '\0'), S_IFREG | 0644, 8});
+    for (const bool lies : {false, true}) {
+        // One that lies about its size stops at the size it claims.
+        for (ZipItem& item : bomb)
+            item.claimedSize = lies ? 10 : item.data.size();
+        const auto refused = device.installer().install(device.application(identifier, "2", bomb));
+        ASSERT_FALSE(refused);
+        // Before: a disk that is full while it unpacks is told with the file.
+        const std::string reason = lies ? "is damaged at " : "not enough room on the device";
+        EXPECT_EQ(refused.failure().text.rfind("com.example.app-2.ipa: " + reason, 0), 0U)
+            << refused.failure().text;
+        EXPECT_TRUE(device.snapshot() == before);
+    }
 }
 
 } // namespace dubrix

@@ -1,44 +1,119 @@
 #include "files/WholeFile.h"
-#include "tests/proof/PowerCutDisk.h"
+#include "tests/proof/PrivateMounts.h"
 #include "tests/proof/ProofDevice.h"
-#include "tests/proof/SteppedProcess.h"
 
+#include <array>
 #include <cstring>
+#include <limits>
 
 namespace dubrix {
 
 namespace {
 
 namespace fs = std::filesystem;
-using Contents = ProofDevice::Contents;
 
 const std::string identifier = "com.example.app";
 
-/// Empty where file systems in files can be made and mounted; else why not.
-std::string whyNoDisks() {
-    if (std::system("PATH=$PATH:/usr/sbin:/sbin mkfs.ext4 -V >/dev/null 2>&1") != 0)
-        return "mkfs.ext4 is missing";
-    if (::geteuid() != 0 || ::access("/dev/loop-control", R_OK | W_OK) != 0)
-        return "loop devices are not permitted here";
-    return PrivateMounts::permitted() ? "" : "mounting is not permitted here";
+/// Whether the shell has done it, where the tools of whoever runs the system are.
+bool shell(const std::string& command) {
+    return std::system(("PATH=$PATH:/usr/sbin:/sbin; " + command).c_str()) == 0;
 }
 
-fs::path memory() {
-    return fs::is_directory("/dev/shm") ? "/dev/shm" : fs::temp_directory_path();
-}
+/// A file system in a file. What the system still keeps in its memory is not in the file: a copy of
+/// it is the disk as a cut of power would leave it. Only below PrivateMounts, so that nothing is
+/// left however the process ends.
+class PowerCutDisk {
+public:
+    /// Mounts the file system in `image` on the folder; check isMounted.
+    PowerCutDisk(std::string image, std::string folder)
+        : image_(std::move(image)),
+          folder_(std::move(folder)) {
+        fs::create_directories(folder_);
+        // Nothing is written in time's course, and a rename does not flush what it puts in place:
+        // not every file system does.
+        isMounted_ = shell("mount -t ext4 -o loop,noatime,commit=300,noauto_da_alloc '" + image_ +
+                           "' '" + folder_ + "'");
+        std::ifstream mounts("/proc/self/mounts");
+        for (std::string device, place; mounts >> device >> place;
+             mounts.ignore(std::numeric_limits<std::streamsize>::max(), '\n'))
+            if (place == folder_)
+                statistics_ = "/sys/block/" + fs::path(device).filename().native() + "/stat";
+    }
+    ~PowerCutDisk() {
+        // The loop device ends with the mount.
+        if (isMounted_ && ::umount2(folder_.c_str(), 0) != 0)
+            ::umount2(folder_.c_str(), MNT_DETACH);
+    }
+    PowerCutDisk(const PowerCutDisk&) = delete;
+    PowerCutDisk& operator=(const PowerCutDisk&) = delete;
+
+    bool isMounted() const { return isMounted_; }
+    fs::path root() const { return folder_ + "/device"; }
+
+    /// Has the file system write down which files and folders there are, as it does by itself every
+    /// few seconds. It need not write their bytes then.
+    void commit() const {
+        const Descriptor file(
+            ::open((folder_ + "/unrelated").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+        ASSERT_EQ(::write(file.get(), "x", 1), 1);
+        ASSERT_EQ(::fsync(file.get()), 0);
+    }
+
+    /// Everything, as one who wants to begin from a known state.
+    void writeAll() const {
+        const Descriptor open(::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        ASSERT_EQ(::syncfs(open.get()), 0);
+    }
+
+    /// Copies the disk as it is at one moment: again, when a write was on its way.
+    void copyTo(const fs::path& copy) const {
+        for (int tries = 0; tries < 1000; ++tries) {
+            const std::string before = writes();
+            fs::copy_file(image_, copy, fs::copy_options::overwrite_existing);
+            if (!before.empty() && before == writes())
+                return;
+        }
+        FAIL() << "the disk does not come to rest";
+    }
+
+    /// How many writes have come to the disk; nothing while one is on its way.
+    std::string writes() const {
+        std::istringstream words(contentsOf(statistics_));
+        std::array<std::string, 17> fields;
+        for (std::string& field : fields)
+            words >> field;
+        // In the kernel's order: reads by four fields, writes by four, requests on their way, two
+        // times, discards by four, flushes.
+        return fields[8] == "0" ? fields[4] + " " + fields[6] + " " + fields[11] + " " + fields[15]
+                                : "";
+    }
+
+private:
+    std::string image_;
+    std::string folder_;
+    std::string statistics_;
+    bool isMounted_ = false;
+};
 
 /// More than fits into the inodes, some of it by several threads.
-std::vector<ZipItem> filesOf(const std::string& version) {
-    std::vector<ZipItem> files{
-        {"Payload/Long Enough X.app/Info.plist", infoPlist(identifier, version)}};
+std::string archiveOf(char version) {
+    const std::string bundle = "Payload/Long Enough X.app/";
+    std::vector<ZipItem> files{{bundle + "Info.plist", infoPlist(identifier, {version})},
+                               {bundle + "large", std::string(1'500'000, version)},
+                               {bundle + "link", "0/3", S_IFLNK | 0777}};
     for (int number = 0; number < 54; ++number)
-        files.push_back(
-            {"Payload/Long Enough X.app/" + std::to_string(number % 3) + "/" +
-                 std::to_string(number),
-             version + std::string(3000 + static_cast<std::size_t>(number), version[0])});
-    files.push_back({"Payload/Long Enough X.app/large", std::string(1'500'000, version[0])});
-    files.push_back({"Payload/Long Enough X.app/link", "0/3", S_IFLNK | 0777});
-    return files;
+        files.push_back({bundle + std::to_string(number % 3) + "/" + std::to_string(number),
+                         std::string(3000 + static_cast<std::size_t>(number), version)});
+    return zipOf(files);
+}
+
+Contents bundleIn(const fs::path& root) {
+    const Registry registry(root);
+    return contentsBelow(registry.hostPath(registry.pathOf(identifier).value_or("/none")));
+}
+
+Contents settingsIn(const fs::path& root) {
+    return {{"settings", readWholeFile(root / (settingsFilePath + 1)).value_or("none")}};
 }
 
 } // namespace
@@ -46,72 +121,74 @@ std::vector<ZipItem> filesOf(const std::string& version) {
 /// A device on a disk of its own, of which copies are taken while programs work on it.
 class PowerCutTest : public testing::Test {
 protected:
+    using State = Contents (*)(const fs::path& root);
+
     void SetUp() override {
-        if (const std::string reason = whyNoDisks(); !reason.empty())
-            GTEST_SKIP() << reason;
+        if (::geteuid() != 0 || ::access("/dev/loop-control", R_OK | W_OK) != 0 ||
+            !shell("mkfs.ext4 -V 2>/dev/null") || !PrivateMounts::permitted())
+            GTEST_SKIP() << "file systems in files cannot be made and mounted here";
         const std::string image = folder_ / "image";
-        const std::string make =
-            "truncate -s 10M '" + image +
-            "' && PATH=$PATH:/usr/sbin:/sbin "
-            "mkfs.ext4 -q -b 1024 -N 1024 -E lazy_itable_init=0,lazy_journal_init=0 '" +
-            image + "'";
-        ASSERT_EQ(std::system(make.c_str()), 0);
+        ASSERT_TRUE(shell("truncate -s 10M '" + image +
+                          "' && mkfs.ext4 -q -b 1024 -N 1024 -E "
+                          "lazy_itable_init=0,lazy_journal_init=0 '" +
+                          image + "'"));
         disk_.emplace(image, folder_ / "disk");
-        ASSERT_TRUE(disk_->isMounted()) << std::strerror(errno);
-        fs::create_directories(root() / "Applications");
-        fs::create_directories((root() / (settingsFilePath + 1)).parent_path());
+        ASSERT_TRUE(disk_->isMounted());
+        fs::create_directories(disk_->root() / "Applications");
+        fs::create_directories((disk_->root() / (settingsFilePath + 1)).parent_path());
     }
 
-    fs::path root() const { return disk_->folder() / "device"; }
-
-    std::string archiveOf(const std::string& version) const {
-        const fs::path archive = folder_ / (version + ".ipa");
-        putFile(archive, zipOf(filesOf(version)));
-        return archive;
-    }
-
-    static Contents bundleIn(const fs::path& root) {
-        const Registry registry(root);
-        const auto path = registry.pathOf(identifier);
-        return path ? ProofDevice::contentsBelow(registry.hostPath(*path)) : Contents{};
-    }
-
-    /// Shows `look` what a cut of power leaves now; it may change that.
-    void cut(const std::function<void(const fs::path& root)>& look) {
+    /// What a cut of power leaves now of what `state` looks at. Now and then that device is used
+    /// again.
+    Contents cut(State state) {
         const std::string copy = folder_ / "copy";
         disk_->copyTo(copy);
         writes_ = disk_->writes();
         const PowerCutDisk left(copy, folder_ / "left");
-        ASSERT_TRUE(left.isMounted()) << std::strerror(errno);
-        look(left.folder() / "device");
-        fs::remove(copy);
-        ++cuts_;
+        EXPECT_TRUE(left.isMounted()) << std::strerror(errno);
+        Contents found = state(left.root());
+        if (++cuts_ % 6 == 0) {
+            putFile(folder_ / "next.ipa", archiveOf('3'));
+            EXPECT_TRUE(Installer(left.root()).install(folder_ / "next.ipa"));
+            EXPECT_EQ(bundleIn(left.root()).size(), 60U);
+        }
+        return found;
     }
 
     /// Runs the program on the device. Power is cut before each of its steps, before and after the
-    /// file system has by chance written its names just then, or never has; `look` is shown the
-    /// rest.
-    void runWithCuts(const std::vector<std::string>& words,
-                     const std::function<void(const fs::path& root)>& look, bool commits) {
+    /// file system has by chance written its names just then, or never has: the state is the old or
+    /// the new one; that of an application is the new one when the program has ended.
+    void runWithCuts(const std::vector<std::string>& words, State state, bool commits) {
         disk_->writeAll();
-        const int status = runStepwise(words, [&](long call, int count) {
-            SCOPED_TRACE("before call " + std::to_string(call) + ", the " + std::to_string(count) +
-                         ".");
-            const bool isOneOfMany = call == SYS_unlinkat || call == SYS_mkdirat;
-            const bool isLeftOut = isOneOfMany && count > 1 && count % 16 != 0;
-            if (isLeftOut || HasFatalFailure())
+        const Contents before = state(disk_->root());
+        std::vector<Contents> seen;
+        std::map<long, int> counts;
+        const ProcessGroup group(words, PROGRAMS ":/usr/bin:/bin", folder_ / "output",
+                                 ProcessGroup::Start::Stepwise);
+        const auto status = group.stepThrough(namingCalls, [&](const ProcessGroup::Step& step) {
+            const int count = ++counts[step.call];
+            const bool isOneOfMany = step.call == SYS_unlinkat || step.call == SYS_mkdirat;
+            if (isOneOfMany && count > 1 && count % 16 != 0)
                 return;
             if (count == 1 || disk_->writes() != writes_)
-                cut(look);
+                seen.push_back(cut(state));
             if (commits) {
                 disk_->commit();
-                cut(look);
+                seen.push_back(cut(state));
             }
         });
         EXPECT_EQ(status, 0);
+        const Contents after = state(disk_->root());
+        ASSERT_NE(before, after);
+        for (const Contents& found : seen)
+            ASSERT_TRUE(found == before || found == after) << found.size() << " files";
+        EXPECT_EQ(seen.front(), before);
+        if (state == bundleIn) {
+            EXPECT_TRUE(cut(state) == after) << "what has been said is on the disk";
+        }
     }
 
-    const TemporaryFolder folder_{memory()};
+    const TemporaryFolder folder_{placeInMemory()};
     std::optional<PowerCutDisk> disk_;
     /// Those there were when power was cut last.
     std::string writes_;
@@ -119,61 +196,29 @@ protected:
 };
 
 TEST_F(PowerCutTest, AnApplicationIsTheOldOrTheNewWhole) {
-    const std::string installer = PROGRAMS "/ipainstaller";
-    const std::string first = archiveOf("1"), second = archiveOf("2");
-    Contents wholes[3];
-    for (const bool commits : {true, false}) {
-        for (const char* const next : {"-f 1", "-f 2", "-U", "-r", "-u"}) {
-            const Contents before = bundleIn(root());
-            std::vector<std::string> words{installer, "--root", root(), next, identifier};
-            if (next[1] == 'f')
-                words = {installer, "--root", root(), "-f", next[3] == '1' ? first : second};
-            std::vector<Contents> seen;
-            runWithCuts(
-                words,
-                [&](const fs::path& left) {
-                    seen.push_back(bundleIn(left));
-                    // Now and then: that device can be used again.
-                    if (seen.size() % 6 == 0) {
-                        ASSERT_TRUE(Installer(left).install(first));
-                        EXPECT_EQ(bundleIn(left).size(), 60U);
-                    }
-                },
-                commits);
-            const Contents after = bundleIn(root());
-            ASSERT_NE(before, after);
-            for (const Contents& found : seen)
-                ASSERT_TRUE(found == before || found == after)
-                    << next << ": " << found.size() << " files";
-            EXPECT_EQ(seen.front(), before);
-            cut([&](const fs::path& left) {
-                EXPECT_TRUE(bundleIn(left) == after) << "what has been said is on the disk";
-            });
+    for (const char version : {'1', '2'})
+        putFile(folder_ / (std::string{version} + ".ipa"), archiveOf(version));
+    const std::vector<std::string> commands[] = {{"-f", folder_ / "1.ipa"},
+                                                 {"-f", folder_ / "2.ipa"},
+                                                 {"-U", identifier},
+                                                 {"-r", identifier},
+                                                 {"-u", identifier}};
+    for (const bool commits : {true, false})
+        for (const auto& command : commands) {
+            SCOPED_TRACE(command.front());
+            std::vector<std::string> words{"ipainstaller", "--root", disk_->root()};
+            words.insert(words.end(), command.begin(), command.end());
+            runWithCuts(words, bundleIn, commits);
         }
-    }
     std::printf("%d cuts\n", cuts_);
 }
 
 TEST_F(PowerCutTest, SettingsAreTheOldOrTheNew) {
-    const fs::path file = root() / (settingsFilePath + 1);
-    for (const bool commits : {true, false}) {
-        fs::remove(file);
-        for (const char letter : {'a', 'b', 'c'}) {
-            const auto before = readWholeFile(file);
-            std::vector<std::optional<std::string>> seen;
-            runWithCuts(
-                {DUPLICATE_ONCE, root(), "set", "customText", std::string(20'000, letter)},
-                [&](const fs::path& left) {
-                    seen.push_back(readWholeFile(left / (settingsFilePath + 1)));
-                },
-                commits);
-            const auto after = readWholeFile(file);
-            ASSERT_NE(before, after);
-            for (const auto& found : seen)
-                ASSERT_TRUE(found == before || found == after)
-                    << found.value_or("").size() << " bytes";
-        }
-    }
+    for (const bool commits : {true, false})
+        for (const char letter : {'a', 'b', 'c'})
+            runWithCuts({"dubrix-terminal", "--root", disk_->root(), "settings", "name",
+                         std::string(20'000, letter)},
+                        settingsIn, commits);
     std::printf("%d cuts\n", cuts_);
 }
 

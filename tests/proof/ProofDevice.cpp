@@ -1,10 +1,14 @@
 #include "tests/proof/ProofDevice.h"
 
 #include "formats/lists/PropertyList.h"
+#include "tests/formats/ImageFiles.h"
 
 namespace dubrix {
 
-void ProofDevice::writeSettings() const {
+ProofDevice::ProofDevice() {
+    std::filesystem::create_directories(staging());
+    std::filesystem::create_directories(tools());
+    installSource("1");
     PropertyList settings = PropertyList::dictionary();
     settings.setValueForKey("bundleID", PropertyList::string(source));
     settings.setValueForKey("customColorToggle", PropertyList::boolean(true));
@@ -15,20 +19,38 @@ void ProofDevice::writeSettings() const {
 std::filesystem::path ProofDevice::sourceArchive(const std::string& version) const {
     PropertyList info = *PropertyList::parse(infoPlist(source, version));
     info.setValueForKey("CFBundleDisplayName", PropertyList::string("Fine App"));
-    PropertyList icons = PropertyList::array();
-    for (const char* name : {"Icon", "art/Badge"})
-        icons.append(PropertyList::string(name));
-    info.setValueForKey("CFBundleIconFiles", icons);
-    const std::string icon = SamplePng({PNG_COLOR_TYPE_RGB_ALPHA, 8, false, false}).bytes();
-    std::vector<ZipItem> items;
+    info.setValueForKey("CFBundleIconFiles", *PropertyList::parse("(Icon, \"art/Badge\")"));
+    const std::string icon = pngOf(samplePixels(21 * 11), 21);
+    std::vector<ZipItem> items{{"large", std::string(200'000, version[0])},
+                               {"link", "data/two", S_IFLNK | 0777},
+                               {"Info.plist", info.binary()}};
     for (const char* name : {"Icon.png", "Icon@2x.png", "art/Badge.png"})
-        items.push_back({"Payload/X.app/" + std::string(name), icon});
+        items.push_back({name, icon});
     for (const char* name : {"one", "data/two", "data/three"})
-        items.push_back({"Payload/X.app/" + std::string(name), name + version});
-    items.push_back({"Payload/X.app/large", std::string(200'000, version[0])});
-    items.push_back({"Payload/X.app/link", "data/two", S_IFLNK | 0777});
-    items.push_back({"Payload/X.app/Info.plist", info.binary()});
+        items.push_back({name, name + version});
+    for (ZipItem& item : items)
+        item.name.insert(0, "Payload/X.app/");
     return archive("source.ipa", zipOf(items));
+}
+
+std::vector<Ended>
+ProofDevice::runTogether(const std::vector<std::vector<std::string>>& programs) const {
+    const auto saidBy = [this](std::size_t program) {
+        return folder() / ("said" + std::to_string(program));
+    };
+    std::vector<std::unique_ptr<ProcessGroup>> running;
+    for (const std::vector<std::string>& words : programs)
+        running.push_back(
+            std::make_unique<ProcessGroup>(words, searchPath(), saidBy(running.size())));
+    std::vector<Ended> ends;
+    for (const auto& program : running) {
+        Ended ended{program->wait()};
+        std::ifstream lines(saidBy(ends.size()));
+        for (std::string line; std::getline(lines, line);)
+            ended.said = line;
+        ends.push_back(ended);
+    }
+    return ends;
 }
 
 } // namespace dubrix

@@ -9,10 +9,10 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <functional>
 #include <linux/perf_event.h>
 #include <linux/sched.h>
 #include <sched.h>
@@ -55,21 +55,10 @@ std::string contentsOf(const std::string& file) {
 
 std::vector<std::string> namesIn(const std::string& folder) {
     std::vector<std::string> names;
-    DIR* const open = ::opendir(folder.c_str());
-    while (const dirent* entry = open ? ::readdir(open) : nullptr)
-        if (entry->d_name[0] != '.')
-            names.emplace_back(entry->d_name);
-    if (open)
-        ::closedir(open);
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error))
+        names.push_back(entry.path().filename());
     return names;
-}
-
-std::vector<std::string> processes() {
-    std::vector<std::string> found;
-    for (const std::string& name : namesIn("/proc"))
-        if (name.find_first_not_of("0123456789") == std::string::npos)
-            found.push_back(name);
-    return found;
 }
 
 void attackTerminal() {
@@ -150,45 +139,38 @@ void attackSockets(bool engine) {
 
 void attackSetIds() {
     const char* const file = "/tmp/set-id";
-    const auto check = [file](const char* way) {
-        struct stat status{};
-        if (::stat(file, &status) == 0 && (status.st_mode & (S_ISUID | S_ISGID)) != 0)
-            broke(std::string("a set-id file by ") + way);
-        ::unlink(file);
-    };
-    const auto make = [file] { ::close(::open(file, O_CREAT | O_WRONLY, 0755)); };
-    for (const mode_t bit : {S_ISUID, S_ISGID}) {
-        const mode_t mode = 0755 | bit;
-        make();
-        ::chmod(file, mode);
-        check("chmod");
-        make();
-        const int open = ::open(file, O_RDONLY);
-        ::fchmod(open, mode);
-        ::close(open);
-        check("fchmod");
-        make();
-        ::fchmodat(AT_FDCWD, file, mode, 0);
-        check("fchmodat");
-        make();
-        ::syscall(452, AT_FDCWD, file, mode, 0);
-        check("fchmodat2");
-        ::close(::open(file, O_CREAT | O_WRONLY, mode));
-        check("open");
-        ::close(::creat(file, mode));
-        check("creat");
-        ::mknod(file, S_IFREG | mode, 0);
-        check("mknod");
-        const int nameless = ::open("/tmp", O_TMPFILE | O_WRONLY, mode);
-        ::linkat(AT_FDCWD, ("/proc/self/fd/" + std::to_string(nameless)).c_str(), AT_FDCWD, file,
-                 AT_SYMLINK_FOLLOW);
-        ::close(nameless);
-        check("a file without a name");
-        const struct {
-            unsigned long flags, mode, resolve;
-        } how{O_CREAT | O_WRONLY, mode, 0};
-        ::syscall(SYS_openat2, AT_FDCWD, file, &how, sizeof how);
-        check("openat2");
+    const struct {
+        unsigned long flags, mode, resolve;
+    } how[] = {{O_CREAT | O_WRONLY, 0755 | S_ISUID, 0}, {O_CREAT | O_WRONLY, 0755 | S_ISGID, 0}};
+    for (const int which : {0, 1}) {
+        const auto mode = static_cast<mode_t>(how[which].mode);
+        const std::pair<const char*, std::function<void(int)>> ways[] = {
+            {"chmod", [&](int) { ::chmod(file, mode); }},
+            {"fchmod", [&](int open) { ::fchmod(open, mode); }},
+            {"fchmodat", [&](int) { ::fchmodat(AT_FDCWD, file, mode, 0); }},
+            {"fchmodat2", [&](int) { ::syscall(452, AT_FDCWD, file, mode, 0); }},
+            {"open", [&](int) { ::close(::open(file, O_CREAT | O_WRONLY, mode)); }},
+            {"creat", [&](int) { ::close(::creat(file, mode)); }},
+            {"mknod", [&](int) { ::mknod(file, S_IFREG | mode, 0); }},
+            {"openat2",
+             [&](int) { ::syscall(SYS_openat2, AT_FDCWD, file, &how[which], sizeof how[which]); }},
+            {"a file without a name", [&](int) {
+                 const int nameless = ::open("/tmp", O_TMPFILE | O_WRONLY, mode);
+                 const std::string name = "/proc/self/fd/" + std::to_string(nameless);
+                 ::linkat(AT_FDCWD, name.c_str(), AT_FDCWD, file, AT_SYMLINK_FOLLOW);
+                 ::close(nameless);
+             }}};
+        for (const auto& [name, way] : ways) {
+            // Those that change a file get one.
+            const int open =
+                std::strstr(name, "chmod") ? ::open(file, O_CREAT | O_RDONLY, 0755) : -1;
+            way(open);
+            ::close(open);
+            struct stat status{};
+            if (::stat(file, &status) == 0 && (status.st_mode & (S_ISUID | S_ISGID)) != 0)
+                broke(std::string("a set-id file by ") + name);
+            ::unlink(file);
+        }
     }
 }
 
@@ -221,23 +203,23 @@ void attackLimits() {
 }
 
 void lookAround(const std::string& secret, const std::string& place, bool engine) {
-    for (const std::string& process : processes()) {
+    for (const std::string& process : namesIn("/proc")) {
         const std::string folder = "/proc/" + process + "/";
+        const std::string words = contentsOf(folder + "cmdline");
         if (contentsOf(folder + "environ").find(secret) != std::string::npos)
             broke("the desktop's environment in " + folder + "environ");
-        if (process != std::to_string(::getpid()) &&
-            contentsOf(folder + "cmdline").find(place) != std::string::npos &&
-            contentsOf(folder + "cmdline").find("attacker") == std::string::npos)
+        if (words.find("attacker") == std::string::npos && words.find(place) != std::string::npos)
             broke("the desktop's folders in " + folder + "cmdline");
-        const bool mine = process == std::to_string(::getpid()) ||
-                          contentsOf(folder + "cmdline").find("attacker") != std::string::npos;
         // What the engine started is one domain with this process, anything else is out of reach.
-        if (engine && !mine && process != "1" && ::open((folder + "mem").c_str(), O_RDWR) >= 0 &&
-            contentsOf(folder + "cmdline").find("dubrix-app") != std::string::npos)
-            broke("the memory of process " + process);
+        if (engine && words.find("dubrix-app") != std::string::npos && process != "1" &&
+            words.find("attacker") == std::string::npos) {
+            if (::open((folder + "mem").c_str(), O_RDWR) >= 0)
+                broke("the memory of process " + process);
+            for (const std::string& number : namesIn(folder + "fd"))
+                if (::open((folder + "fd/" + number).c_str(), O_WRONLY | O_NONBLOCK) >= 0)
+                    broke("descriptor " + number + " of process " + process);
+        }
     }
-    if (engine && ::kill(::getppid(), 0) != 0)
-        std::puts("cannot signal its parent");
     for (const std::string& number : namesIn("/proc/self/fd")) {
         char target[4096] = "";
         const std::string link = "/proc/self/fd/" + number;
@@ -256,24 +238,28 @@ void lookAround(const std::string& secret, const std::string& place, bool engine
         broke("sight of the keys");
 }
 
+/// Whether a process of its own ends as one whose work says true.
+template<class Work>
+bool succeeds(Work work) {
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit(work() ? 0 : 1);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
 /// A program of the processor's older architecture has other numbers for its calls.
 void attackByOldCalls() {
 #ifdef __x86_64__
-    const pid_t child = ::fork();
-    if (child == 0) {
+    const auto older = [] {
         long result = 20; // getpid
         asm volatile("int $0x80" : "+a"(result) : : "memory", "r8", "r9", "r10", "r11");
-        ::_exit(result > 0 ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
+        return result > 0;
+    };
+    if (succeeds(older))
         broke("calls of the older architecture");
-    const pid_t other = ::fork();
-    if (other == 0)
-        ::_exit(::syscall(0x40000000L | SYS_getpid) > 0 ? 0 : 1);
-    ::waitpid(other, &status, 0);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
+    if (succeeds([] { return ::syscall(0x40000000L | SYS_getpid) > 0; }))
         broke("calls of the x32 kind");
 #endif
 }
@@ -298,7 +284,8 @@ int main(int, char* words[]) {
     attackSetIds();
     attackByOldCalls();
     lookAround(words[2], words[3], engine);
-    attackLimits();
+    if (!engine)
+        attackLimits();
     std::puts("tried everything");
     std::fflush(stdout);
     ::_exit(0);

@@ -164,7 +164,7 @@ TEST_F(HandTest, AlertsBeginAtTheirFirstActionAndEscapeCancelsOnlyWhatCanBeCance
 TEST_F(HandTest, ThePickerTakesKeysTheMomentItOpens) {
     for (int number = 10; number < 60; ++number)
         install("com.example.n" + std::to_string(number), "Number " + std::to_string(number));
-    storeText(files, log, "bundleID", "com.example.n40");
+    DXShared(files, log).addKey("bundleID", PropertyList::string("com.example.n40"));
     click("Application");
     waitFor("Number 40");
     EXPECT_TRUE(find("Number 40")->state().checked);

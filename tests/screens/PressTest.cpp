@@ -99,6 +99,7 @@ TEST_F(PressTest, NothingBeginsWhileThePipelineRuns) {
     const QList<Element*> rows{find("Duplicate"), find("Update duplicates"), find("Application")};
     int shown = -1;
     QString progress;
+    bool comesAtOnce = false;
     QTimer inside;
     QObject::connect(&inside, &QTimer::timeout, window, [&] {
         const int opened = ::open(gate.c_str(), O_WRONLY | O_NONBLOCK);
@@ -117,6 +118,14 @@ TEST_F(PressTest, NothingBeginsWhileThePipelineRuns) {
         if (alert())
             progress =
                 alert()->title() + "|" + alert()->message() + "|" + alert()->buttons().join(u'|');
+        const QModelIndex top = modals.index(modals.rowCount() - 1);
+        comesAtOnce = !modals.data(top, ModalStack::AnimatedRole).toBool();
+    });
+    bool fades = false;
+    QObject::connect(&modals, &ModalStack::dataChanged, window, [&](const QModelIndex& changed) {
+        if (shown >= 0)
+            fades = modals.data(changed, ModalStack::DismissingRole).toBool() &&
+                    modals.data(changed, ModalStack::AnimatedRole).toBool();
     });
     press(rows[0]);
     ASSERT_TRUE(modals.topmost());
@@ -129,6 +138,7 @@ TEST_F(PressTest, NothingBeginsWhileThePipelineRuns) {
     EXPECT_EQ(contentsOf(runs), "run\n") << "one pipeline";
     EXPECT_EQ(shown, 2) << "the question and the progress, nothing beside";
     EXPECT_EQ(progress, "Dubrix|Cloning One 1\nPlease wait...\n\n|");
+    EXPECT_TRUE(comesAtOnce && fades) << "the progress, which fades when it goes";
     EXPECT_EQ(logged("Dubrix - Duplicate Cell Clicked"), 1);
     EXPECT_FALSE(modals.suspended());
     EXPECT_TRUE(find("Duplicate") == rows[0]) << "there again";

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "device/registry/Registry.h"
+#include "engine/DXShared.h"
+#include "formats/lists/PropertyList.h"
 #include "platform/desktop/PaintingPlatform.h"
 #include "platform/posix/PosixPlatform.h"
 #include "screens/NotificationCenter.h"
 #include "screens/alerts/AlertController.h"
 #include "screens/containers/ModalStack.h"
-#include "tests/support/StoredText.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/UnexpectedDownloads.h"
 
@@ -48,7 +49,10 @@ protected:
     }
     /// Writes the settings file, in old-style text.
     void choose(const std::string& settings) const { putFile(settingsPath(), settings); }
-    std::string stored(std::string_view key) { return storedText(files, log, key); }
+    std::string stored(std::string_view key) {
+        const auto value = DXShared(files, log).retrieveValueForKey(key);
+        return value ? value->stringValue().value_or("absent") : "absent";
+    }
 
     AlertController* alert() const { return qobject_cast<AlertController*>(modals.topmost()); }
     QString title() const { return alert() ? alert()->title() : QString(); }

@@ -2,13 +2,13 @@
 #include "formats/lists/PropertyList.h"
 #include "tests/device/DeviceFolder.h"
 
-#include <csignal>
-#include <fcntl.h>
 #include <random>
 
 namespace dubrix {
 
 namespace {
+
+namespace fs = std::filesystem;
 
 struct Ended {
     int status;
@@ -23,210 +23,153 @@ std::string noise(std::size_t size) {
     return bytes;
 }
 
-/// `before` goes before the program, for its shell.
-Ended run(const DeviceFolder& device, const std::string& arguments,
-          const std::string& before = "") {
-    const auto output = (device.folder() / "output").native();
-    const auto errors = (device.folder() / "errors").native();
-    const std::string command = "cd '" + device.folder().path().native() + "' && { " + before +
-                                "LC_ALL=C '" + IPAINSTALLER + "' " + arguments + "; } >'" + output +
-                                "' 2>'" + errors + "'";
-    const int status = std::system(command.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentsOf(output), contentsOf(errors)};
-}
+class InstallerProgram : public testing::Test {
+protected:
+    /// `before` goes before the program, for its shell.
+    Ended run(const std::string& arguments, const std::string& before = "") const {
+        const std::string folder = device.folder().path();
+        const std::string command = "cd '" + folder + "' && { " + before +
+                                    "LC_ALL=C '" IPAINSTALLER "' " + arguments +
+                                    "; } >output 2>errors";
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1,
+                contentsOf(device.folder() / "output"), contentsOf(device.folder() / "errors")};
+    }
+
+    const DeviceFolder device;
+    const fs::path links = device.root() / "var/containers/Bundle/Registry";
+};
 
 } // namespace
 
-TEST(InstallerProgram, SaysOneLineForEachApplication) {
-    const DeviceFolder device;
-    PropertyList info = PropertyList::dictionary();
-    info.setValueForKey("CFBundleIdentifier", PropertyList::string("com.example.app3"));
-    info.setValueForKey("CFBundleDisplayName", PropertyList::string("例\tExample\n3"));
+TEST_F(InstallerProgram, SaysOneLineForEachApplication) {
+    PropertyList info = *PropertyList::parse("{CFBundleIdentifier = com.example.app3;}");
+    info.setValueForKey("CFBundleDisplayName",
+                        PropertyList::string("例\ta\u009bb\u202ec\u2028d\n3"));
     device.archive("my app.ipa", zipOf({{"Payload/例 X.app/Info.plist", info.xml()}}));
-    device.archive("bad.ipa", "no archive");
+    device.archive("text.ipa", "no archive");
+    device.archive("other.ipa", zipOf({{"a", "a"}}));
+    device.archive("damaged.ipa", zipOf({{"Payload/X.app/Info.plist", "damaged"}}));
     device.application("com.example.App", "4.2 Enhanced");
-
-    Ended result = run(device, "--root device -f 'my app.ipa' bad.ipa com.example.App-*.ipa");
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.output, "Installed com.example.app3 (例 Example 3)\n"
-                             "Installed com.example.App (X)\n");
-    EXPECT_EQ(result.errors, "ipainstaller: bad.ipa: is not an archive\n");
-
-    result = run(device, "--root device --progress lines -f 'my app.ipa' bad.ipa");
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.output, "progress 0 1 of 2: my app.ipa\nprogress 100\n"
-                             "Installed com.example.app3 (例 Example 3), replaced the one before\n"
-                             "progress 0 2 of 2: bad.ipa\n"
-                             "Installed 1 of 2 applications; not installed: bad.ipa\n");
-
     device.application("com.example.App", "4\t2");
-    result = run(device, "--root device --report fields -f com.example.App-*.ipa bad.ipa");
-    EXPECT_EQ(result.output, "replaced\tcom.example.App\tX\t4 2\t4.2 Enhanced\n"
-                             "replaced\tcom.example.App\tX\t4.2 Enhanced\t4 2\n"
-                             "failed\tbad.ipa: is not an archive\n");
-    EXPECT_EQ(result.errors, "");
-    result = run(device, "--root device -f 'com.example.App-4\t2.ipa' com.example.App-4.2*.ipa");
-    EXPECT_EQ(result.output, "Installed com.example.App (X), replaced 4.2 Enhanced by 4 2\n"
-                             "Installed com.example.App (X), replaced 4 2 by 4.2 Enhanced\n");
+    const std::string noArchive = "ipainstaller: text.ipa: is not an archive\n";
+    const struct {
+        std::string arguments;
+        int status;
+        std::string output;
+        std::string errors;
+    } cases[] = {
+        {"-f 'my app.ipa' text.ipa com.example.App-4.2*.ipa", 1,
+         "Installed com.example.app3 (例 a b c d 3)\nInstalled com.example.App (X)\n", noArchive},
+        {"--progress lines -f 'my app.ipa' text.ipa", 1,
+         "progress 0 1 of 2: my app.ipa\nprogress 100\n"
+         "Installed com.example.app3 (例 a b c d 3), replaced the one before\n"
+         "progress 0 2 of 2: text.ipa\n"
+         "Installed 1 of 2 applications; not installed: text.ipa\n",
+         noArchive},
+        {"--report fields -f com.example.App-*.ipa text.ipa", 1,
+         "replaced\tcom.example.App\tX\t4 2\t4.2 Enhanced\n"
+         "replaced\tcom.example.App\tX\t4.2 Enhanced\t4 2\n"
+         "failed\ttext.ipa: is not an archive\n",
+         ""},
+        {"-f 'com.example.App-4\t2.ipa'", 0,
+         "Installed com.example.App (X), replaced 4.2 Enhanced by 4 2\n", ""},
+        {"-f text.ipa", 3, "", noArchive},
+        {"-f other.ipa", 3, "", "ipainstaller: other.ipa: holds no application (Payload/*.app)\n"},
+        {"-f damaged.ipa", 1, "", "ipainstaller: damaged.ipa: has a damaged Info.plist\n"},
+        {"-f missing.ipa", 1, "",
+         "ipainstaller: missing.ipa: cannot be opened: No such file or directory\n"},
+        {"-u com.example.App", 0, "Removed com.example.App\n", ""},
+        {"-u com.example.App", 1, "", "ipainstaller: com.example.App: is not installed\n"},
+    };
+    for (const auto& [arguments, status, output, errors] : cases) {
+        const Ended result = run("--root device " + arguments);
+        EXPECT_EQ(result.status, status) << arguments;
+        EXPECT_EQ(result.output, output) << arguments;
+        EXPECT_EQ(result.errors, errors) << arguments;
+    }
+    const std::string path = *device.registry().pathOf("com.example.app3");
+    EXPECT_TRUE(path.ends_with("/例 X.app"));
+    EXPECT_EQ(run("--root device -l").output, "com.example.app3\t例 a b c d 3\t\t" + path + "\n");
 
-    result = run(device, "--root device -l");
-    EXPECT_EQ(result.status, 0);
-    const auto path = [&](const char* name) { return *device.registry().pathOf(name); };
-    EXPECT_EQ(result.output, "com.example.App\tX\t4.2 Enhanced\t" + path("com.example.App") +
-                                 "\ncom.example.app3\t例 Example 3\t\t" + path("com.example.app3") +
-                                 "\n");
-
-    result = run(device, "--root device -b com.example.app3 out.ipa");
-    EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(run(device, "--root device -u com.example.app3").output,
-              "Removed com.example.app3\n");
-    EXPECT_EQ(run(device, "--root device -u com.example.app3").status, 1);
-    EXPECT_EQ(run(device, "--root device -f out.ipa").status, 0);
-    EXPECT_EQ(path("com.example.app3").substr(path("com.example.app3").rfind('/')), "/例 X.app");
-    EXPECT_EQ(run(device, "--root missing -l").status, 1);
+    putFile(device.root() / "export/Docs.app/secret", "secret");
+    fs::create_symlink("/export/Docs.app", links / "com.example.docs");
+    EXPECT_EQ(
+        run("--root device -b com.example.docs docs.ipa").errors,
+        "ipainstaller: com.example.docs: is registered, but leads to no application's folder\n");
+    fs::remove_all(links);
+    EXPECT_EQ(run("--root device -l").status, 0) << "a device without applications";
+    putFile(links, "a file");
+    EXPECT_EQ(run("--root device -l").errors, "ipainstaller: cannot read "
+                                              "/var/containers/Bundle/Registry: Not a directory\n");
+    EXPECT_EQ(run("--root missing -l").status, 1);
 }
 
-TEST(InstallerProgram, TellsMistakesFromFailures) {
-    const DeviceFolder device;
-    for (const char* mistake : {"",
-                                "-f",
-                                "-u",
-                                "-u a b",
-                                "-b a",
-                                "-b a b c",
-                                "-l a",
-                                "-x",
-                                "-f a -l",
-                                "-l -l",
-                                "a.ipa",
-                                "-- -l",
-                                "-u --",
-                                "-u -l",
-                                "-l --descriptor 7",
-                                "-b a b --descriptor 1",
-                                "-b a b --descriptor x",
-                                "-b a b --descriptor",
-                                "-l --progress",
-                                "--progress half -l",
-                                "-l --root",
-                                "-l --root ''",
-                                "-f --force a.ipa",
-                                "-u ''"}) {
-        const Ended result = run(device, mistake);
+TEST_F(InstallerProgram, TellsMistakesFromFailures) {
+    std::istringstream mistakes(
+        "\n-f\n-u\n-u a b\n-b a\n-b a b c\n-l a\n-x\n-f a -l\n-l -l\na.ipa\n"
+        "-- -l\n-u --\n-u -l\n-l --descriptor 7\n-b a b --descriptor 1\n"
+        "-b a b --descriptor 7x\n-b a b --descriptor\n-l --progress\n"
+        "--progress half -l\n--report lines -l\n-l --root ''\n-u ''\n");
+    for (std::string mistake; std::getline(mistakes, mistake);) {
+        const Ended result = run(mistake);
         EXPECT_EQ(result.status, 2) << mistake;
         EXPECT_EQ(result.output, "") << mistake;
         EXPECT_NE(result.errors.find("Usage:"), std::string::npos) << mistake;
     }
-    const Ended help = run(device, "--help");
-    EXPECT_EQ(help.status, 0);
-    EXPECT_EQ(help.output.rfind("Usage:", 0), 0u);
-}
-
-TEST(InstallerProgram, NamesLikeOptionsCanBeListedSavedAndRemoved) {
-    const DeviceFolder device;
-    const auto links = device.root() / "var/containers/Bundle/Registry";
-    for (const std::string odd : {"-l", "--help", "--"}) {
+    EXPECT_EQ(run("--help").output.rfind("Usage:", 0), 0u);
+    for (const std::string odd : {"--help", "--"}) {
         ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1")));
-        std::filesystem::rename(links / "com.example.app", links / odd);
-        EXPECT_EQ(run(device, "--root device -l").output.rfind(odd + "\tX\t1\t", 0), 0U);
-        EXPECT_EQ(run(device, "--root device -b -- " + odd + " -out.ipa").output,
+        fs::rename(links / "com.example.app", links / odd);
+        EXPECT_EQ(run("--root device -b -- " + odd + " -out.ipa").output,
                   "Saved " + odd + " (-out.ipa)\n");
-        EXPECT_EQ(run(device, "--root device -u -- " + odd).output, "Removed " + odd + "\n");
-        EXPECT_EQ(run(device, "--root device -l").output, "");
-        EXPECT_EQ(run(device, "--root device -f -- -out.ipa").status, 0);
-        EXPECT_EQ(run(device, "--root device -u com.example.app").status, 0);
+        EXPECT_EQ(run("--root device -u -- " + odd).output, "Removed " + odd + "\n");
+        EXPECT_EQ(run("--root device -f -- -out.ipa").status, 0);
     }
 }
 
-TEST(InstallerProgram, TellsWhatIsNoApplicationAtAllAndARegistryThatCannotBeRead) {
-    const DeviceFolder device;
-    device.archive("text.ipa", "no archive");
-    device.archive("other.ipa", zipOf({{"a", "a"}}));
-    device.archive("damaged.ipa", zipOf({{"Payload/X.app/Info.plist", "damaged"}}));
-    PropertyList info = PropertyList::dictionary();
-    info.setValueForKey("CFBundleIdentifier", PropertyList::string("com.example.app"));
-    info.setValueForKey("CFBundleDisplayName", PropertyList::string("a\u009bb\u202ec\u2028d"));
-    device.archive("odd.ipa", zipOf({{"Payload/X.app/Info.plist", info.xml()}}));
-    const struct {
-        const char* archives;
-        int status;
-    } cases[] = {{"text.ipa", 3}, {"other.ipa", 3},          {"damaged.ipa", 1}, {"missing.ipa", 1},
-                 {"device", 3},   {"text.ipa other.ipa", 1}, {"odd.ipa", 0}};
-    for (const auto& [archives, status] : cases)
-        EXPECT_EQ(run(device, std::string("--root device -f ") + archives).status, status)
-            << archives;
-    EXPECT_EQ(run(device, "--root device -l").output.rfind("com.example.app\ta b c d\t", 0), 0U);
-
-    const auto links = device.root() / "var/containers/Bundle/Registry";
-    std::filesystem::remove_all(links);
-    EXPECT_EQ(run(device, "--root device -l").status, 0) << "a device without applications";
-    putFile(links, "a file");
-    const Ended result = run(device, "--root device -l");
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.errors, "ipainstaller: cannot read /var/containers/Bundle/Registry: "
-                             "Not a directory\n");
-}
-
-TEST(InstallerProgram, SavesIntoAnOpenEmptyFileOnly) {
-    const DeviceFolder device;
+TEST_F(InstallerProgram, SavesIntoAnOpenEmptyFileOnly) {
     ASSERT_TRUE(device.installer().install(
         device.application("com.example.app", "1", {{"large", noise(200'000)}})));
     device.archive("filled", "already here");
     ASSERT_EQ(::mkfifo((device.folder() / "pipe").c_str(), 0600), 0);
     const std::string save = "--root device -b com.example.app Notes.ipa";
-    Ended result = run(device, save + " --descriptor 7 7>out");
-    EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(result.output, "Saved com.example.app (Notes.ipa)\n");
-    EXPECT_FALSE(std::filesystem::exists(device.folder() / "Notes.ipa"));
-    EXPECT_EQ(run(device, "--root device -f out").status, 0);
-    for (const char* wrong : {"7>&-", "7>>filled", "7<out", "7</", "7<>pipe", "7>/dev/null"}) {
-        result = run(device, save + " --descriptor 7 " + wrong);
-        EXPECT_EQ(result.status, 1) << wrong;
-        EXPECT_EQ(result.errors.rfind("ipainstaller: Notes.ipa: cannot be written", 0), 0U);
-    }
+    EXPECT_EQ(run(save + " --descriptor 7 7>out").output, "Saved com.example.app (Notes.ipa)\n");
+    EXPECT_FALSE(fs::exists(device.folder() / "Notes.ipa"));
+    EXPECT_EQ(run("--root device -f out").status, 0);
+    for (const char* wrong : {"7>&-", "7>>filled", "7<out", "7</", "7<>pipe", "7>/dev/null"})
+        EXPECT_EQ(run(save + " --descriptor 7 " + wrong)
+                      .errors.rfind("ipainstaller: Notes.ipa: cannot be written", 0),
+                  0U)
+            << wrong;
     EXPECT_EQ(contentsOf(device.folder() / "filled"), "already here");
 
     // Whose file may not become so large hears of it, and nothing is left.
-    for (const char* way : {"", " --descriptor 7 7>limited"}) {
-        result = run(device, save + way + "; status=$?; [ ! -s limited ] && exit $status",
-                     "ulimit -f 64; ");
-        EXPECT_EQ(result.status, 1) << way;
-        EXPECT_EQ(result.errors, "ipainstaller: Notes.ipa: cannot be written: File too large\n");
-    }
-    EXPECT_FALSE(std::filesystem::exists(device.folder() / "Notes.ipa"));
-    EXPECT_EQ(run(device, save, "umask 077; ").status, 0);
-    EXPECT_EQ(std::filesystem::status(device.folder() / "Notes.ipa").permissions(),
-              std::filesystem::perms(0600));
-    for (const auto& entry : std::filesystem::directory_iterator(device.folder().path()))
+    for (const char* way : {"", " --descriptor 7 7>limited"})
+        EXPECT_EQ(run(save + way, "ulimit -f 64; ").errors,
+                  "ipainstaller: Notes.ipa: cannot be written: File too large\n");
+    EXPECT_EQ(contentsOf(device.folder() / "limited"), "");
+    EXPECT_FALSE(fs::exists(device.folder() / "Notes.ipa"));
+    EXPECT_EQ(run(save, "umask 077; ").status, 0);
+    EXPECT_EQ(fs::status(device.folder() / "Notes.ipa").permissions(), fs::perms(0600));
+    for (const auto& entry : fs::directory_iterator(device.folder().path()))
         EXPECT_NE(entry.path().filename().native()[0], '.') << entry.path();
 }
 
-TEST(InstallerProgram, SaysThatItWaitsAndCanBeInterrupted) {
-    const DeviceFolder device;
+TEST_F(InstallerProgram, SaysThatItWaitsForAnother) {
     ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1")));
-    auto held = BundleStore::open(device.registry());
-    ASSERT_TRUE(held);
-    for (const int signal : {SIGINT, SIGTERM}) {
-        int ends[2];
-        ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-        const pid_t child = ::fork();
-        if (child == 0) {
-            ::dup2(ends[1], STDERR_FILENO);
-            ::execl(IPAINSTALLER, IPAINSTALLER, "--root", device.root().c_str(), "-u",
-                    "com.example.app", nullptr);
-            ::_exit(127);
-        }
-        ::close(ends[1]);
-        std::string said(200, '\0');
-        said.resize(static_cast<std::size_t>(
-            std::max<ssize_t>(::read(ends[0], said.data(), said.size()), 0)));
-        EXPECT_EQ(said, "ipainstaller: waiting for another installer to finish\n");
-        ::kill(child, signal);
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << status;
-        ::close(ends[0]);
-    }
+    auto held = std::make_unique<Result<BundleStore>>(BundleStore::open(device.registry()));
+    ASSERT_TRUE(*held);
+    const std::string command = "timeout 20 '" IPAINSTALLER "' --root '" + device.root().native() +
+                                "' -u com.example.app 2>&1";
+    std::FILE* const said = ::popen(command.c_str(), "r");
+    char line[100] = "";
+    EXPECT_STREQ(std::fgets(line, sizeof line, said),
+                 "ipainstaller: waiting for another installer to finish\n");
+    EXPECT_TRUE(device.registry().isInstalled("com.example.app"));
+    held.reset();
+    EXPECT_STREQ(std::fgets(line, sizeof line, said), "Removed com.example.app\n");
+    EXPECT_EQ(::pclose(said), 0);
 }
 
 } // namespace dubrix

@@ -3,7 +3,6 @@
 
 #include <csignal>
 #include <sys/resource.h>
-#include <sys/statvfs.h>
 
 namespace dubrix {
 
@@ -66,11 +65,9 @@ std::vector<Refusal> refusals() {
     return {
         {"", "is not an archive"},
         {std::string(70000, 'x'), "is not an archive"},
-        {"PK", "is not an archive"},
         {"PK\1\2" + std::string(90, 'x'), "is not an archive"},
         {good.substr(0, good.size() - 1), "is cut short"},
         {good.substr(0, good.find("PK\1\2")), "is cut short"},
-        {good.substr(0, 4), "is cut short"},
         {"PK\7\10" + good.substr(0, 40), "is cut short"}, // begun as the first of several volumes
         {badSignature, "is damaged"},
         {good.substr(10), "is damaged"},
@@ -90,17 +87,10 @@ std::vector<Refusal> refusals() {
         {withIdentifier(""), "no usable CFBundleIdentifier"},
         {withIdentifier("a/b"), "no usable CFBundleIdentifier"},
         {withIdentifier("a\nb"), "no usable CFBundleIdentifier"},
-        {withIdentifier("."), "no usable CFBundleIdentifier"},
         {withIdentifier(".."), "no usable CFBundleIdentifier"},
         {withIdentifier(std::string(256, 'a')), "no usable CFBundleIdentifier"},
         {withIdentifier("-l"), "no usable CFBundleIdentifier"},
-        {withIdentifier("--help"), "no usable CFBundleIdentifier"},
-        {withIdentifier("a\u0085"), "no usable CFBundleIdentifier"},
-        {withIdentifier("a\u2028b"), "no usable CFBundleIdentifier"},
         {withIdentifier("a\u202eb"), "no usable CFBundleIdentifier"},
-        {withIdentifier("\u2066a"), "no usable CFBundleIdentifier"},
-        {withIdentifier("a\u200f"), "no usable CFBundleIdentifier"},
-        {withIdentifier("a\u061c"), "no usable CFBundleIdentifier"},
         {withIdentifier("com.example.settings"), "is a system application"},
         {with({"/tmp/a", ""}), "forbidden name"},
         {with({"../a", ""}), "forbidden name"},
@@ -113,9 +103,18 @@ std::vector<Refusal> refusals() {
         {zipOf({{"Payload", "..", S_IFLNK | 0777}, info}), "below what is not a folder"},
         {zipOf({info, {bundle + "a", "1"}, {bundle + "a/b", "2"}}), "below what is not a folder"},
         {zipOf({info, link("l", "../../outside")}), "leads outside"},
+        {zipOf({info, link("a/b/up", "../../..")}), "leads outside"},
+        {zipOf({info, link("absolute", "/etc/passwd")}), "leads outside"},
+        {zipOf({info, link("around", "../X.app/file")}), "leads outside"},
+        {zipOf({info, link("self", "self")}), "leads outside"},
+        {zipOf({info, link("one", "two/x"), link("two", "one/x")}), "leads outside"},
+        {zipOf({info, link("empty", "")}), "leads outside"},
+        {zipOf({info, link("cut", std::string("a\0b", 3))}), "leads outside"},
+        // Each harmless by its own words: the second climbs from where the first arrives.
+        {zipOf({info, link("a/b/top", "../.."), link("out", "a/b/top/../secret")}),
+         "leads outside"},
         {zipOf(manyLinks()), "an absurdly large"},
         {with({bundle + "pipe", "", S_IFIFO | 0644}), "neither a file, a folder nor a link"},
-        {with({bundle + "disk", "", S_IFBLK | 0644}), "neither a file, a folder nor a link"},
         {infoTwice(), "holds Payload/X.app/Info.plist twice"},
         {zipOf({info, {bundle + "a", "1"}, {bundle + "./a", "2"}}), "twice"},
         // Found out only while unpacking: what lies there by then must go again.
@@ -163,29 +162,6 @@ TEST(InstallerRefusal, NamesTheFirstOfSeveralFaultsHoweverManyUnpack) {
     ASSERT_FALSE(result);
     EXPECT_EQ(result.failure().text, "Bad.ipa: is damaged at 57");
     EXPECT_EQ(device.leftovers(), 0);
-}
-
-TEST(InstallerRefusal, AsksForRoomBeforeItUnpacks) {
-    const DeviceFolder device;
-    ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1")));
-    const auto before = device.snapshot();
-    struct statvfs status{};
-    ASSERT_EQ(::statvfs(device.root().c_str(), &status), 0);
-    const std::uint64_t tooMuch =
-        std::uint64_t{status.f_bavail} * status.f_frsize + (std::uint64_t{1} << 32);
-    // By a method that nobody unpacks: a missing check must not fill the disk of who runs this.
-    const ZipItem huge{bundle + "huge", "", S_IFREG | 0644, 12};
-    const ZipBytes zip = zipWithHole({info, huge}, tooMuch);
-    const auto archive = device.archive("Huge.ipa", zip.head);
-    // A hole takes no room on the disk.
-    if (::truncate(archive.c_str(), static_cast<off_t>(zip.head.size() + tooMuch)) != 0)
-        GTEST_SKIP() << "the file system has no files of " << tooMuch << " bytes";
-    std::ofstream(archive, std::ios::binary | std::ios::app) << zip.tail;
-
-    const auto result = device.installer().install(archive);
-    ASSERT_FALSE(result);
-    EXPECT_EQ(result.failure().text, "Huge.ipa: not enough room on the device");
-    EXPECT_TRUE(device.snapshot() == before);
 }
 
 TEST(InstallerRefusal, AWriteThatFailsHalfwayLeavesNothing) {

@@ -10,6 +10,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+const std::string identifier = "com.example.app";
+
 mode_t modeOf(const fs::path& path) {
     struct stat status{};
     return ::lstat(path.c_str(), &status) == 0 ? status.st_mode : 0;
@@ -23,132 +25,42 @@ ZipItem folder(const std::string& name, mode_t permissions) {
     return {name, "", S_IFDIR | permissions};
 }
 
+ZipItem link(const std::string& name, const std::string& text) {
+    return {name, text, S_IFLNK | 0777};
+}
+
 } // namespace
 
 TEST(Installer, KeepsPermissionsAndLinksButNotWhatEndangers) {
     const DeviceFolder device;
     const mode_t mask = ::umask(0077);
-    const auto result = device.installer().install(
-        device.application("com.example.app", "1",
-                           {file("closed/inside", 0640),
-                            folder("closed/", 0555),
-                            folder("closed/", 0550),
-                            file("a", 0600),
-                            file("b", 0775),
-                            file("c", 06755),
-                            file("d", 0666),
-                            file("e", 0),
-                            file("f", 0777, 0),
-                            folder("g", 01777),
-                            folder("", 0750),
-                            {"CodeResources", "closed/inside", S_IFLNK | 0777}}));
+    const auto result = device.installer().install(device.application(
+        identifier, "1",
+        {file("closed/inside", 0640), folder("closed/", 0555), folder("closed/", 0550),
+         file("a", 0600), file("b", 0775), file("c", 06755), file("d", 0666), file("e", 0),
+         file("f", 0777, 0), folder("g", 01777), folder("", 0750), folder("h/i", 0755),
+         link("CodeResources", "closed/inside"), link("Current", "closed"),
+         link("around", "Current/../a"), link("h/i/up", "../.."), link("dot", "./h//missing")}));
     ::umask(mask);
     ASSERT_TRUE(result) << result.failure().text;
-    const std::map<std::string, mode_t> expected{{"a", S_IFREG | 0600},
-                                                 {"b", S_IFREG | 0775},
-                                                 {"c", S_IFREG | 0755},
-                                                 {"d", S_IFREG | 0664},
-                                                 {"e", S_IFREG | 0644},
-                                                 {"f", S_IFREG | 0644},
-                                                 {"g", S_IFDIR | 0775},
-                                                 {"closed/inside", S_IFREG | 0640},
-                                                 {"closed", S_IFDIR | 0550},
-                                                 {"Info.plist", S_IFREG | 0644},
-                                                 {"", S_IFDIR | 0750},
-                                                 {"..", S_IFDIR | 0755},
-                                                 {"CodeResources", S_IFLNK | 0777}};
+    const std::map<std::string, mode_t> expected{
+        {"a", S_IFREG | 0600},          {"b", S_IFREG | 0775},
+        {"c", S_IFREG | 0755},          {"d", S_IFREG | 0664},
+        {"e", S_IFREG | 0644},          {"f", S_IFREG | 0644},
+        {"g", S_IFDIR | 0775},          {"closed/inside", S_IFREG | 0640},
+        {"", S_IFDIR | 0750},           {"closed", S_IFDIR | 0550},
+        {"Info.plist", S_IFREG | 0644}, {"..", S_IFDIR | 0755},
+        {"h/i/up", S_IFLNK | 0777}};
     for (const auto& [name, mode] : expected)
-        EXPECT_EQ(modeOf(device.installed("com.example.app") / name), mode) << name;
-    EXPECT_EQ(contentsOf(device.installed("com.example.app", "CodeResources")),
+        EXPECT_EQ(modeOf(device.installed(identifier) / name), mode) << name;
+    EXPECT_EQ(contentsOf(device.installed(identifier, "CodeResources")),
               "content of closed/inside");
-}
-
-TEST(Installer, KeepsTheBytesOfNamesAndIgnoresWhatLiesBesideTheBundle) {
-    const DeviceFolder device;
-    constexpr unsigned utf8Flag = 0x800;
-    const std::vector<std::string> names{"中文",    "e\u0301",     "\u00e9",
-                                         "lat\xe9", "back\\slash", "a b'c"};
-    std::vector<ZipItem> items{{"__MACOSX/Payload/X.app/._Info.plist", "junk"},
-                               {"SwiftSupport/Y.app/a", "a"},
-                               {"Payload/._X.app", "junk"},
-                               {"Payload/.DS_Store", "junk"},
-                               {"./Payload//名.app/Info.plist", infoPlist("com.example.app")}};
-    for (const std::string& name : names)
-        items.push_back({"Payload/名.app/" + name, name, S_IFREG | 0644, 0, utf8Flag});
-    const std::string stub = "#!/bin/sh\nunpacks what follows\n";
-    const auto result = device.installer().install(device.archive("名.ipa", stub + zipOf(items)));
-    ASSERT_TRUE(result) << result.failure().text;
-    const fs::path bundle = device.installed("com.example.app");
-    EXPECT_EQ(bundle.filename(), "名.app");
-    for (const std::string& name : names)
-        EXPECT_EQ(contentsOf(bundle / name), name);
-    EXPECT_EQ(std::distance(fs::directory_iterator(bundle), {}),
-              static_cast<long>(names.size() + 1));
-    EXPECT_EQ(std::distance(fs::directory_iterator(bundle / ".."), {}), 1);
-}
-
-TEST(Installer, InstallsWhatTheZipCommandMakes) {
-    const DeviceFolder device;
-    const fs::path source = device.folder() / "source";
-    std::string mixed;
-    for (int number = 0; mixed.size() < 700'000; ++number)
-        mixed += std::to_string(number * 7919) + std::string(number % 300, 'x');
-    putFile(source / "Payload/中 文.app/Info.plist", infoPlist("com.example.app"));
-    putFile(source / "Payload/中 文.app/lib/e\u0301", mixed);
-    putFile(source / "Payload/中 文.app/empty", "");
-    fs::create_symlink("lib/e\u0301", source / "Payload/中 文.app/link");
-    fs::permissions(source / "Payload/中 文.app/lib", fs::perms(0555));
-    for (const char* options : {"-qry", "-qry0", "-qryD"}) {
-        for (const char* locale : {"C", "C.UTF-8"}) {
-            const std::string command = std::string("cd '") + source.native() +
-                                        "' && rm -f a.ipa && LC_ALL=" + locale + " zip " + options +
-                                        " a.ipa *";
-            ASSERT_EQ(std::system(command.c_str()), 0) << command;
-            const auto result = device.installer().install(source / "a.ipa");
-            ASSERT_TRUE(result) << command << ": " << result.failure().text;
-            const fs::path bundle = device.installed("com.example.app");
-            EXPECT_TRUE(contentsOf(bundle / "lib/e\u0301") == mixed) << command;
-            EXPECT_EQ(fs::read_symlink(bundle / "link"), "lib/e\u0301");
-            EXPECT_EQ(fs::file_size(bundle / "empty"), 0u);
-        }
-    }
-    EXPECT_EQ(device.leftovers(), 0);
-}
-
-TEST(Installer, FilesEnoughForSeveralThreadsArriveWhole) {
-    const DeviceFolder device;
-    std::vector<ZipItem> items;
-    std::map<std::string, std::string> expected;
-    for (std::size_t number = 0; number < 120; ++number) {
-        const std::string name = std::to_string(number % 7) + "/" + std::to_string(number);
-        std::string content;
-        while (content.size() < number * (number % 40 == 39 ? 20'000 : 300))
-            content += name;
-        items.push_back({name, content, S_IFREG | 0644, number % 3 == 0 ? 0U : 8U});
-        expected.emplace(name, std::move(content));
-    }
-    ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1", items)));
-    for (const auto& [name, content] : expected)
-        EXPECT_TRUE(contentsOf(device.installed("com.example.app", name)) == content) << name;
-}
-
-TEST(Installer, AnUpdateTakesTheOldBundlesPlaceWhole) {
-    const DeviceFolder device;
-    ASSERT_TRUE(device.installer().install(
-        device.application("com.example.app", "1", {file("old", 0644), folder("c/", 0555)})));
-    ASSERT_TRUE(device.installer().install(device.application("com.example.app3", "1")));
-    const fs::path old = device.installed("com.example.app");
-    ASSERT_TRUE(device.installer().install(device.application("com.example.app", "2")));
-    EXPECT_EQ(device.versionOf("com.example.app"), "2");
-    EXPECT_FALSE(fs::exists(device.installed("com.example.app", "old")));
-    EXPECT_FALSE(fs::exists(old.parent_path()));
-    EXPECT_EQ(device.versionOf("com.example.app3"), "1");
-    EXPECT_EQ(device.leftovers(), 0);
+    EXPECT_EQ(contentsOf(device.installed(identifier, "around")), "content of a");
 }
 
 TEST(Installer, RemovesOnlyWhatIsTheUsers) {
     const DeviceFolder device;
-    ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1")));
+    ASSERT_TRUE(device.installer().install(device.application(identifier, "1")));
     ASSERT_TRUE(device.registry().enter("com.example.settings", "/Applications/Settings.app"));
     const auto before = device.snapshot();
     for (const std::string wrong : {"com.example.settings", "com.example", "..", ""}) {
@@ -157,8 +69,8 @@ TEST(Installer, RemovesOnlyWhatIsTheUsers) {
         EXPECT_EQ(result.failure().text.rfind(wrong + ": ", 0), 0u) << result.failure().text;
     }
     EXPECT_TRUE(device.snapshot() == before);
-    ASSERT_TRUE(device.installer().uninstall("com.example.app"));
-    EXPECT_FALSE(device.registry().isInstalled("com.example.app"));
+    ASSERT_TRUE(device.installer().uninstall(identifier));
+    EXPECT_FALSE(device.registry().isInstalled(identifier));
     EXPECT_TRUE(device.registry().isInstalled("com.example.settings"));
     EXPECT_TRUE(fs::is_empty(device.root() / "var/containers/Bundle/Application"));
 }
@@ -167,15 +79,15 @@ TEST(Installer, ARemovalIsUndoneUntilTheNextAndOverNothing) {
     const DeviceFolder device;
     Installer installer = device.installer();
     const std::string one = "com.example.one", two = "com.example.two";
-    const auto install = [&](const std::string& identifier, const std::string& version) {
-        return static_cast<bool>(installer.install(device.application(identifier, version)));
+    const auto install = [&](const std::string& which, const std::string& version) {
+        return static_cast<bool>(installer.install(device.application(which, version)));
     };
-    const auto remove = [&](const std::string& identifier) {
-        auto removed = installer.uninstall(identifier, Installer::Removal::Undoable);
+    const auto remove = [&](const std::string& which) {
+        auto removed = installer.uninstall(which, Installer::Removal::Undoable);
         return removed && removed->isKept;
     };
-    const auto putBack = [&](const std::string& identifier) {
-        return static_cast<bool>(installer.putBack(identifier));
+    const auto putBack = [&](const std::string& which) {
+        return static_cast<bool>(installer.putBack(which));
     };
     ASSERT_TRUE(install(one, "1") && install(two, "1"));
     const auto before = device.snapshot();
@@ -203,7 +115,6 @@ TEST(Installer, ARemovalIsUndoneUntilTheNextAndOverNothing) {
 TEST(Installer, NothingIsKeptOrTakenFromElsewhere) {
     const DeviceFolder device;
     Installer installer = device.installer();
-    const std::string identifier = "com.example.one";
     const fs::path place = device.root() / (Registry::removedPath.data() + 1);
     const fs::path letters = device.root() / "var/mobile/Documents";
     putFile(letters / "letter", "mine");
@@ -221,36 +132,40 @@ TEST(Installer, NothingIsKeptOrTakenFromElsewhere) {
     EXPECT_EQ(contentsOf(letters / "letter"), "mine");
 }
 
-TEST(Installer, AnExportInstallsAgainAsItWas) {
+TEST(Installer, AnExportInstallsAgainAsItWasAndTellsHowFarItIs) {
     const DeviceFolder device;
-    ASSERT_TRUE(
-        device.installer().install(device.application("com.example.app", "1",
-                                                      {file("b/中文", 0640),
-                                                       file("a", 0755),
-                                                       file("lat\xe9", 0600),
-                                                       folder("b", 0555),
-                                                       folder("empty/", 0700),
-                                                       {"link", "b/中文", S_IFLNK | 0777},
-                                                       {"large", std::string(600'000, 'l')}})));
-    const auto contents = [&device] {
-        std::map<std::string, std::string> below;
-        const fs::path bundle = device.installed("com.example.app");
-        for (auto& [path, content] : device.snapshot())
-            if (path.starts_with(bundle.native()))
-                below[path.substr(bundle.native().size())] = content;
-        return below;
-    };
-    const auto before = contents();
+    std::uint64_t last = 0;
+    int steps = 0;
+    Installer installer(device.root(), [&](std::uint64_t done, std::uint64_t total) {
+        EXPECT_TRUE(done <= total && (done >= last || steps == 0));
+        last = done == total ? 0 : done;
+        ++steps;
+    });
+    const std::string large(600'000, 'l');
+    ASSERT_TRUE(installer.install(device.application(identifier, "1",
+                                                     {file("b/中文", 0640),
+                                                      file("lat\xe9", 0600),
+                                                      folder("b", 0555),
+                                                      folder("empty/", 0700),
+                                                      link("link", "b/中文"),
+                                                      {"large", large},
+                                                      {"packed", large, S_IFREG | 0644, 8}})));
+    EXPECT_GT(steps, 5) << "on the way, too";
+    EXPECT_EQ(last, 0U) << "all is done in the end";
+    const auto before = contentsBelow(device.installed(identifier));
     const fs::path first = device.archive("first.ipa", "an earlier file");
-    ASSERT_TRUE(device.installer().exportTo("com.example.app", first));
-    const auto result = device.installer().install(first);
+    steps = 0;
+    ASSERT_TRUE(installer.exportTo(identifier, first));
+    EXPECT_GT(steps, 5);
+    EXPECT_EQ(last, 0U);
+    const auto result = installer.install(first);
     ASSERT_TRUE(result) << result.failure().text;
-    EXPECT_TRUE(contents() == before);
+    EXPECT_TRUE(contentsBelow(device.installed(identifier)) == before);
     EXPECT_EQ(modeOf(first), mode_t{S_IFREG | 0644});
 
-    ASSERT_EQ(::mkfifo(device.installed("com.example.app", "pipe").c_str(), 0600), 0);
+    ASSERT_EQ(::mkfifo(device.installed(identifier, "pipe").c_str(), 0600), 0);
     const std::string whole = contentsOf(first);
-    EXPECT_FALSE(device.installer().exportTo("com.example.app", first));
+    EXPECT_FALSE(device.installer().exportTo(identifier, first));
     EXPECT_TRUE(contentsOf(first) == whole) << "a failure leaves the earlier file";
     EXPECT_FALSE(device.installer().exportTo("com.example.none", first));
     for (const auto& entry : fs::directory_iterator(device.folder().path()))
@@ -261,7 +176,7 @@ TEST(Installer, AnExportHoldsOneVersionWholeOrLeavesNothing) {
     const DeviceFolder device;
     const std::string large(3'000'000, 'l');
     const auto archiveOf = [&](const std::string& version) {
-        return device.application("com.example.app", version,
+        return device.application(identifier, version,
                                   {{"a/" + version, large}, {"b/" + version, large}});
     };
     const auto second = archiveOf("2");
@@ -274,7 +189,7 @@ TEST(Installer, AnExportHoldsOneVersionWholeOrLeavesNothing) {
             if (!std::exchange(done, true))
                 meanwhile();
         });
-        return static_cast<bool>(installer.exportTo("com.example.app", saved));
+        return static_cast<bool>(installer.exportTo(identifier, saved));
     };
     // Files are written beside it, and the application is replaced under its hands.
     EXPECT_TRUE(exportWith([&] {
@@ -283,9 +198,9 @@ TEST(Installer, AnExportHoldsOneVersionWholeOrLeavesNothing) {
     }));
     const DeviceFolder another;
     ASSERT_TRUE(another.installer().install(saved));
-    EXPECT_EQ(another.versionOf("com.example.app"), "2");
-    EXPECT_TRUE(contentsOf(another.installed("com.example.app", "b/2")) == large);
-    EXPECT_FALSE(exportWith([&] { EXPECT_TRUE(device.installer().uninstall("com.example.app")); }));
+    EXPECT_EQ(another.versionOf(identifier), "2");
+    EXPECT_TRUE(contentsOf(another.installed(identifier, "b/2")) == large);
+    EXPECT_FALSE(exportWith([&] { EXPECT_TRUE(device.installer().uninstall(identifier)); }));
 
     ASSERT_TRUE(device.installer().install(second));
     fs::remove(saved);
@@ -295,40 +210,23 @@ TEST(Installer, AnExportHoldsOneVersionWholeOrLeavesNothing) {
         return exportWith([] { ::kill(::getpid(), SIGTERM); });
     });
     EXPECT_EQ(std::distance(fs::directory_iterator(saved.parent_path()), {}), 1);
-}
 
-TEST(Installer, AnExportStaysInTheFoldersOfApplications) {
-    const DeviceFolder device;
-    ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1")));
-    const fs::path bundles = device.root() / "var/containers/Bundle";
-    putFile(device.root() / "export/Docs.app/secret", "secret");
-    fs::create_directory_symlink(device.root() / "export", bundles / "Application/linked");
-    const std::string places[] = {"/export/Docs.app", "../../../../export/Docs.app",
-                                  "../Application/linked/Docs.app", "/etc", "../Application"};
-    for (const std::string& place : places) {
-        fs::remove(bundles / "Registry/com.example.nice");
-        fs::create_symlink(place, bundles / "Registry/com.example.nice");
-        const auto result =
-            device.installer().exportTo("com.example.nice", device.folder() / "nice.ipa");
-        ASSERT_FALSE(result) << place;
-        EXPECT_EQ(result.failure().text,
-                  "com.example.nice: is registered, but leads to no application's folder");
-    }
-    // The whole way there is a link.
+    // The whole way to the applications is a link.
+    fs::create_directories(device.root() / "export");
     fs::rename(device.root() / "var/containers", device.root() / "export/containers");
     fs::create_directory_symlink(device.root() / "export/containers",
                                  device.root() / "var/containers");
-    EXPECT_FALSE(device.installer().exportTo("com.example.app", device.folder() / "nice.ipa"));
-    EXPECT_FALSE(fs::exists(device.folder() / "nice.ipa"));
+    EXPECT_FALSE(device.installer().exportTo(identifier, saved));
+    EXPECT_FALSE(fs::exists(saved));
 }
 
 TEST(Installer, WorksForAnOrdinaryUserToo) {
     const DeviceFolder device;
     const auto first =
-        device.application("com.example.app", "1",
+        device.application(identifier, "1",
                            {file("closed/deep/inside", 0400), folder("closed/deep/", 0500),
                             folder("closed/", 0555), folder("", 0555)});
-    const auto second = device.application("com.example.app", "2");
+    const auto second = device.application(identifier, "2");
     constexpr uid_t nobody = 65534;
     if (::geteuid() == 0) {
         ASSERT_EQ(::chown(device.folder().path().c_str(), nobody, nobody), 0);
@@ -339,41 +237,17 @@ TEST(Installer, WorksForAnOrdinaryUserToo) {
             return false;
         Installer installer = device.installer();
         return installer.install(first) &&
-               installer.exportTo("com.example.app", device.folder() / "e.ipa") &&
+               installer.exportTo(identifier, device.folder() / "e.ipa") &&
                installer.install(device.folder() / "e.ipa") && installer.install(second) &&
-               installer.install(first) && installer.uninstall("com.example.app") &&
+               installer.install(first) && installer.uninstall(identifier) &&
                device.leftovers() == 0;
     });
     EXPECT_EQ(status, 0);
 }
 
-TEST(Installer, InstallersWaitForOneAnother) {
-    const DeviceFolder device;
-    const auto archive =
-        device.application("com.example.app", "1", {file("a", 0644), file("b", 0644)});
-    std::vector<pid_t> children;
-    for (int number = 0; number < 4; ++number) {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            bool fine = true;
-            for (int round = 0; round < 5; ++round)
-                fine = fine && device.installer().install(archive);
-            ::_exit(fine ? 0 : 1);
-        }
-        children.push_back(child);
-    }
-    for (const pid_t child : children) {
-        int status = -1;
-        ASSERT_EQ(::waitpid(child, &status, 0), child);
-        EXPECT_EQ(status, 0) << "an installer took another's files away";
-    }
-    EXPECT_EQ(contentsOf(device.installed("com.example.app", "b")), "content of b");
-    EXPECT_EQ(device.leftovers(), 0);
-}
-
 TEST(Installer, TheNextRunSweepsEveryKindOfLeftover) {
     const DeviceFolder device;
-    ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1")));
+    ASSERT_TRUE(device.installer().install(device.application(identifier, "1")));
     const auto before = device.snapshot();
     const auto bundles = device.root() / "var/containers/Bundle";
     const std::string uuid = "01234567-89AB-4DEF-8123-456789ABCDEF";

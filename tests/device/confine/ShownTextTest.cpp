@@ -1,16 +1,18 @@
+#include "device/confine/ProgressBar.h"
 #include "device/confine/VisibleText.h"
 
 #include <gtest/gtest.h>
 
-using dubrix::VisibleText;
+namespace dubrix {
 
-TEST(VisibleTextTest, nothingThatCommandsATerminalPassesHoweverItArrives) {
+TEST(ShownText, NothingThatCommandsATerminalPassesHoweverItArrives) {
     const struct {
         std::string bytes;
         std::string shown;
     } cases[] = {
         {"plain\ttext\n", "plain\ttext\n"},
         {"例 ä 😀 \u200d", "例 ä 😀 \u200d"},
+        {"\U0003f000\U00100000", "\U0003f000\U00100000"}, // the ends of what may come second
         {"\033]52;c;AAAA\007", "\\x1b]52;c;AAAA\\x07"},
         {"\r\b\x7f", "\\x0d\\x08\\x7f"},
         {std::string("\0", 1), "\\x00"},
@@ -34,3 +36,25 @@ TEST(VisibleTextTest, nothingThatCommandsATerminalPassesHoweverItArrives) {
         }
     }
 }
+
+TEST(ShownText, AProgressLineKeepsWithinTheTerminal) {
+    const struct {
+        const char* title;
+        unsigned percent;
+        unsigned columns;
+        const char* line;
+    } cases[] = {
+        {"a.ipa", 0, 40, "  0% [..........] a.ipa"},
+        {"a.ipa", 99, 40, " 99% [#########.] a.ipa"},
+        {"a.ipa", 100, 40, "100% [##########] a.ipa"},
+        {"grüße.ipa", 50, 21, " 50% [####....] grüße"},
+        {"例例例.ipa", 50, 20, " 50% [####....] 例例"},
+        {"a.ipa", 50, 16, " 50% [####....] "},
+        {"a.ipa", 50, 8, " 50% a.i"},
+        {"a.ipa", 50, 0, " 50%"},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(progressLine(each.title, each.percent, each.columns), each.line);
+}
+
+} // namespace dubrix
