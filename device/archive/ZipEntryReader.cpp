@@ -59,7 +59,8 @@ public:
         // holds.
         constexpr std::size_t largePage = std::size_t{2} << 20;
         size_ = (static_cast<std::size_t>(size) + largePage - 1) / largePage * largePage;
-        if ((held += size_) <= mostHeld)
+        const std::size_t heldByAll = held += size_;
+        if (heldByAll <= mostHeld)
             space_.reset(static_cast<char*>(std::aligned_alloc(largePage, size_)));
         if (!space_) {
             giveBack();
