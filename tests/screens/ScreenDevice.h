@@ -1,6 +1,5 @@
 #pragma once
 
-#include "device/registry/Registry.h"
 #include "engine/DXShared.h"
 #include "formats/lists/PropertyList.h"
 #include "platform/desktop/PaintingPlatform.h"
@@ -8,7 +7,7 @@
 #include "screens/NotificationCenter.h"
 #include "screens/alerts/AlertController.h"
 #include "screens/containers/ModalStack.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/RegisteredBundles.h"
 #include "tests/support/UnexpectedDownloads.h"
 
 #include <QCoreApplication>
@@ -29,20 +28,13 @@ struct KeptLog final : SystemLog {
 class ScreenDevice : public testing::Test {
 protected:
     ScreenDevice() {
-        for (const auto place : {Registry::applicationPath, Registry::registryPath})
-            std::filesystem::create_directories(registry.hostPath(place));
+        makeFoldersOf(registry);
         std::filesystem::create_directories(settingsPath().parent_path());
     }
 
-    /// Installs an application; `more` are further entries of its Info.plist in old-style text.
     void install(const std::string& identifier, const std::string& name,
-                 const std::string& more = "") {
-        const std::string path =
-            std::string(Registry::applicationPath) + "/" + identifier + "/It.app";
-        putFile(registry.hostPath(path) / "Info.plist", "{CFBundleIdentifier = \"" + identifier +
-                                                            "\"; CFBundleDisplayName = \"" + name +
-                                                            "\"; " + more + "}");
-        ASSERT_TRUE(static_cast<bool>(registry.enter(identifier, path)));
+                 const std::string& more = "") const {
+        enterBundle(registry, identifier, name, more);
     }
     std::filesystem::path settingsPath() const {
         return folder / "var/mobile/Library/Preferences/com.q7r2m.dubrix2.plist";
