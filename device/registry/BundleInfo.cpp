@@ -32,8 +32,7 @@ std::vector<std::string> schemesOf(const std::optional<PropertyList>& types) {
 } // namespace
 
 std::optional<BundleInfo> BundleInfo::read(const std::filesystem::path& folder) {
-    const std::filesystem::path named = folder.has_filename() ? folder : folder.parent_path();
-    return readFile(folder / "Info.plist", named.filename().native());
+    return readFile(folder / "Info.plist", folder.filename().native());
 }
 
 std::optional<BundleInfo> BundleInfo::readFile(const std::filesystem::path& file,

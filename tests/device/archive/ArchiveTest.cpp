@@ -64,6 +64,13 @@ TEST(Archive, WhatZipMakesArrivesWholeAndGoesOnToUnzip) {
     const Contents contents = contentsBelow(bundle);
     const std::string in = "cd '" + source.native() + "' && ";
     std::time_t first = 1'000'000'000;
+    std::uint64_t last = 0;
+    int steps = 0;
+    Installer installer(device.root(), [&](std::uint64_t done, std::uint64_t total) {
+        EXPECT_TRUE(done <= total && (done >= last || steps == 0));
+        last = done == total ? 0 : done;
+        ++steps;
+    });
     for (const std::string options : {"-qry", "-qry0", "-qryX", "-qryD"}) {
         SCOPED_TRACE(options);
         spreadTimes(bundle, first += 100'000'000);
@@ -73,8 +80,11 @@ TEST(Archive, WhatZipMakesArrivesWholeAndGoesOnToUnzip) {
             std::system((in + "LC_ALL=" + locale + " zip " + options + " a.ipa Payload").c_str()),
             0);
         for (const bool isOurs : {false, true}) {
-            const auto result = device.installer().install(source / "a.ipa");
+            steps = 0;
+            const auto result = installer.install(source / "a.ipa");
             ASSERT_TRUE(result) << result.failure().text;
+            EXPECT_GT(steps, 5) << "on the way, too";
+            EXPECT_EQ(last, 0U) << "all is done in the end";
             const fs::path installed = device.installed("com.example.app");
             // -D leaves folders out, and with them their times and permissions.
             if (options != "-qryD") {
@@ -82,7 +92,10 @@ TEST(Archive, WhatZipMakesArrivesWholeAndGoesOnToUnzip) {
                 EXPECT_TRUE(contentsBelow(installed) == contents) << isOurs;
             }
             EXPECT_TRUE(contentsOf(installed / "link") == mixed) << isOurs;
-            ASSERT_TRUE(device.installer().exportTo("com.example.app", source / "a.ipa"));
+            steps = 0;
+            ASSERT_TRUE(installer.exportTo("com.example.app", source / "a.ipa"));
+            EXPECT_GT(steps, 5);
+            EXPECT_EQ(last, 0U);
         }
         ASSERT_EQ(std::system((in + "unzip -q a.ipa -d ./" + options).c_str()), 0);
         auto unpacked = timesIn(source / options / "Payload/中 文.app");

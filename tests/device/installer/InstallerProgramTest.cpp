@@ -145,6 +145,10 @@ TEST_F(InstallerProgram, SavesIntoAnOpenEmptyFileOnly) {
     EXPECT_EQ(contentsOf(device.folder() / "filled"), "already here");
 
     // Whose file may not become so large hears of it, and nothing is left.
+    const auto before = device.snapshot();
+    EXPECT_EQ(run("--root device -f out", "ulimit -f 64; ").errors,
+              "ipainstaller: out: cannot be unpacked at large: File too large\n");
+    EXPECT_TRUE(device.snapshot() == before);
     for (const char* way : {"", " --descriptor 7 7>limited"})
         EXPECT_EQ(run(save + way, "ulimit -f 64; ").errors,
                   "ipainstaller: Notes.ipa: cannot be written: File too large\n");

@@ -1,4 +1,5 @@
 #include "device/registry/InstalledApplications.h"
+#include "formats/lists/PropertyList.h"
 #include "tests/device/DeviceFolder.h"
 
 #include <thread>
@@ -39,7 +40,6 @@ TEST(Registry, ALinkThatLeadsToAFolderIsAnInstalledApplication) {
         {"com.example.gone", "../Application/2/X.app", std::nullopt},
         {"com.example.file", "/file", std::nullopt},
         {"com.example.link", "../Application/1/X.app/link.app", std::nullopt},
-        {"com.example.outside", "../../../../../device/file", std::nullopt},
         {"com.example.export", "/export/Docs.app", std::nullopt},
         {"com.example.linked", "../Application/linked/Docs.app", std::nullopt},
         {"com.example.climbs", "../Application/../../../../export/Docs.app", std::nullopt},
@@ -110,6 +110,23 @@ TEST(Registry, EntersRelativeLinksInPlaceOfEarlierOnes) {
               (std::vector<std::string>{"/Applications/Empty.app", "/Applications/Settings.app"}));
     EXPECT_TRUE(registry.isSystemApplication("com.example.settings"));
     EXPECT_FALSE(registry.isSystemApplication("com.example.Settings"));
+}
+
+TEST(BundleInfo, AWrongTypeIsNoValue) {
+    const auto read = [](const char* list) {
+        return BundleInfo::from(*PropertyList::parse(list), "My.Cool.app");
+    };
+    EXPECT_EQ(read("{CFBundleName = N; CFBundleDisplayName = (D);}").displayName, "N");
+    EXPECT_EQ(read("{CFBundleName = {};}").displayName, "My.Cool");
+    EXPECT_FALSE(read("{SBAppTags = hidden;}").hidden) << "a string is not a list of tags";
+    EXPECT_FALSE(read("{SBAppTags = (other);}").hidden);
+    EXPECT_TRUE(read("{SBAppTags = ({}, hidden, other);}").hidden);
+    const auto odd = "{CFBundleURLTypes = (odd, {CFBundleURLSchemes = (one, two);},"
+                     "{CFBundleURLSchemes = odd;}, {CFBundleURLSchemes = (three);});}";
+    EXPECT_EQ(read(odd).urlSchemes, (std::vector<std::string>{"one", "two", "three"}));
+    const TemporaryFolder folder;
+    putFile(folder / "Info.plist", "(A)");
+    EXPECT_FALSE(BundleInfo::read(folder.path())) << "no dictionary";
 }
 
 } // namespace dubrix
