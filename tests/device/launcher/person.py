@@ -65,7 +65,8 @@ def shell():
 
 
 def asked(*options):
-    person = Terminal('"$1" --device "$2" duplicate "${@:3}"; echo "status"" $?"', *SOURCE, *options)
+    # Else bash might follow a Ctrl-C that the launcher has answered by then.
+    person = Terminal('trap : INT; "$1" --device "$2" duplicate "${@:3}"; echo "status"" $?"', *SOURCE, *options)
     person.wait_for(QUESTION)
     return person
 
