@@ -131,12 +131,17 @@ TEST(Installer, AnExportHoldsOneVersionWholeOrLeavesNothing) {
     const fs::path saved = device.folder() / "saved/a.ipa", other = device.folder() / "saved/other";
     putFile(other, "old");
     const auto exportWith = [&](const std::function<void()>& meanwhile) {
-        bool done = false;
-        const Installer installer(device.root(), [&](std::uint64_t, std::uint64_t) {
-            if (!std::exchange(done, true))
+        int steps = 0;
+        std::uint64_t last = 0;
+        const Installer installer(device.root(), [&](std::uint64_t done, std::uint64_t total) {
+            if (steps++ == 0)
                 meanwhile();
+            EXPECT_TRUE(done <= total && (done >= last || last == total));
+            last = done;
         });
-        return static_cast<bool>(installer.exportTo(identifier, saved));
+        const bool isDone = static_cast<bool>(installer.exportTo(identifier, saved));
+        EXPECT_TRUE(!isDone || (steps > 5 && last > 2 * large.size())) << "told on the way";
+        return isDone;
     };
     // Files are written beside it, and the application is replaced under its hands.
     EXPECT_TRUE(exportWith([&] {
