@@ -120,15 +120,13 @@ TEST(AddressQueue, OpensOneAtATimeOneASecondAndTenAtMost) {
 
 TEST(ShotNames, AreWhatTheDriverSendsAndFillNoMemory) {
     ShotNames names;
-    names.read(
-        "tap x\n  shot  a b.png \r\nshot \"q\\\"uo\\\\te\\n.png\"\n# shot no.png\nshotgun x\n");
-    names.read("shot \"open.png\ntype shot x\nshot late");
+    names.read("tap x\n  shot  a b.png \r\n# shot no.png\nshotgun x\nshot \"open.png\nshot late");
     EXPECT_FALSE(names.contains("late")) << "the line has not ended";
     names.read(".png");
     names.finish();
     names.read("shot " + std::string(ShotNames::longestLine, 'x') + "\nshot after.png\n");
     names.read(std::string("shot zero\0.png\n", 15));
-    for (const char* name : {"a b.png", "q\"uo\\te\n.png", "late.png", "after.png"})
+    for (const char* name : {"a b.png", "late.png", "after.png"})
         EXPECT_TRUE(names.contains(name)) << name;
     for (const char* name : {"", "no.png", "open.png", "\"open.png", "late", "zero", "x"})
         EXPECT_FALSE(names.contains(name)) << name;
