@@ -1,5 +1,6 @@
 #include "terminal/Ending.h"
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <pthread.h>
@@ -10,11 +11,12 @@ namespace dubrix {
 
 namespace {
 
-PosixCommandRunner* stopped = nullptr;
+std::atomic<PosixCommandRunner*> stopped = nullptr;
 
 void stop(int) {
     const int kept = errno;
-    stopped->stop();
+    if (PosixCommandRunner* const runner = stopped)
+        runner->stop();
     errno = kept;
 }
 
@@ -36,7 +38,7 @@ void passEndOn(int descriptor, pthread_t to) {
 
 } // namespace
 
-void endByStopping(PosixCommandRunner& runner, int descriptor) {
+EndByStopping::EndByStopping(PosixCommandRunner& runner, int descriptor) {
     stopped = &runner;
     struct sigaction action{};
     action.sa_handler = stop; // a read that waits for an answer ends with it
@@ -44,6 +46,10 @@ void endByStopping(PosixCommandRunner& runner, int descriptor) {
         ::sigaction(signal, &action, nullptr);
     if (descriptor >= 0)
         std::thread(passEndOn, descriptor, ::pthread_self()).detach();
+}
+
+EndByStopping::~EndByStopping() {
+    stopped = nullptr;
 }
 
 } // namespace dubrix

@@ -70,7 +70,7 @@ ExitStatus carryOut(const Request& request, const Options& options,
     ways.isVerbose = request.isVerbose;
     Console console(ways);
     Session session(options.root, programs / "device-paths.bash", console);
-    endByStopping(session.posix.commands, options.ways.stop);
+    const EndByStopping ending(session.posix.commands, options.ways.stop);
     switch (request.command) {
     case Request::Command::Duplicate:
         return duplicate(session, request);

@@ -143,6 +143,8 @@ TEST(PictureReader, DrainsWhatIsTooLargeOrRefused) {
         names.add(name);
     Recorder recorder;
     PictureReader reader(names, recorder);
+    PictureReader(names, recorder).read("a.png\n536870912\n");
+    EXPECT_EQ(std::exchange(recorder.said, ""), "begin a.png\n") << "as large as may be";
     EXPECT_TRUE(reader.read("a.png\n536870913\n").empty());
     const std::string zeros(std::size_t{64} << 20, '\0');
     for (int number = 0; number < 8; ++number)
