@@ -78,6 +78,12 @@ TEST(Installer, ARemovalIsUndoneUntilTheNext) {
     const DeviceFolder device;
     Installer installer = device.installer();
     const std::string one = "com.example.one", two = "com.example.two";
+    // What killed ones have left is swept.
+    const fs::path bundles = device.root() / "var/containers/Bundle";
+    const std::string uuid = "01234567-89AB-4DEF-8123-456789ABCDEF";
+    for (const std::string& name : {".installing-" + uuid, ".removing-" + uuid, uuid})
+        putFile(bundles / "Application" / name / "X.app/closed/a", "a");
+    fs::create_symlink("../Application/none", bundles / (".link-" + uuid));
     for (const std::string& each : {one, two})
         ASSERT_TRUE(installer.install(device.application(each, "1")));
     const auto before = device.snapshot();
