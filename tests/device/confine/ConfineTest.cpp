@@ -12,7 +12,7 @@ namespace dubrix {
 namespace fs = std::filesystem;
 
 static Result<ResultFile> begun(const fs::path& file, ResultFile::Existing existing,
-                         const std::string& bytes) {
+                                const std::string& bytes) {
     Result<ResultFile> result = ResultFile::begin(file.native(), existing);
     EXPECT_TRUE(!result || writeAll(result->descriptor(), bytes));
     return result;

@@ -27,16 +27,23 @@ ZipItem link(const std::string& name, const std::string& text) {
 } // namespace
 
 TEST(Installer, KeepsPermissionsAndLinksButNotWhatEndangers) {
-    const std::pair<ZipItem, mode_t> cases[] = {
-        {file("closed/inside", 0640), 0640}, {folder("closed/", 0555), 0550},
-        {folder("closed/", 0550), 0550},     {file("a", 0600), 0600},
-        {file("b", 0775), 0775},             {file("c", 06755), 0755},
-        {file("d", 0666), 0664},             {file("e", 0), 0644},
-        {file("f", 0777, 0), 0644},          {folder("g", 01777), 0775},
-        {folder("", 0750), 0750},            {folder("h/i", 0755), 0755},
-        {link("h/i/up", "../.."), 0777},     {link("CodeResources", "closed/inside"), 0777},
-        {link("Current", "closed"), 0777},   {link("around", "Current/../a"), 0777},
-        {link("dot", "./h//missing"), 0777}};
+    const std::pair<ZipItem, mode_t> cases[] = {{file("closed/inside", 0640), 0640},
+                                                {folder("closed/", 0555), 0550},
+                                                {folder("closed/", 0550), 0550},
+                                                {file("a", 0600), 0600},
+                                                {file("b", 0775), 0775},
+                                                {file("c", 06755), 0755},
+                                                {file("d", 0666), 0664},
+                                                {file("e", 0), 0644},
+                                                {file("f", 0777, 0), 0644},
+                                                {folder("g", 01777), 0775},
+                                                {folder("", 0750), 0750},
+                                                {folder("h/i", 0755), 0755},
+                                                {link("h/i/up", "../.."), 0777},
+                                                {link("CodeResources", "closed/inside"), 0777},
+                                                {link("Current", "closed"), 0777},
+                                                {link("around", "Current/../a"), 0777},
+                                                {link("dot", "./h//missing"), 0777}};
     std::vector<ZipItem> items;
     for (const auto& [item, permissions] : cases)
         items.push_back(item);
