@@ -207,11 +207,20 @@ TEST_F(FlowTest, OnlyAnInstalledSourceIsAskedFor) {
     catalogue.known["(null)"] = {"Null", {}, {}};
     expectRefusals(notInstalled, notInstalled);
 
-    putFile(onDevice("/var/Example.app/run"), "");
-    std::filesystem::resize_file(onDevice("/var/Example.app/run"), 12'345'678);
     givenAStaleSecond();
-    EXPECT_TRUE(
-        shownBy(&CloneEngine::showDuplicateAlert).starts_with("Example|App size: 12.3 MB\n"));
+    // Of two files of that many bytes, each of which counts in 32 bits with a sign.
+    const std::pair<std::uintmax_t, const char*> sizes[] = {
+        {0x7fff'ffff, "4.29 GB"}, {0x8000'0000, "-4.29 GB"}, {0x1'0000'0005, "10 bytes"}};
+    for (const auto& [bytes, size] : sizes) {
+        for (const char* const file : {"/var/Example.app/run", "/var/Example.app/data"}) {
+            putFile(onDevice(file), "");
+            std::filesystem::resize_file(onDevice(file), bytes); // leaves a hole
+        }
+        journal.clear();
+        EXPECT_EQ(shownBy(&CloneEngine::showDuplicateAlert)
+                      .find(std::string("|App size: ") + size + "\n"),
+                  7U);
+    }
     const Journal beginning{"Dubrix - Duplicate Cell Clicked", "Dubrix - Calculating Folder Size"};
     Journal logged = beginning;
     for (const char* const number : {"1", "2", "3", "4"})
