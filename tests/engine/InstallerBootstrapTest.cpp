@@ -4,58 +4,54 @@ namespace dubrix {
 
 /// A host of packages that has what the test says.
 struct PackageHost final : Downloader {
+    explicit PackageHost(const std::vector<Text>& given) : packages(given) {}
     Text dataWithContentsOfURL(const std::string& address) override {
-        addresses.push_back(address);
-        return packages.at(addresses.size() - 1);
+        EXPECT_EQ(address, "https://files.example.org/u/1000/Tweaks/Dubrix/"
+                           "com.vorlund.appinst_iphoneos-arm.deb");
+        return packages.at(asked++);
     }
-    std::vector<std::string> addresses;
-    std::vector<Text> packages; ///< one an attempt
+    const std::vector<Text> packages; ///< one an attempt
+    std::size_t asked = 0;
 };
 
 TEST_F(EngineTest, InstallsItsToolWhenItIsMissing) {
-    const std::string install = "dpkg -i /tmp/com.vorlund.appinst_iphoneos-arm.deb";
+    const std::string install = "run dpkg -i /tmp/com.vorlund.appinst_iphoneos-arm.deb";
     const auto tool = onDevice("/usr/bin/appinst");
     const auto package = onDevice("/tmp/com.vorlund.appinst_iphoneos-arm.deb");
-    PackageHost host;
-    others.downloader = &host;
-    CloneEngine installing(posix.ports(others), alerts);
     commands.act = [&](const std::string& command) {
-        if (command == install && contentsOf(package) == "whole")
+        if ("run " + command == install && contentsOf(package) == "whole")
             putFile(tool, "the tool");
     };
     const struct {
         const char* what;
         bool isPresent;
-        std::vector<Text> downloaded;
-        const char* left; ///< of an earlier run
-        std::size_t attempts;
+        const char* left;            ///< of an earlier run
+        std::vector<Text> downloads; ///< one an attempt
         const char* packageAfter;
     } cases[] = {
-        {"present", true, {}, "", 0, ""},
-        {"missing", false, {"whole"}, "", 1, "whole"},
-        {"new package in place of the old", false, {"whole"}, "old", 1, "whole"},
-        {"no package at all", false, {{}, {}}, "", 2, ""},
-        {"useless package left", false, {{}, {}}, "broken", 2, "broken"},
-        {"package left", false, {{}}, "whole", 1, "whole"},
-        {"package at the second attempt", false, {{}, "whole"}, "", 2, "whole"},
+        {"present", true, "", {}, ""},
+        {"new package in place of the old", false, "old", {"whole"}, "whole"},
+        {"no package at all", false, "", {{}, {}}, ""},
+        {"useless package left", false, "broken", {{}, {}}, "broken"},
+        {"package left", false, "whole", {{}}, "whole"},
+        {"package at the second attempt", false, "", {{}, "whole"}, "whole"},
     };
-    for (const auto& expected : cases) {
+    for (const auto& [what, isPresent, left, downloads, packageAfter] : cases) {
+        SCOPED_TRACE(what);
+        PackageHost host(downloads);
+        others.downloader = &host;
         journal.clear();
-        host.addresses.clear();
-        host.packages = expected.downloaded;
         std::filesystem::remove(tool);
-        if (expected.isPresent)
+        if (isPresent)
             putFile(tool, "the tool");
-        putFile(package, expected.left);
-        installing.installerCheck();
-        Journal commandsRun;
-        for (std::size_t attempt = 0; attempt < expected.attempts; ++attempt)
-            commandsRun.insert(commandsRun.end(), {"run killall MobileCydia", "run " + install});
-        EXPECT_EQ(journal, commandsRun) << expected.what << ", and nobody is told";
-        EXPECT_EQ(host.addresses,
-                  Journal(expected.attempts, "https://files.example.org/u/1000/Tweaks/Dubrix/"
-                                             "com.vorlund.appinst_iphoneos-arm.deb"));
-        EXPECT_EQ(contentsOf(package), expected.packageAfter) << expected.what;
+        putFile(package, left);
+        CloneEngine(posix.ports(others), alerts).installerCheck();
+        Journal commandsRun; // and nobody is told
+        for (std::size_t attempt = 0; attempt < downloads.size(); ++attempt)
+            commandsRun.insert(commandsRun.end(), {"run killall MobileCydia", install});
+        EXPECT_EQ(journal, commandsRun);
+        EXPECT_EQ(host.asked, downloads.size());
+        EXPECT_EQ(contentsOf(package), packageAfter);
     }
 }
 

@@ -157,44 +157,18 @@ TEST(OldStyleText, ResolvesEscapes) {
 }
 
 TEST(OldStyleText, RefusesWhatIsDamaged) {
-    for (const char* const input : {"{",
-                                    "}",
-                                    "{ a = b }",
-                                    "{ a = ; }",
-                                    "{ a b; }",
-                                    "{ = b; }",
-                                    "{ a = b; } c",
-                                    "{ a = b; }}",
-                                    "( a",
-                                    "( a b )",
-                                    "( , )",
-                                    "( a,, b )",
-                                    ")",
-                                    "<0>",
-                                    "<0g>",
-                                    "<00",
-                                    "\"a",
-                                    "'a\"",
-                                    "\"a\\",
-                                    "/* a",
-                                    "two words",
-                                    "a = b",
-                                    "a = b; c",
-                                    "a = b; }",
-                                    "\"\\Ud83e\"",
-                                    "\"\\Ud83ex\"",
-                                    "\"\\Ud83e\\U0041\"",
-                                    "\"\\U0000\"",
-                                    "\"\\777\"",
-                                    "\"\\Udd16\"",
-                                    "\"\xE9\"",
-                                    "{ a = \"\xE9\"; }",
-                                    "a = é_is_bad;",
-                                    "// only",
-                                    "\xFF\xFE",
-                                    "a = <00>",
-                                    "#!/bin/sh\necho"})
-        EXPECT_FALSE(PropertyList::parse(input)) << input;
+    const std::initializer_list<const char*> broken = {
+        "{",        "}",         ")",         "( a",       "<0>",       "<00",      "\"a",
+        "<0g>",     "'a\"",      "/* a",      "( , )",     "\"a\\",     "a = b",    "( a b )",
+        "// only",  "{ a b; }",  "{ = b; }",  "a = b; c",  "a = b; }",  "\"\xE9\"", "\xFF\xFE",
+        "a = <00>", "{ a = b }", "{ a = ; }", "( a,, b )", "two words", "\"\\777\""};
+    const std::initializer_list<const char*> misplaced = {
+        "{ a = b; }}",       "\"\\Ud83e\"",       "\"\\U0000\"",   "\"\\Udd16\"",
+        "{ a = b; } c",      "\"\\Ud83ex\"",      "a = é_is_bad;", "#!/bin/sh\necho",
+        "{ a = \"\xE9\"; }", "\"\\Ud83e\\U0041\""};
+    for (const auto& inputs : {broken, misplaced})
+        for (const char* const input : inputs)
+            EXPECT_FALSE(PropertyList::parse(input)) << input;
     EXPECT_FALSE(PropertyList::parse("\"a\0b\""s));
 }
 
