@@ -42,7 +42,7 @@ protected:
 
     DeviceFolder device;
     Journal journal;
-    ScriptedCatalogue catalogue{journal};
+    ScriptedCatalogue catalogue;
     RecordedCommands commands{journal};
     RecordedFilter filter;
     RecordedLog log{journal};
