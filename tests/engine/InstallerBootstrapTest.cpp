@@ -39,13 +39,13 @@ TEST_F(EngineTest, InstallsItsToolWhenItIsMissing) {
     for (const auto& [what, isPresent, left, downloads, packageAfter] : cases) {
         SCOPED_TRACE(what);
         PackageHost host(downloads);
-        others.downloader = &host;
         journal.clear();
         std::filesystem::remove(tool);
         if (isPresent)
             putFile(tool, "the tool");
         putFile(package, left);
-        CloneEngine(posix.ports(others), alerts).installerCheck();
+        CloneEngine(posix.ports({.commands = &commands, .log = &log, .downloader = &host}), alerts)
+            .installerCheck();
         Journal commandsRun; // and nobody is told
         for (std::size_t attempt = 0; attempt < downloads.size(); ++attempt)
             commandsRun.insert(commandsRun.end(), {"run killall MobileCydia", install});
