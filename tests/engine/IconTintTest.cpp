@@ -87,22 +87,4 @@ TEST_F(IconTintTest, TheColorIsReadForEachImage) {
     EXPECT_EQ(logged(), Names(2, "Nothing to write"));
 }
 
-TEST_F(IconTintTest, OnlyFilesOfTheStagedBundleAreTouched) {
-    putFile(onDevice("/tmp/outside/Icon.png"), "image");
-    putFile(bundle / "inside/Icon.png", "image inside");
-    fs::permissions(bundle / "inside/Icon.png", fs::perms(0640));
-    fs::create_symlink("../../../outside", bundle / "folder");
-    fs::create_symlink("../../../outside/Icon.png", bundle / "Icon.png");
-    fs::create_symlink("inside", bundle / "near");
-    stage("{CFBundleIconFiles = (\"../../../outside/Icon\", \"folder/Icon\", Icon,"
-          "\"/etc/hostname\", \"inside/../near/Icon\");}",
-          {});
-    engine.colorIcons();
-    EXPECT_EQ(contentsOf(onDevice("/tmp/outside/Icon.png")), "image");
-    EXPECT_EQ(contentsOf(bundle / "inside/Icon.png"), "image inside+");
-    EXPECT_EQ(fs::status(bundle / "inside/Icon.png").permissions(), fs::perms(0640));
-    EXPECT_EQ(tinted(), "inside ");
-    EXPECT_EQ(logged(), Names());
-}
-
 } // namespace dubrix
