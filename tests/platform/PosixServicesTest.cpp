@@ -9,7 +9,6 @@
 #include <fcntl.h>
 #include <limits>
 #include <poll.h>
-#include <thread>
 
 namespace dubrix {
 
@@ -19,7 +18,6 @@ struct PosixCommandRunnerTest : testing::Test {
         runner.runCommand("cd '" + folder.path().native() + "'; " + command);
         return contentsOf(folder / "out");
     }
-    void makePipe(const char* name) { ASSERT_EQ(::mkfifo((folder / name).c_str(), 0600), 0); }
 
     const TemporaryFolder folder;
     PosixCommandRunner runner{"/", "/none"};
@@ -50,7 +48,7 @@ TEST_F(PosixCommandRunnerTest, WaitsAndPassesOnWhatItShould) {
 }
 
 TEST_F(PosixCommandRunnerTest, StopsACommandWithAllThatItHasStarted) {
-    makePipe("pipe");
+    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
     const Descriptor reading(::open((folder / "pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     static PosixCommandRunner* running = nullptr;
     runner.makeStoppable();
@@ -64,29 +62,6 @@ TEST_F(PosixCommandRunnerTest, StopsACommandWithAllThatItHasStarted) {
     EXPECT_EQ(::poll(&end, 1, 30'000), 1);
     EXPECT_TRUE(end.revents & POLLHUP);
     EXPECT_EQ(outputOf("echo > out"), "") << "neither the rest nor another one";
-}
-
-TEST_F(PosixCommandRunnerTest, TellsWhatACommandHasWritten) {
-    makePipe("reached");
-    makePipe("seen");
-    runner.makeStoppable();
-    std::vector<std::uint64_t> written;
-    {
-        const std::jthread looking([&] {
-            for (int times = 0; times < 2; ++times) {
-                const Descriptor reached(::open((folder / "reached").c_str(), O_RDONLY));
-                written.push_back(runner.bytesWritten());
-                const Descriptor seen(::open((folder / "seen").c_str(), O_WRONLY));
-            }
-        });
-        // By a process that has ended, and by one of a process that has not.
-        outputOf("look() { : > reached; : < seen; }; head -c 1000000 /dev/zero > one; look;"
-                 "(head -c 500000 /dev/zero > two; look; true); true");
-    }
-    ASSERT_EQ(written.size(), 2U);
-    EXPECT_EQ(written[0], 1'000'000U);
-    EXPECT_EQ(written[1], 1'500'000U);
-    EXPECT_EQ(runner.bytesWritten(), 0U) << "none is running";
 }
 
 TEST(FileStyleByteCount, RoundsAndCarries) {
