@@ -87,7 +87,7 @@ State randomState(std::mt19937& random) {
         return chance(85) ? Text("Name " + std::to_string(random() % 9)) : Text();
     };
     State state(101);
-    state[0] = {name(), {}, chance(85) ? Text("2.1") : std::nullopt};
+    state[0] = {name(), chance(50) ? Text("/gone") : Text(), chance(85) ? Text("2.1") : Text()};
     for (std::size_t number = 1; number <= 100; ++number) {
         Application& duplicate = state[number];
         duplicate.isRegistered = chance(presence);

@@ -66,7 +66,7 @@ TEST_F(IconTintTest, FindsTheVariantsOfEachListedName) {
 }
 
 TEST_F(IconTintTest, TheColorIsReadForEachImage) {
-    chooseSource("com.example.app", "Red = \"0.1\"; Green = \"0.5\";");
+    chooseSource("com.example.app", "Red = \"0.1\"; Green = \"0.5\"; Blue = \"0.3\";");
     filter.afterwards = [this] {
         if (filter.colors.size() == 2)
             chooseSource("com.example.app");
@@ -75,7 +75,7 @@ TEST_F(IconTintTest, TheColorIsReadForEachImage) {
     putFile(bundle / "B@3x", "no image");
     engine.colorIcons();
     EXPECT_EQ(filter.colors, (std::vector<std::vector<float>>{
-                                 {0.1F, 0.5F, 0}, {0.1F, 0.5F, 0}, {0, 0, 0}, {0, 0, 0}}));
+                                 {0.1F, 0.5F, 0.3F}, {0.1F, 0.5F, 0.3F}, {0, 0, 0}, {0, 0, 0}}));
     EXPECT_EQ(logged(), Names{"Nothing to write"});
     EXPECT_EQ(contentsOf(bundle / "B@3x"), "no image");
     filter.afterwards = [this] { fs::remove_all(bundle); };

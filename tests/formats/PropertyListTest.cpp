@@ -141,6 +141,16 @@ TEST(PropertyListForms, DepthEndsAt256Levels) {
         EXPECT_FALSE(PropertyList::parse(nested(257, open, close))) << open;
         EXPECT_FALSE(PropertyList::parse(nested(10'000, open, close))) << open;
     }
+    for (const std::size_t values : {(1U << 20) - 1, 1U << 20}) { // and the array itself
+        std::string text, xml;
+        for (std::size_t count = 0; count < values; ++count) {
+            text += "a,";
+            xml += "<true/>";
+        }
+        const auto list = PropertyList::parse("(" + text + ")");
+        EXPECT_EQ(list.has_value(), values < 1U << 20);
+        EXPECT_EQ(PropertyList::parse("<array>" + xml + "</array>").has_value(), values < 1U << 20);
+    }
     PropertyList list = PropertyList::boolean(true);
     for (int level = 1; level <= 300; ++level) {
         PropertyList outer = PropertyList::array();
@@ -173,6 +183,18 @@ TEST(BinaryPropertyList, ReadsEveryScalar) {
     const auto null = PropertyList::parse(binaryOf({"\0"s}));
     ASSERT_TRUE(null);
     EXPECT_EQ(null->type(), PropertyList::Type::Null);
+}
+
+TEST(BinaryPropertyList, HoldsDatesThatXmlHasNot) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"\x33\xFF\xEF\xFF\xFF\xFF\xFF\xFF\xFF", "0001-01-01T00:00:00Z"},
+        {"\x33\x7F\xEF\xFF\xFF\xFF\xFF\xFF\xFF", "9999-12-31T23:59:59Z"},
+        {"\x33\x7F\xF8\0\0\0\0\0\0"s, "2001-01-01T00:00:00Z"},
+        {"\x33\xBF\xE0\0\0\0\0\0\0"s, "2000-12-31T23:59:59Z"}};
+    for (const auto& [object, date] : cases)
+        EXPECT_NE(PropertyList::parse(binaryOf({object}))->xml().find("<date>" + date),
+                  std::string::npos)
+            << date;
 }
 
 TEST(BinaryPropertyList, SharesObjectsOnceAndInNoCircle) {
