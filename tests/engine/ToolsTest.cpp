@@ -5,16 +5,8 @@ namespace dubrix {
 
 namespace fs = std::filesystem;
 
-class SettingsTest : public EngineTest {
-protected:
-    PropertyList stored() const {
-        return PropertyList::parse(contentsOf(settingsPath())).value_or(PropertyList::array());
-    }
-
-    DXShared store{files, log};
-};
-
-TEST_F(SettingsTest, KeepsOneValueAKeyAndAllOthers) {
+TEST_F(EngineTest, ASettingKeepsOneValueAndAllOthers) {
+    DXShared store(files, log);
     EXPECT_EQ(store.retrieveValueForKey("bundleID"), std::nullopt);
     const auto before = device.snapshot();
     store.addKey("Red", PropertyList::real(1)); // there is no such folder
@@ -25,7 +17,7 @@ TEST_F(SettingsTest, KeepsOneValueAKeyAndAllOthers) {
     store.addKey("bundleID", PropertyList::string("com.example.app"));
     PropertyList expected = PropertyList::dictionary();
     expected.setValueForKey("bundleID", PropertyList::string("com.example.app"));
-    EXPECT_EQ(stored(), expected);
+    EXPECT_EQ(PropertyList::parse(contentsOf(settingsPath())), expected);
     EXPECT_TRUE(contentsOf(settingsPath()).starts_with("<?xml "));
     EXPECT_EQ(journal, (Journal{"log Adding Object: com.example.app - For Key bundleID",
                                 "log Wrote to file successfully"}));
@@ -39,13 +31,14 @@ TEST_F(SettingsTest, KeepsOneValueAKeyAndAllOthers) {
     store.addKey("customNameToggle", PropertyList::boolean(false));
     expected.setValueForKey("customNameToggle", PropertyList::boolean(false));
     expected.setValueForKey("Red", PropertyList::real(0.1F));
-    EXPECT_EQ(stored(), expected);
+    EXPECT_EQ(PropertyList::parse(contentsOf(settingsPath())), expected);
     EXPECT_EQ(store.retrieveValueForKey("Red")->floatValue(), 0.1F);
     EXPECT_EQ(another.retrieveValueForKey("CustomNameToggle"), std::nullopt);
     EXPECT_EQ(std::distance(fs::directory_iterator(settingsPath().parent_path()), {}), 1);
 }
 
-TEST_F(SettingsTest, ADamagedFileStaysByteForByte) {
+TEST_F(EngineTest, ADamagedFileOfSettingsStaysByteForByte) {
+    DXShared store(files, log);
     for (const std::string& bytes :
          {std::string("<plist><dict><key>a</key>"), std::string(), std::string("bplist00\0\0", 10),
           PropertyList::array().xml(), PropertyList::array().binary()}) {

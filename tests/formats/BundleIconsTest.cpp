@@ -23,11 +23,8 @@ protected:
             putFile(bundle / (std::string(name) + ".png"), png(edge, edge));
     }
     std::string found(const std::string& info, unsigned pixels) const {
-        const auto list = PropertyList::parse(info);
-        if (!list)
-            return "unreadable Info.plist";
         std::string names;
-        for (const fs::path& file : iconFilesOfBundle(bundle, *list, pixels))
+        for (const fs::path& file : iconFilesOfBundle(bundle, *PropertyList::parse(info), pixels))
             names += (names.empty() ? "" : " ") + file.lexically_relative(bundle).string();
         return names;
     }

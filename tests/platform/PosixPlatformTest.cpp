@@ -9,7 +9,6 @@
 #include <fcntl.h>
 #include <limits>
 #include <poll.h>
-#include <set>
 
 namespace dubrix {
 
@@ -90,16 +89,10 @@ TEST_F(PosixFileManagerTest, MakesFoldersAndMeasuresWhatIsBelow) {
     for (const char* const path : {"/tmp/file", "/tmp/file/below"})
         EXPECT_FALSE(files.createDirectoryAtPath(path)) << path;
 
-    // A file, a link "." and one to somewhere else, two folders: links are measured themselves.
-    const auto sizeOf = [this](const char* name) {
-        struct stat status{};
-        EXPECT_EQ(::lstat((root / "tmp/My App" / name).c_str(), &status), 0);
-        return status.st_size;
-    };
     const auto sizes = files.sizesOfItemsBelowPath("/tmp/My App//");
-    EXPECT_EQ(std::multiset(sizes.begin(), sizes.end()),
-              (std::multiset<std::int64_t>{4, 1, sizeOf("Payload/X.app/astray"), sizeOf("Payload"),
-                                           sizeOf("Payload/X.app")}));
+    EXPECT_EQ(sizes.size(), 5U) << "two of folders";
+    for (const int size : {4, 1, 23}) // a file, a link "." and one to somewhere else themselves
+        EXPECT_EQ(std::ranges::count(sizes, size), 1) << size;
     for (const char* const path : {"/tmp/file", "/none"})
         EXPECT_TRUE(files.sizesOfItemsBelowPath(path).empty()) << path;
 }
