@@ -39,17 +39,16 @@ std::string walkFrom(const State& state, std::size_t start) {
 
 struct Census {
     explicit Census(const State& state) {
-        const auto isStale = [&state](const Application& duplicate) {
-            return duplicate.isRegistered && !isCurrent(state, duplicate);
-        };
-        const auto begin = state.begin() + 1;
-        const auto end =
-            std::find_if_not(begin, state.end(), std::mem_fn(&Application::isRegistered));
-        run = static_cast<int>(end - begin) % 100;
-        stale = static_cast<int>(std::count_if(begin, end, isStale));
-        first = static_cast<int>(std::find_if(begin, state.end(), isStale) - state.begin());
+        for (int number = 100; number > 0; --number) {
+            const Application& duplicate = state[static_cast<std::size_t>(number)];
+            const bool isStale = duplicate.isRegistered && !isCurrent(state, duplicate);
+            run = duplicate.isRegistered ? run + 1 : 0;
+            stale = duplicate.isRegistered ? stale + (isStale ? 1 : 0) : 0;
+            first = isStale ? number : first;
+        }
+        run %= 100;
     }
-    int run, stale, first;
+    int run = 0, stale = 0, first = 0;
 };
 
 /// An absent title is another one than that which reads so.
