@@ -165,7 +165,8 @@ TEST(XmlPropertyList, RefusesWhatIsDamaged) {
          {"", "<dict><key>a</key></dict>", "<dict><string>a</string><string>b</string></dict>",
           "<dict><key>a</key><key>b</key></dict>", "<array><string>a</string></dict>",
           "<array>stray<string>a</string></array>", "<array><key>a</key></array>",
-          "<string a=b>a</string>", "<string a='b'c='d'>a</string>", "<string a>b</string>"})
+          "<string a=b>a</string>", "<string a='b'c='d'>a</string>", "<string a>b</string>",
+          "<string a=>b</string>"})
         EXPECT_FALSE(PropertyList::parse(document(value))) << value;
     for (const char* const input :
          {"", " \n", "\xEF\xBB\xBF", "<?xml version=\"1.0\"?>", "<!DOCTYPE plist [", "<!-- -",
