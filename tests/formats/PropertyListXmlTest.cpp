@@ -62,7 +62,8 @@ TEST(XmlPropertyList, KeepsEveryValueThroughXmlAndBinaryInAnyLocale) {
     ASSERT_TRUE(fromBinary);
     EXPECT_EQ(*fromBinary, *list);
     EXPECT_EQ(fromBinary->xml(), everything);
-    EXPECT_EQ(list->valueForKey("others")->valueAt(1)->dataValue(), std::string(45, '\0') + '\1');
+    EXPECT_EQ(list->valueForKey("others")->valueAt(1),
+              PropertyList::data(std::string(45, '\0') + '\1'));
     EXPECT_EQ(list->valueForKey("others")->valueAt(2)->type(), Type::Uid);
     EXPECT_EQ(PropertyList::real(0.1).description(), "0.1");
     std::setlocale(LC_ALL, "C");
