@@ -214,6 +214,7 @@ TEST(BinaryPropertyList, RefusesWhatIsDamaged) {
                                             {"\xAF\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"},
                                             {"\x5F\x51"
                                              "abc"}, // a length that is no integer
+                                            {"\x5F\1\0\1a"s},
                                             {"\x54"
                                              "abc"},          // longer than the object area
                                             {"\x51\xE9"},     // neither ASCII nor UTF-8
