@@ -199,6 +199,12 @@ TEST(BinaryPropertyList, SharesObjectsOnceAndInNoCircle) {
         doubling.push_back("\xA2"s + level + level);
     doubling.push_back(a);
     EXPECT_FALSE(PropertyList::parse(binaryOf(doubling)));
+    PropertyList shared = PropertyList::array(); // written out, all that may be
+    for (int count = 0; count < 256; ++count)
+        shared.append(PropertyList::data(std::string(std::size_t{1} << 19, 'x')));
+    EXPECT_TRUE(PropertyList::parse(shared.binary()));
+    shared.append(PropertyList::string("x"));
+    EXPECT_FALSE(PropertyList::parse(shared.binary()));
     EXPECT_FALSE(PropertyList::parse(binaryOf({"\xA1\0"s})));
     EXPECT_FALSE(PropertyList::parse(binaryOf({"\xA1\1"s, "\xA1\0"s})));
     EXPECT_FALSE(PropertyList::parse(binaryOf({"\xD1\1\0"s, a})));
