@@ -55,7 +55,7 @@ void bareNames(benchmark::State& state, const std::string& root) {
 
 void settings(benchmark::State& state, const std::string& root) {
     PosixFileManager files(root);
-    SilentLog log;
+    Silence log;
     DXShared shared(files, log);
     int number = 0;
     for (auto _ : state) {

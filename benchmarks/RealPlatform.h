@@ -41,11 +41,6 @@ private:
     AlertBlock answer_;
 };
 
-class SilentLog final : public SystemLog {
-public:
-    void log(const std::string&) override {}
-};
-
 /// The engine as a loaded main screen has it, over the real platform of the device in `root`.
 class RealEngine {
 public:
@@ -53,7 +48,7 @@ public:
         : posix(root, pathsScript),
           engine(platform, alerts) {}
 
-    SilentLog log;
+    Silence log;
     UnexpectedDownloads downloader;
     PosixPlatform posix;
     const Platform platform = posix.ports({.log = &log, .downloader = &downloader});

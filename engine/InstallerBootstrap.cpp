@@ -17,15 +17,9 @@ void CloneEngine::installerCheck() {
     const std::string closePackages = "killall MobileCydia";
     const std::string install = "dpkg -i /tmp/com.vorlund.appinst_iphoneos-arm.deb";
 
-    // A failed download does not end an attempt: an earlier one's package may still be there.
-    if (!platform_.files.fileExistsAtPath(tool)) {
-        if (const auto data = platform_.downloader.dataWithContentsOfURL(address))
-            platform_.files.writeToFile(package, *data);
-        platform_.commands.runCommand(closePackages);
-        platform_.commands.runCommand(install);
-    }
     // The second attempt is the last, whatever comes of it; nobody is told.
-    if (!platform_.files.fileExistsAtPath(tool)) {
+    for (int attempt = 0; attempt < 2 && !platform_.files.fileExistsAtPath(tool); ++attempt) {
+        // A failed download does not end an attempt: an earlier one's package may still be there.
         if (const auto data = platform_.downloader.dataWithContentsOfURL(address))
             platform_.files.writeToFile(package, *data);
         platform_.commands.runCommand(closePackages);

@@ -1,8 +1,5 @@
 #include "engine/Text.h"
 
-#include <array>
-#include <cstdio>
-
 namespace dubrix {
 
 std::string FormatArgument::print() const {
@@ -10,9 +7,7 @@ std::string FormatArgument::print() const {
         return text->value_or("(null)");
     if (const auto* number = std::get_if<int>(&value_))
         return std::to_string(*number);
-    std::array<char, 400> digits{}; // the largest double has 309 digits before its point
-    const int length = std::snprintf(digits.data(), digits.size(), "%f", std::get<double>(value_));
-    return {digits.data(), static_cast<std::size_t>(length)};
+    return std::to_string(std::get<double>(value_));
 }
 
 std::string formatText(std::string_view format, std::span<const FormatArgument> arguments) {

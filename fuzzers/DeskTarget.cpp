@@ -3,7 +3,8 @@
 #include "device/judge/Requests.h"
 #include "device/registry/Registry.h"
 #include "driver/script/ScriptStep.h"
-#include "fuzzers/Mutation.h"
+#include "formats/text/PlainText.h"
+#include "fuzzers/Target.h"
 
 #include <algorithm>
 #include <functional>
@@ -70,8 +71,7 @@ void tryAddress(std::string_view address) {
     require(address.size() <= 2048 && std::ranges::all_of(address, isPlain) &&
                 address.find_first_of("\"'\\`") == address.npos,
             "an address is one plain word");
-    std::string scheme(address.substr(0, address.find(':')));
-    std::ranges::transform(scheme, scheme.begin(), [](char letter) { return letter | 0x20; });
+    const std::string scheme = lowerCase(address.substr(0, address.find(':')));
     require(scheme == "http" || scheme == "https" || scheme == "mailto", "pages and mail only");
     if (scheme != "mailto")
         return;
@@ -85,7 +85,7 @@ void tryAddress(std::string_view address) {
         for (std::size_t sign = 0; (sign = key.find('%', sign)) != std::string::npos; ++sign)
             key.replace(sign, 3, 1,
                         static_cast<char>(std::stoi(key.substr(sign + 1, 2), nullptr, 16)));
-        std::ranges::transform(key, key.begin(), [](char letter) { return letter | 0x20; });
+        key = lowerCase(key);
         require(key == "to" || key == "subject" || key == "body", "nothing is attached");
     }
 }

@@ -1,4 +1,4 @@
-#include "fuzzers/Mutation.h"
+#include "fuzzers/Target.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "fuzzers/Mutation.h"
+#include "fuzzers/Target.h"
 
 #include <fcntl.h>
 #include <filesystem>
@@ -12,16 +12,12 @@ using namespace dubrix::fuzz;
 
 namespace {
 
-void put(const fs::path& file, const std::string& bytes) {
-    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-    stream << bytes;
-    require(stream.flush().good(), "a file can be written");
-}
-
 int writeSeeds(const fs::path& folder) {
     int number = 0;
-    for (const std::string& seed : seeds())
-        put(folder / ("seed-" + std::to_string(++number)), seed);
+    for (const std::string& seed : seeds()) {
+        std::ofstream stream(folder / ("seed-" + std::to_string(++number)), std::ios::binary);
+        require((stream << seed).flush().good(), "a seed can be written");
+    }
     return 0;
 }
 
@@ -35,37 +31,19 @@ std::set<fs::path> filesAt(const fs::path& path) {
     return {begin(entries), end(entries)};
 }
 
-/// Tries inputs, each of which stands in a file meanwhile, so that it is there after a crash of any
-/// kind. The file goes at the end.
-class NotedTrial {
-public:
-    explicit NotedTrial(const fs::path& file)
-        : file_(file),
-          descriptor_(::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644)) {}
-    ~NotedTrial() {
-        ::close(descriptor_);
-        fs::remove(file_);
-    }
-    NotedTrial(const NotedTrial&) = delete;
-    NotedTrial& operator=(const NotedTrial&) = delete;
-
-    void operator()(const std::string& input) const {
-        const auto size = static_cast<off_t>(input.size());
-        require(::pwrite(descriptor_, input.data(), input.size(), 0) == size &&
-                    ::ftruncate(descriptor_, size) == 0,
-                "the input can be noted");
-        tryInput(input);
-    }
-
-private:
-    fs::path file_;
-    int descriptor_;
-};
-
 constexpr std::size_t largestKept = std::size_t{16} << 10;
 
+/// What is tried stands in the file `last` meanwhile, so that it is there after a crash of any
+/// kind.
 int replay(std::vector<std::string> inputs, std::size_t mutations, const fs::path& last) {
-    const NotedTrial trial(last);
+    const int file = ::open(last.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    const auto trial = [file](const std::string& input) {
+        const auto size = static_cast<off_t>(input.size());
+        require(::pwrite(file, input.data(), input.size(), 0) == size &&
+                    ::ftruncate(file, size) == 0,
+                "the input can be noted");
+        tryInput(input);
+    };
     for (const std::string& input : inputs)
         trial(input);
     const std::size_t whole = inputs.size();
@@ -83,6 +61,7 @@ int replay(std::vector<std::string> inputs, std::size_t mutations, const fs::pat
         else if (once(4, random))
             inputs[whole + below(inputs.size() - whole, random)] = std::move(changed);
     }
+    fs::remove(last);
     std::printf("%zu inputs and %zu changed ones\n", whole, mutations);
     return 0;
 }

@@ -1,6 +1,6 @@
 #include "driver/script/ScriptReader.h"
 #include "driver/script/ScriptStep.h"
-#include "fuzzers/Mutation.h"
+#include "fuzzers/Target.h"
 
 #include <array>
 #include <sys/mman.h>
@@ -16,14 +16,11 @@ constexpr std::array names = {"tap",    "type", "wait", "gone", "expect",
 
 std::string quoted(const std::string& text) {
     std::string result = "\"";
-    for (char character : text) {
-        if (character == '"' || character == '\\')
-            result += '\\';
+    for (const char character : text)
         if (character == '\n')
             result += "\\n";
         else
-            result += character;
-    }
+            (result += character == '"' || character == '\\' ? "\\" : "") += character;
     return result + '"';
 }
 

@@ -2,7 +2,6 @@
 
 #include "overlays/HudLayout.h"
 
-#include <mutex>
 #include <utility>
 
 namespace dubrix {
@@ -42,7 +41,6 @@ constexpr const char* errorImage = "ProgressHUD.bundle/progresshud-error.png";
 
 /// The stage in use and the instance that belongs to it.
 struct Shared {
-    std::mutex mutex;
     OverlayStage* stage = nullptr;
     std::shared_ptr<ProgressHUD> instance;
 };
@@ -74,29 +72,19 @@ std::optional<WindowId> windowToAttachTo(OverlayStage& stage) {
 
 void ProgressHUD::useStage(OverlayStage& stage) {
     withdrawStage();
-    Shared& state = sharedState();
-    const std::lock_guard lock(state.mutex);
-    state.stage = &stage;
+    sharedState().stage = &stage;
 }
 
 void ProgressHUD::withdrawStage() {
-    OverlayStage* stage = nullptr;
-    std::shared_ptr<ProgressHUD> instance;
-    {
-        Shared& state = sharedState();
-        const std::lock_guard lock(state.mutex);
-        stage = std::exchange(state.stage, nullptr);
-        instance = std::exchange(state.instance, nullptr);
-    }
-    if (instance) {
-        stage->cancelThreads();
-        instance->hudDestroy();
+    const Shared before = std::exchange(sharedState(), {});
+    if (before.instance) {
+        before.stage->cancelThreads();
+        before.instance->hudDestroy();
     }
 }
 
 ProgressHUD* ProgressHUD::shared() {
     Shared& state = sharedState();
-    const std::lock_guard lock(state.mutex);
     if (state.stage && !state.instance)
         state.instance = std::make_shared<ProgressHUD>(Key{}, *state.stage);
     return state.instance.get();
@@ -149,7 +137,7 @@ ProgressHUD::ProgressHUD(Key, OverlayStage& stage)
 void ProgressHUD::hudMake(const Text& message, const Text& image, Spin spin, Hide hide) {
     hudCreate();
     stage_.setLabelText(message);
-    rememberText(message);
+    *labelLength_ = utf16Length(message.value_or(""));
     stage_.change(Piece::Label, {.hidden = !message});
     stage_.setImage(image);
     stage_.change(Piece::Image, {.hidden = !image});
@@ -157,7 +145,7 @@ void ProgressHUD::hudMake(const Text& message, const Text& image, Spin spin, Hid
         stage_.startSpinner();
     else
         stage_.stopSpinner();
-    hudSize();
+    hudSize(message);
     hudPosition(std::nullopt);
     hudShow();
     if (hide == Hide::Yes)
@@ -166,37 +154,25 @@ void ProgressHUD::hudMake(const Text& message, const Text& image, Spin spin, Hid
 }
 
 void ProgressHUD::hudCreate() {
-    if (!hudMade_) {
-        stage_.makeHud(hudAppearance);
-        hudMade_ = true;
-        hudScale_ = 1;
-        registerNotifications();
+    if (hudMade_)
+        return;
+    hudMade_ = true;
+    hudScale_ = 1;
+    stage_.makeHud(hudAppearance);
+    registerNotifications();
+    if (window_ && interaction_) {
+        stage_.addToWindow(Piece::Hud, *window_);
+    } else if (window_) {
+        stage_.makeBackground({.frame = stage_.windowFrame(*window_), .backgroundColor = dimming});
+        backgroundMade_ = true;
+        stage_.addToWindow(Piece::Background, *window_);
+        stage_.addToPiece(Piece::Hud, Piece::Background);
     }
-    if (!hudPlaced_ && window_) {
-        if (interaction_) {
-            stage_.addToWindow(Piece::Hud, *window_);
-        } else {
-            stage_.makeBackground(
-                {.frame = stage_.windowFrame(*window_), .backgroundColor = dimming});
-            backgroundMade_ = true;
-            stage_.addToWindow(Piece::Background, *window_);
-            stage_.addToPiece(Piece::Hud, Piece::Background);
-        }
-        hudPlaced_ = true;
-    }
-    if (!contentsMade_) {
-        makeContents();
-        contentsMade_ = true;
-    }
-}
-
-void ProgressHUD::makeContents() {
     stage_.makeSpinner(spinnerAppearance);
-    stage_.addToPiece(Piece::Spinner, Piece::Hud);
     stage_.makeImage(imageAppearance);
-    stage_.addToPiece(Piece::Image, Piece::Hud);
     stage_.makeLabel(labelAppearance);
-    stage_.addToPiece(Piece::Label, Piece::Hud);
+    for (const Piece piece : {Piece::Spinner, Piece::Image, Piece::Label})
+        stage_.addToPiece(piece, Piece::Hud);
 }
 
 void ProgressHUD::registerNotifications() {
@@ -212,28 +188,18 @@ void ProgressHUD::registerNotifications() {
 
 void ProgressHUD::hudDestroy() {
     stage_.stopObserving();
-    if (contentsMade_) {
-        stage_.removeFromParent(Piece::Label);
-        stage_.removeFromParent(Piece::Image);
-        stage_.removeFromParent(Piece::Spinner);
-    }
     if (hudMade_)
-        stage_.removeFromParent(Piece::Hud);
+        for (const Piece piece : {Piece::Label, Piece::Image, Piece::Spinner, Piece::Hud})
+            stage_.removeFromParent(piece);
     if (backgroundMade_)
         stage_.removeFromParent(Piece::Background);
-    contentsMade_ = hudMade_ = hudPlaced_ = backgroundMade_ = false;
-    rememberText(std::nullopt);
+    hudMade_ = backgroundMade_ = false;
 }
 
-void ProgressHUD::rememberText(const Text& text) {
-    labelText_ = text;
-    *labelLength_ = text ? utf16Length(*text) : 0;
-}
-
-void ProgressHUD::hudSize() {
+void ProgressHUD::hudSize(const Text& message) {
     std::optional<Size> text;
-    if (labelText_)
-        text = stage_.measureText(*labelText_, labelFont, largestText);
+    if (message)
+        text = stage_.measureText(*message, labelFont, largestText);
     const HudLayout layout = layoutAround(text);
     stage_.change(Piece::Label, {.frame = layout.label});
     stage_.change(Piece::Hud, {.bounds = layout.box});

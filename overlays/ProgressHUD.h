@@ -71,11 +71,9 @@ private:
 
     void hudMake(const Text& message, const Text& image, Spin spin, Hide hide);
     void hudCreate();
-    void makeContents();
     void registerNotifications();
     void hudDestroy();
-    void rememberText(const Text& text);
-    void hudSize();
+    void hudSize(const Text& message);
     /// After the keyboard or the orientation changed, or, without a notification, for things as
     /// they are.
     void hudPosition(const std::optional<OverlayNotification>& notification);
@@ -95,12 +93,9 @@ private:
     bool interaction_ = false;
 
     bool backgroundMade_ = false;
-    bool hudMade_ = false;
-    bool hudPlaced_ = false;    ///< has a parent; never without a window
-    bool contentsMade_ = false; ///< spinner, image and label, all inside the box
-    double hudScale_ = 1;       ///< where the box's transform stands or is moving to
+    bool hudMade_ = false; ///< with all that lies in it
+    double hudScale_ = 1;  ///< where the box's transform stands or is moving to
 
-    Text labelText_;
     /// The label's text in UTF-16 code units, shared with the threads that wait to hide the box:
     /// they may read it while the main thread sets the next message.
     std::shared_ptr<std::atomic<std::size_t>> labelLength_;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "engine/CloneEngine.h"
-#include "platform/SystemLog.h"
 #include "platform/posix/PosixPlatform.h"
 #include "terminal/Console.h"
 #include "terminal/RunSettings.h"
@@ -9,11 +8,6 @@
 #include "terminal/TerminalStage.h"
 
 namespace dubrix {
-
-/// A log that nobody reads.
-struct Silence final : SystemLog {
-    void log(const std::string&) override {}
-};
 
 /// One duplicate that the engine has tried to make.
 struct Attempt {

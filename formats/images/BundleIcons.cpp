@@ -51,7 +51,7 @@ std::array<Names, 5> sourcesOf(const PropertyList& info) {
 }
 
 bool takeOffEnd(std::string& name, std::string_view ending) {
-    const bool ends = name.size() > ending.size() && name.ends_with(ending);
+    const bool ends = name.ends_with(ending);
     if (ends)
         name.resize(name.size() - ending.size());
     return ends;

@@ -160,11 +160,6 @@ float PropertyList::floatValue() const {
     return 0;
 }
 
-std::optional<std::string> PropertyList::dataValue() const {
-    const auto* data = node_->tree.as<PropertyListNode::Data>();
-    return data ? std::optional(data->bytes) : std::nullopt;
-}
-
 std::vector<std::string> PropertyList::keys() const {
     std::vector<std::string> keys;
     if (const auto* entries = node_->tree.as<PropertyListNode::Dictionary>())

@@ -53,8 +53,6 @@ public:
     /// Read as single precision: a number's value, a boolean as 0 or 1, the number a string begins
     /// with; 0 for every other type.
     float floatValue() const;
-    /// The bytes of a data value; nothing for any other type.
-    std::optional<std::string> dataValue() const;
 
     /// Dictionary access. On a value of another type, look-ups find nothing and changes are
     /// ignored. Keys come in file order; a value set for a new key goes to the end.

@@ -185,7 +185,7 @@ private:
     }
 
     bool dictionary(std::string_view references, std::uint64_t count, int depth, Node& out) {
-        PropertyListDictionaryBuilder entries(count);
+        PropertyListDictionaryBuilder entries;
         for (std::uint64_t index = 0; index < count; ++index) {
             std::string key;
             if (!goTo(referenceAt(references, index)) || (marker_ >> 4 != 5 && marker_ >> 4 != 6) ||

@@ -68,20 +68,11 @@ std::size_t PropertyListDictionaryBuilder::indexOf(const std::string& key) {
     return indexes_.try_emplace(key, entries_.size()).first->second;
 }
 
-PropertyListDictionaryBuilder::PropertyListDictionaryBuilder(std::size_t expected) {
-    entries_.reserve(std::min(expected, fewKeys));
-}
-
 PropertyListNode& PropertyListDictionaryBuilder::put(std::string key) {
     if (indexOf(key) != entries_.size())
         return repeated_ = {};
     entries_.push_back({std::move(key), {}});
     return entries_.back().value;
-}
-
-PropertyListNode PropertyListDictionaryBuilder::take() {
-    indexes_.clear();
-    return {std::move(entries_)};
 }
 
 bool equal(const PropertyListNode& left, const PropertyListNode& right) {

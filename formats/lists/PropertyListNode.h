@@ -55,12 +55,9 @@ struct PropertyListNode::Entry {
 /// holds, as on the phone.
 class PropertyListDictionaryBuilder {
 public:
-    /// Room for about so many pairs, which nobody has to believe.
-    explicit PropertyListDictionaryBuilder(std::size_t expected = 0);
-
     /// Where the value of `key` is to be read to, until the next key is put.
     PropertyListNode& put(std::string key);
-    PropertyListNode take();
+    PropertyListNode take() { return {std::move(entries_)}; }
 
 private:
     /// The number of the entry with this key; that of a new one when there is none, which is then

@@ -23,8 +23,7 @@ int hexadecimalDigit(char character) {
 bool isBareCharacter(char character) {
     return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
            (character >= '0' && character <= '9') ||
-           (character != '\0' &&
-            std::string_view("_$/:.-").find(character) != std::string_view::npos);
+           std::string_view("_$/:.-").find(character) != std::string_view::npos;
 }
 
 class TextReader {
@@ -32,8 +31,6 @@ public:
     explicit TextReader(std::string_view text) : rest_(text) {}
 
     std::optional<Node> read() {
-        if (!skipBlanks() || rest_.empty())
-            return std::nullopt;
         const std::string_view start = rest_;
         auto node = value(0);
         if (node && skipBlanks() && rest_.empty())

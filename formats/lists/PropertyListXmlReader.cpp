@@ -12,8 +12,6 @@ namespace {
 
 using Node = PropertyListNode;
 
-constexpr std::size_t usualKeys = 4;
-
 bool isUtf8Name(std::string_view encoding) {
     return encoding.empty() || encoding == "utf-8" || encoding == "utf8" || encoding == "us-ascii";
 }
@@ -136,7 +134,7 @@ private:
     }
 
     bool readDictionary(const XmlTag& dictionary, int depth, Node& out) {
-        PropertyListDictionaryBuilder entries(usualKeys);
+        PropertyListDictionaryBuilder entries;
         while (dictionary.kind == XmlTag::Kind::Start) {
             auto tag = nextTag();
             if (tag && tag->kind == XmlTag::Kind::End && tag->name == dictionary.name)

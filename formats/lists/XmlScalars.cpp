@@ -107,7 +107,6 @@ std::optional<double> xmlDate(std::string_view text) {
 
 std::optional<std::string> xmlData(std::string_view text) {
     std::string data;
-    data.reserve(text.size() / 4 * 3 + 3);
     std::uint32_t bits = 0;
     std::size_t symbols = 0;
     std::size_t padding = 0;

@@ -204,7 +204,6 @@ std::string declaredXmlEncoding(std::string_view bytes) {
 
 std::string escapedXml(std::string_view text) {
     std::string result;
-    result.reserve(text.size());
     for (char character : text) {
         switch (character) {
         case '&':

@@ -41,7 +41,6 @@ bool actsOnLine(std::string_view text) {
 
 std::string onOneLine(std::string_view text) {
     std::string line;
-    line.reserve(text.size());
     for (std::size_t index = 0; index < text.size();) {
         const std::size_t start = index;
         if (takeActing(text, index))

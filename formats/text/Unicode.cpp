@@ -65,7 +65,6 @@ std::optional<char32_t> takeScalar(std::string_view text, std::size_t& index) {
 
 std::string repairedUtf8(std::string_view text) {
     std::string repaired;
-    repaired.reserve(text.size());
     for (std::size_t index = 0; index < text.size();) {
         const char32_t scalar = takeScalar(text, index).value_or(0);
         appendUtf8(repaired, scalar == 0 ? U'\uFFFD' : scalar);
@@ -96,7 +95,6 @@ std::optional<std::string> utf8FromUtf16(std::string_view bytes, ByteOrder order
         return byteAt(bytes, index + high) << 8 | byteAt(bytes, index + 1 - high);
     };
     std::string text;
-    text.reserve(bytes.size() / 2);
     for (std::size_t index = 0; index < bytes.size(); index += 2) {
         char32_t scalar = unitAt(index);
         if (scalar >= 0xD800 && scalar <= 0xDBFF && index + 4 <= bytes.size()) {

@@ -3,9 +3,7 @@
 namespace dubrix::fuzz {
 
 void tryInput(std::string_view bytes) {
-    if (const auto value = readXmlPropertyList(bytes))
-        requireRoundTrips(*value);
-    requireListIsUsable(bytes);
+    requireSound(bytes, readXmlPropertyList(bytes));
 }
 
 std::vector<std::string> seeds() {

@@ -10,4 +10,9 @@ public:
     void log(const std::string& text) override;
 };
 
+/// A log that nobody reads.
+struct Silence final : SystemLog {
+    void log(const std::string&) override {}
+};
+
 } // namespace dubrix

@@ -42,7 +42,7 @@ protected:
 
     DeviceFolder device;
     Journal journal;
-    ScriptedCatalogue catalogue{journal};
+    ScriptedCatalogue catalogue;
     RecordedCommands commands{journal};
     RecordedFilter filter;
     RecordedLog log{journal};
@@ -51,13 +51,12 @@ protected:
     UnexpectedDownloads downloader;
     PosixPlatform posix{device.root()};
     PosixFileManager& files = posix.files;
-    PosixPlatform::Others others{.commands = &commands,
-                                 .workspace = &catalogue,
-                                 .applications = &catalogue,
-                                 .monochrome = &filter,
-                                 .log = &log,
-                                 .downloader = &downloader};
-    const Platform platform = posix.ports(others);
+    const Platform platform = posix.ports({.commands = &commands,
+                                           .workspace = &catalogue,
+                                           .applications = &catalogue,
+                                           .monochrome = &filter,
+                                           .log = &log,
+                                           .downloader = &downloader});
     LoadedEngine engine{platform, alerts};
 };
 

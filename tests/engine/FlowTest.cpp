@@ -39,17 +39,16 @@ std::string walkFrom(const State& state, std::size_t start) {
 
 struct Census {
     explicit Census(const State& state) {
-        const auto isStale = [&state](const Application& duplicate) {
-            return duplicate.isRegistered && !isCurrent(state, duplicate);
-        };
-        const auto begin = state.begin() + 1;
-        const auto end =
-            std::find_if_not(begin, state.end(), std::mem_fn(&Application::isRegistered));
-        run = static_cast<int>(end - begin) % 100;
-        stale = static_cast<int>(std::count_if(begin, end, isStale));
-        first = static_cast<int>(std::find_if(begin, state.end(), isStale) - state.begin());
+        for (int number = 100; number > 0; --number) {
+            const Application& duplicate = state[static_cast<std::size_t>(number)];
+            const bool isStale = duplicate.isRegistered && !isCurrent(state, duplicate);
+            run = duplicate.isRegistered ? run + 1 : 0;
+            stale = duplicate.isRegistered ? stale + (isStale ? 1 : 0) : 0;
+            first = isStale ? number : first;
+        }
+        run %= 100;
     }
-    int run, stale, first;
+    int run = 0, stale = 0, first = 0;
 };
 
 /// An absent title is another one than that which reads so.
@@ -87,7 +86,7 @@ State randomState(std::mt19937& random) {
         return chance(85) ? Text("Name " + std::to_string(random() % 9)) : Text();
     };
     State state(101);
-    state[0] = {name(), {}, chance(85) ? Text("2.1") : std::nullopt};
+    state[0] = {name(), chance(50) ? Text("/gone") : Text(), chance(85) ? Text("2.1") : Text()};
     for (std::size_t number = 1; number <= 100; ++number) {
         Application& duplicate = state[number];
         duplicate.isRegistered = chance(presence);
@@ -207,11 +206,20 @@ TEST_F(FlowTest, OnlyAnInstalledSourceIsAskedFor) {
     catalogue.known["(null)"] = {"Null", {}, {}};
     expectRefusals(notInstalled, notInstalled);
 
-    putFile(onDevice("/var/Example.app/run"), "");
-    std::filesystem::resize_file(onDevice("/var/Example.app/run"), 12'345'678);
     givenAStaleSecond();
-    EXPECT_TRUE(
-        shownBy(&CloneEngine::showDuplicateAlert).starts_with("Example|App size: 12.3 MB\n"));
+    // Of two files of that many bytes, each of which counts in 32 bits with a sign.
+    const std::pair<std::uintmax_t, const char*> sizes[] = {
+        {0x7fff'ffff, "4.29 GB"}, {0x8000'0000, "-4.29 GB"}, {0x1'0000'0005, "10 bytes"}};
+    for (const auto& [bytes, size] : sizes) {
+        for (const char* const file : {"/var/Example.app/run", "/var/Example.app/data"}) {
+            putFile(onDevice(file), "");
+            std::filesystem::resize_file(onDevice(file), bytes); // leaves a hole
+        }
+        journal.clear();
+        EXPECT_EQ(shownBy(&CloneEngine::showDuplicateAlert)
+                      .find(std::string("|App size: ") + size + "\n"),
+                  7U);
+    }
     const Journal beginning{"Dubrix - Duplicate Cell Clicked", "Dubrix - Calculating Folder Size"};
     Journal logged = beginning;
     for (const char* const number : {"1", "2", "3", "4"})
@@ -246,29 +254,27 @@ TEST_F(FlowTest, NothingBeginsInsideARun) {
     EXPECT_EQ(alerts.progress.size(), 1U);
     EXPECT_EQ(alerts.shown(), "");
     EXPECT_EQ(entriesOf(journal, "run").size(), 3U);
-    engine.DuplicateStartAt(3);
-    EXPECT_EQ(alerts.progress.size(), 2U) << "and afterwards again";
 }
 
-TEST_F(FlowTest, OneAtATimeWalksOnADevice) {
+TEST_F(FlowTest, WhoWalksHasTheDeviceAlone) {
     std::filesystem::create_directories(onDevice("/var/containers/Bundle/Application"));
     PosixDeviceClaim other(device.root());
     bool isFree = false;
     commands.act = [&](const std::string&) { isFree = isFree || other.claim(); };
-    for (const auto& run :
-         {std::function<void()>([this] { engine.DuplicateStartAt(3); }),
-          std::function<void()>([this] { engine.duplicateAppWithNumber("3"); })}) {
+    for (const bool walks : {true, false}) {
+        const auto run = [&] {
+            walks ? engine.DuplicateStartAt(3) : engine.duplicateAppWithNumber("3");
+        };
         ASSERT_TRUE(other.claim());
         givenAStaleSecond();
         run();
-        EXPECT_EQ(stage.text, "Another duplication is running on this device.");
+        EXPECT_EQ(std::exchange(stage.text, {}), "Another duplication is running on this device.");
         EXPECT_EQ(stage.image, "ProgressHUD.bundle/progresshud-error.png");
-        EXPECT_EQ(outcome(), "");
         EXPECT_FALSE(PosixDeviceClaim(device.root()).claim()) << "still another's";
-        stage.text.reset();
         engine.DuplicateStartAt(101);
         EXPECT_EQ(stage.text, std::nullopt) << "nothing to claim the device for";
         EXPECT_NE(shownBy(&CloneEngine::showDuplicateAlert), "") << "a question harms nobody";
+        EXPECT_TRUE(alerts.progress.empty());
         other.release();
         run();
         EXPECT_EQ(alerts.progress.size(), 1U);

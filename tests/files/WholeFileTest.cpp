@@ -3,13 +3,13 @@
 
 #include <cstddef>
 #include <fcntl.h>
+#include <future>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/file.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -19,20 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-template<class Work>
-pid_t start(Work work) {
-    const pid_t child = ::fork();
-    if (child == 0)
-        ::_exit(work() ? 0 : 1);
-    return child;
-}
-
-bool endsWell(pid_t child) {
-    int status = -1;
-    return ::waitpid(child, &status, 0) == child && status == 0;
-}
-
-/// From here on this process is on a system that makes no files without a name.
+/// From here on this thread is on a system that makes no files without a name.
 bool forbidUnnamedFiles() {
     constexpr unsigned flagsOfOpenat = offsetof(seccomp_data, args) + 2 * sizeof(std::uint64_t);
     sock_filter steps[] = {
@@ -81,9 +68,10 @@ TEST(WholeFile, TheNextWriteSweepsWhatAKilledWriterLeftAndNothingElse) {
         fs::create_symlink("target", folder / ".a.dubrix-1");
         const int atWork = ::open((folder / ".a.dubrix-2").c_str(), O_RDONLY | O_CLOEXEC);
         ASSERT_EQ(::flock(atWork, LOCK_EX), 0);
-        EXPECT_TRUE(endsWell(start([&] {
-            return (!named || forbidUnnamedFiles()) && replaceWholeFile(folder / "a", "new");
-        })));
+        EXPECT_TRUE(std::async(std::launch::async, [&] {
+                        return (!named || forbidUnnamedFiles()) &&
+                               replaceWholeFile(folder / "a", "new");
+                    }).get());
         ::close(atWork);
         EXPECT_FALSE(fs::exists(folder / ".a.dubrix-0"));
         for (const char* name : {".a.dubrix-2", ".dubrix-backup", ".b.dubrix-0"})
@@ -106,11 +94,11 @@ TEST(WholeFile, WritersAtTheSameTimeTakeNothingFromOneAnother) {
                     return false;
             return true;
         };
-        std::vector<pid_t> writers;
+        std::vector<std::future<bool>> writers;
         for (int writer = 0; writer < 4; ++writer)
-            writers.push_back(start([&] { return write(writer); }));
-        for (const pid_t writer : writers)
-            EXPECT_TRUE(endsWell(writer));
+            writers.push_back(std::async(std::launch::async, write, writer));
+        for (std::future<bool>& writer : writers)
+            EXPECT_TRUE(writer.get());
         const std::string shared = contentsOf(folder / "shared");
         EXPECT_EQ(shared, std::string(100, shared[0]));
         EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 5);

@@ -23,11 +23,8 @@ protected:
             putFile(bundle / (std::string(name) + ".png"), png(edge, edge));
     }
     std::string found(const std::string& info, unsigned pixels) const {
-        const auto list = PropertyList::parse(info);
-        if (!list)
-            return "unreadable Info.plist";
         std::string names;
-        for (const fs::path& file : iconFilesOfBundle(bundle, *list, pixels))
+        for (const fs::path& file : iconFilesOfBundle(bundle, *PropertyList::parse(info), pixels))
             names += (names.empty() ? "" : " ") + file.lexically_relative(bundle).string();
         return names;
     }
@@ -96,15 +93,13 @@ TEST_F(BundleIconsTest, StaysInsideTheBundle) {
     putFile(bundle / "art/inside.png", png(58, 58));
     fs::create_symlink("art/inside.png", bundle / "kept.png");
     fs::create_symlink("../outside.png", bundle / "leaving.png");
-    fs::create_symlink(folder / "outside.png", bundle / "absolute.png");
     fs::create_symlink("..", bundle / "up");
     fs::create_symlink("circle.png", bundle / "circle.png");
-    for (const std::string& name :
-         {std::string("leaving"), std::string("absolute"), std::string("../outside"),
-          std::string("up/outside"), std::string("circle"), std::string("art"),
-          (folder / "outside").string()})
-        EXPECT_EQ(found("{CFBundleIconFile = \"" + name + "\";}", 58), "") << name;
-    EXPECT_EQ(found("{CFBundleIconFiles = (kept, \"art/inside\");}", 58), "art/inside.png");
+    EXPECT_EQ(
+        found("{CFBundleIconFiles = (leaving, \"../outside\", \"up/outside\", circle, art, \"" +
+                  (folder / "outside").string() + "\", kept, \"art/inside\");}",
+              58),
+        "art/inside.png");
     bundle = folder / "Gone.app";
     EXPECT_EQ(found("{CFBundleIconFile = kept;}", 58), "");
 }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <random>
 #include <vector>
 
 namespace dubrix {
@@ -15,14 +16,12 @@ using Rgba = std::array<std::uint8_t, 4>;
 /// Pixels with every alpha, some invisible and some opaque.
 inline std::vector<Rgba> samplePixels(std::size_t count) {
     std::vector<Rgba> pixels(count);
-    std::uint32_t state = 7;
+    std::mt19937 random(7);
     for (Rgba& pixel : pixels) {
-        for (std::uint8_t& sample : pixel) {
-            state = state * 1664525 + 1013904223;
-            sample = static_cast<std::uint8_t>(state >> 24);
-        }
-        if (state >> 30 == 3)
-            pixel[3] = pixel[3] % 2 == 0 ? 0 : 255;
+        for (std::uint8_t& sample : pixel)
+            sample = static_cast<std::uint8_t>(random());
+        if (random() % 4 == 0)
+            pixel[3] = random() % 2 == 0 ? 0 : 255;
     }
     return pixels;
 }

@@ -7,6 +7,8 @@
 namespace dubrix {
 namespace {
 
+using namespace std::string_literals;
+
 TEST(PropertyList, ReadsTruthAsThePhoneDoes) {
     for (const char* const text : {"YES", "yes", "true", "T", "1", " \t9", "-02", "+1", "0007x"})
         EXPECT_TRUE(PropertyList::string(text).booleanValue()) << text;
@@ -48,10 +50,9 @@ TEST(PropertyList, ChangesOnlyWhatItIsToldTo) {
     EXPECT_EQ(list.keys(), (std::vector<std::string>{"b", "c", "d", "new"}));
     EXPECT_EQ(list, PropertyList::parse("{b = (x, y); c = full; d = 4; new = {a = 1; b = (x, y); "
                                         "c = full; d = 4;};}"));
-    EXPECT_TRUE(list.hasKey("b") && !list.hasKey("a"));
+    EXPECT_TRUE(list.hasKey("b") && !list.hasKey("a") && !list.valueForKey("a"));
     EXPECT_EQ(list.stringForKey("b"), std::nullopt);
     EXPECT_EQ(list.stringForKey("c"), "full");
-    EXPECT_EQ(list.valueForKey("a"), std::nullopt);
 
     auto array = *list.valueForKey("b");
     array.append(array);
@@ -64,9 +65,7 @@ TEST(PropertyList, ChangesOnlyWhatItIsToldTo) {
     text.setValueForKey("k", text);
     text.append(text);
     EXPECT_EQ(text, PropertyList::string("a"));
-    EXPECT_EQ(text.valueForKey("k"), std::nullopt);
-    EXPECT_EQ(text.count(), 0U);
-    EXPECT_EQ(text.dataValue(), std::nullopt);
+    EXPECT_TRUE(!text.valueForKey("k") && text.count() == 0);
 }
 
 TEST(PropertyList, TellsTypesAndValuesApart) {
@@ -109,6 +108,191 @@ TEST(PropertyList, DescribesItselfAsThePhonePrints) {
     t = "\U00e9\Ud83e\Udd16\n\t\"\\\001\177";
     e = "";
 })");
+}
+
+/// A binary property list of the given objects, one-byte offsets and references; the first is top.
+std::string binaryOf(const std::vector<std::string>& objects) {
+    std::string bytes = "bplist00";
+    std::string offsets;
+    for (const std::string& object : objects) {
+        offsets += static_cast<char>(bytes.size());
+        bytes += object;
+    }
+    const auto table = static_cast<char>(bytes.size());
+    return bytes + offsets + "\0\0\0\0\0\0\1\1\0\0\0\0\0\0\0"s + static_cast<char>(objects.size()) +
+           std::string(15, '\0') + table;
+}
+
+const std::string a = "\x51"
+                      "a"; // the text as an object
+
+TEST(PropertyListForms, DepthEndsAt256Levels) {
+    const auto nested = [](int levels, const std::string& open, const std::string& close) {
+        std::string text = open[0] == '<' ? "<true/>" : "word";
+        for (int level = 0; level < levels; ++level)
+            text = open + text + close;
+        return text;
+    };
+    for (const auto& [open, close] : {std::pair("<array>", "</array>"),
+                                      {"<dict><key>k</key>", "</dict>"},
+                                      {"(", ")"},
+                                      {"{k=", ";}"}}) {
+        EXPECT_TRUE(PropertyList::parse(nested(256, open, close))) << open;
+        EXPECT_FALSE(PropertyList::parse(nested(257, open, close))) << open;
+        EXPECT_FALSE(PropertyList::parse(nested(10'000, open, close))) << open;
+    }
+    PropertyList many = PropertyList::array(); // which is a value itself
+    for (int count = 1; count < 1 << 20; ++count)
+        many.append(PropertyList::boolean(true));
+    for (const bool fits : {true, false}) {
+        for (const std::string& bytes : {many.xml(), many.binary(), many.description()})
+            EXPECT_EQ(PropertyList::parse(bytes).has_value(), fits) << bytes.substr(0, 6);
+        many.append(PropertyList::boolean(false));
+    }
+    PropertyList list = PropertyList::boolean(true);
+    for (int level = 1; level <= 300; ++level) {
+        PropertyList outer = PropertyList::array();
+        outer.append(list);
+        list = outer;
+        EXPECT_EQ(PropertyList::parse(list.binary()).has_value(), level <= 256) << level;
+    }
+}
+
+TEST(BinaryPropertyList, ReadsEveryScalar) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"\x10\xFF", "<integer>255</integer>"},
+        {"\x11\xFF\xFF", "<integer>65535</integer>"},
+        {"\x12\xFF\xFF\xFF\xFF", "<integer>4294967295</integer>"},
+        {"\x13" + std::string(8, '\xFF'), "<integer>-1</integer>"},
+        {"\x14" + std::string(8, '\0') + std::string(8, '\xFF'),
+         "<integer>18446744073709551615</integer>"},
+        {"\x22\x3F\x80\0\0"s, "<real>1</real>"},
+        {"\x23\xBF\xB9\x99\x99\x99\x99\x99\x9A", "<real>-0.1</real>"},
+        {"\x33\xBF\xF0\0\0\0\0\0\0"s, "<date>2000-12-31T23:59:59Z</date>"},
+        {"\x33\xBF\xE0\0\0\0\0\0\0"s, "<date>2000-12-31T23:59:59Z</date>"},
+        // What has no place in a calendar.
+        {"\x33\xFF\xEF\xFF\xFF\xFF\xFF\xFF\xFF", "<date>0001-01-01T00:00:00Z</date>"},
+        {"\x33\x7F\xEF\xFF\xFF\xFF\xFF\xFF\xFF", "<date>9999-12-31T23:59:59Z</date>"},
+        {"\x33\x7F\xF8\0\0\0\0\0\0"s, "<date>2001-01-01T00:00:00Z</date>"},
+        {"\x42\0\1"s, "<data>AAE=</data>"},
+        {"\x5F\x10\x03"
+         "abc",
+         "<string>abc</string>"},
+        {"\x63\0\xE9\xD8\x3E\xDD\x16"s, "<string>é🤖</string>"},
+        {"\x80\x2A", "<dict><key>CF$UID</key><integer>42</integer></dict>"},
+        {"\x09", "<true/>"}};
+    for (const auto& [object, xml] : cases)
+        EXPECT_EQ(PropertyList::parse(binaryOf({object}))->xml(), PropertyList::parse(xml)->xml());
+    const auto null = PropertyList::parse(binaryOf({"\0"s}));
+    ASSERT_TRUE(null);
+    EXPECT_EQ(null->type(), PropertyList::Type::Null);
+}
+
+TEST(BinaryPropertyList, SharesObjectsOnceAndInNoCircle) {
+    EXPECT_EQ(PropertyList::parse(binaryOf({"\xA3\1\1\2", "\xA1\2", a})),
+              PropertyList::parse("((a),(a),a)"));
+    EXPECT_EQ(PropertyList::parse(binaryOf({"\xD2\1\1\2\3", a, "\x09", "\x08"})),
+              PropertyList::parse("<dict><key>a</key><true/></dict>"))
+        << "of a doubled key the first value holds";
+    std::vector<std::string> doubling; // 2^40 strings in 200 bytes
+    for (char level = 1; level <= 40; ++level)
+        doubling.push_back("\xA2"s + level + level);
+    doubling.push_back(a);
+    EXPECT_FALSE(PropertyList::parse(binaryOf(doubling)));
+    PropertyList shared = PropertyList::array(); // written out, all that may be
+    for (int count = 0; count < 256; ++count)
+        shared.append(PropertyList::data(std::string(std::size_t{1} << 19, 'x')));
+    EXPECT_TRUE(PropertyList::parse(shared.binary()));
+    shared.append(PropertyList::string("x"));
+    EXPECT_FALSE(PropertyList::parse(shared.binary()));
+    EXPECT_FALSE(PropertyList::parse(binaryOf({"\xA1\0"s})));
+    EXPECT_FALSE(PropertyList::parse(binaryOf({"\xA1\1"s, "\xA1\0"s})));
+    EXPECT_FALSE(PropertyList::parse(binaryOf({"\xD1\1\0"s, a})));
+}
+
+TEST(BinaryPropertyList, RefusesWhatIsDamaged) {
+    const std::vector<std::string> bad[] = {{"\x0F"},                  // fill byte
+                                            {"\x20\x01"},              // real of one byte
+                                            {"\x87\0\0\0\1\0\0\0\0"s}, // UID of more than 32 bits
+                                            {"\x82\0\0\1"s}, // and of a width that none has
+                                            {"\x14\1" + std::string(15, '\0')},
+                                            {"\x5F\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"},
+                                            {"\xAF\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"},
+                                            {"\x5F\x51"
+                                             "abc"}, // a length that is no integer
+                                            {"\x5F\1\0\1a"s},
+                                            {"\x54"
+                                             "abc"},          // longer than the object area
+                                            {"\x51\xE9"},     // neither ASCII nor UTF-8
+                                            {"\x61\xD8\x3E"}, // lone surrogate
+                                            {"\x53"
+                                             "a\0b"s},              // zero in a text
+                                            {"\xA1\1"},             // reference to no object
+                                            {"\xD1\1\1", "\x10\1"}, // number as key
+                                            {"\xC1\1", "\x10\1"}};  // set
+    for (const auto& objects : bad)
+        EXPECT_FALSE(PropertyList::parse(binaryOf(objects)))
+            << testing::PrintToString(objects.front());
+    const std::string good = binaryOf({a});
+    ASSERT_TRUE(PropertyList::parse(good));
+    for (std::size_t length = 6; length < good.size(); ++length) // before: a bare word
+        EXPECT_FALSE(PropertyList::parse(good.substr(0, length))) << length;
+    for (std::size_t fromEnd : {26U, 25U, 17U, 9U, 1U}) // widths, count, top, table
+        for (const char false_ : {'\0', '\x7F'}) {
+            std::string damaged = good;
+            damaged[good.size() - fromEnd] = false_;
+            EXPECT_EQ(PropertyList::parse(damaged).has_value(), damaged == good) << fromEnd;
+        }
+}
+
+TEST(OldStyleText, ReadsEveryKindOfValue) {
+    const auto list = PropertyList::parse("\xEF\xBB\xBF// !$*UTF8*$!\n"
+                                          "{ bare = com.example-1.App_$/:; /* not } the end */\n"
+                                          "  \"quoted key\" = 'single \"quotes\"';\n"
+                                          "  list = ( a, \"b c\", ( ), { }, );\n"
+                                          "  bytes = <0fbd77 1c27\n35AE>; none = <>;\n"
+                                          "  path=/usr/bin; // the end\n"
+                                          "}\n// bye");
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list,
+              PropertyList::parse(
+                  "<dict><key>bare</key><string>com.example-1.App_$/:</string>"
+                  "<key>quoted key</key><string>single \"quotes\"</string>"
+                  "<key>list</key><array><string>a</string><string>b c</string><array/><dict/>"
+                  "</array><key>bytes</key><data>D713HCc1rg==</data><key>none</key><data/>"
+                  "<key>path</key><string>/usr/bin</string></dict>"));
+    const auto table =
+        PropertyList::parse("/* Title *//**/\n\"Title\" = \"Größe\";\nalone;\nTitle = again;\n");
+    ASSERT_TRUE(table);
+    EXPECT_EQ(table, PropertyList::parse("{alone = alone; Title = \"Größe\";}"));
+}
+
+TEST(OldStyleText, ResolvesEscapes) {
+    const std::pair<const char*, const char*> cases[] = {
+        {R"("\a\b\f\n\r\t\v\"\'\\\q")", "\a\b\f\n\r\t\v\"'\\q"},
+        {R"("\101\60x\0012")", "A0x\0012"},
+        {R"("\341\256\200\377")", "Æﬁ\u00A0\uFFFD"},
+        {R"("\U00e9\U41 \Ud83e\Udd16\u263A\Udbff\uDFFF")", "éA 🤖☺\U0010FFFF"},
+        {"\"line \\\nbreak\"", "line \nbreak"},
+        {"'it\\'s'", "it's"}};
+    for (const auto& [input, expected] : cases)
+        EXPECT_EQ(PropertyList::parse(input), PropertyList::string(expected)) << input;
+}
+
+TEST(OldStyleText, RefusesWhatIsDamaged) {
+    const std::initializer_list<const char*> broken = {
+        "{",        "}",         ")",         "( a",       "<0>",       "<00",      "\"a",
+        "<0g>",     "'a\"",      "/* a",      "( , )",     "\"a\\",     "a = b",    "( a b )",
+        "// only",  "{ a b; }",  "{ = b; }",  "a = b; c",  "a = b; }",  "\"\xE9\"", "\xFF\xFE",
+        "a = <00>", "{ a = b }", "{ a = ; }", "( a,, b )", "two words", "\"\\777\""};
+    const std::initializer_list<const char*> misplaced = {
+        "{ a = b; }}",       "\"\\Ud83e\"",       "\"\\U0000\"",   "\"\\Udd16\"",
+        "{ a = b; } c",      "\"\\Ud83ex\"",      "a = é_is_bad;", "#!/bin/sh\necho",
+        "{ a = \"\xE9\"; }", "\"\\Ud83e\\U0041\""};
+    for (const auto& inputs : {broken, misplaced})
+        for (const char* const input : inputs)
+            EXPECT_FALSE(PropertyList::parse(input)) << input;
+    EXPECT_FALSE(PropertyList::parse("\"a\0b\""s));
 }
 
 } // namespace

@@ -62,7 +62,8 @@ TEST(XmlPropertyList, KeepsEveryValueThroughXmlAndBinaryInAnyLocale) {
     ASSERT_TRUE(fromBinary);
     EXPECT_EQ(*fromBinary, *list);
     EXPECT_EQ(fromBinary->xml(), everything);
-    EXPECT_EQ(list->valueForKey("others")->valueAt(1)->dataValue(), std::string(45, '\0') + '\1');
+    EXPECT_EQ(list->valueForKey("others")->valueAt(1),
+              PropertyList::data(std::string(45, '\0') + '\1'));
     EXPECT_EQ(list->valueForKey("others")->valueAt(2)->type(), Type::Uid);
     EXPECT_EQ(PropertyList::real(0.1).description(), "0.1");
     std::setlocale(LC_ALL, "C");
@@ -165,7 +166,8 @@ TEST(XmlPropertyList, RefusesWhatIsDamaged) {
          {"", "<dict><key>a</key></dict>", "<dict><string>a</string><string>b</string></dict>",
           "<dict><key>a</key><key>b</key></dict>", "<array><string>a</string></dict>",
           "<array>stray<string>a</string></array>", "<array><key>a</key></array>",
-          "<string a=b>a</string>", "<string a='b'c='d'>a</string>", "<string a>b</string>"})
+          "<string a=b>a</string>", "<string a='b'c='d'>a</string>", "<string a>b</string>",
+          "<string a=>b</string>"})
         EXPECT_FALSE(PropertyList::parse(document(value))) << value;
     for (const char* const input :
          {"", " \n", "\xEF\xBB\xBF", "<?xml version=\"1.0\"?>", "<!DOCTYPE plist [", "<!-- -",
@@ -201,6 +203,9 @@ TEST(XmlPropertyList, StaysReadableWhateverTextIsPutIn) {
     for (const std::string& bytes : {list.xml(), list.binary()})
         EXPECT_EQ(PropertyList::parse(bytes)->stringForKey("a\uFFFDb"),
                   "\uFFFD<\uFFFD\uFFFD\uFFFDé");
+    // Data is wrapped at column 76, and at twelve where nothing is left of it.
+    const auto deep = PropertyList::parse("(((((((((<" + std::string(40, '7') + ">)))))))))");
+    EXPECT_NE(deep->xml().find(std::string(9, '\t') + "d3d3d3d3d3d3\n"), std::string::npos);
     // A strict reader takes a carriage return for a line break unless it is a reference.
     const std::string xml = PropertyList::string("a\r\nb\rc").xml();
     EXPECT_NE(xml.find("a&#13;\nb&#13;c"), std::string::npos) << xml;

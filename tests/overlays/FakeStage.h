@@ -9,8 +9,8 @@
 namespace dubrix {
 
 /// A stage that draws nothing: it keeps how each piece looks, where it lies and what it was told,
-/// and a clock that only `advance` moves. Its threads run within runOnNewThread, or when they are
-/// let go, and their sleep only dates what they post. Touching a piece that is not there throws.
+/// and a clock that only `advance` moves. Threads begin when the clock is moved next, and their
+/// sleep only dates what they post. Touching a piece that is not there throws.
 class FakeStage : public OverlayStage {
 public:
     using Notified = std::function<void(const OverlayNotification&)>;
@@ -34,30 +34,25 @@ public:
     std::optional<WindowId> delegate = WindowId{7};
     std::vector<WindowContents> contents;
     Size measured{150, 20};
-    bool holdThreads = false;
     Work whenTold = [] {};
 
     // What became of it.
     int calls = 0;
     std::map<Piece, Drawn> pieces;
-    std::vector<Piece> removed;
     std::optional<std::string> text, image;
     bool spinning = false;
     std::pair<Font, Size> measuredBy;
     std::vector<Animated> animations;
     std::vector<std::pair<OverlayNotification::Name, Notified>> handlers;
-    std::vector<double> sleeps;
 
     void advance(double seconds) {
-        now_ += seconds;
-        while (!due_.empty() && due_.begin()->first <= now_ + 1e-9)
-            due_.extract(due_.begin()).mapped()();
-    }
-    void letThreadsGo() {
-        for (const Work& thread : std::exchange(held_, {})) {
+        for (const Work& thread : std::exchange(threads_, {})) {
             threadTime_ = now_;
             thread();
         }
+        now_ += seconds;
+        while (!due_.empty() && due_.begin()->first <= now_ + 1e-9)
+            due_.extract(due_.begin()).mapped()();
     }
     void notify(const OverlayNotification& notification) {
         for (const auto& [name, handler] : std::vector(handlers))
@@ -89,10 +84,7 @@ public:
     void addToPiece(Piece piece, Piece parent) override { touched(piece).parent = parent; }
     void removeFromParent(Piece piece) override {
         touched(piece);
-        removed.push_back(piece);
-        std::erase_if(pieces, [piece](const auto& other) {
-            return other.first == piece || other.second.parent == Parent(piece);
-        });
+        pieces.erase(piece);
     }
     void change(Piece piece, const PieceChange& given) override { apply(touched(piece), given); }
     void setLabelText(const std::optional<std::string>& given) override {
@@ -118,44 +110,34 @@ public:
     }
     void stopObserving() override { handlers.clear(); }
     void runOnMainThread(Work work) override { due_.emplace(threadTime_, std::move(work)); }
-    void runOnNewThread(Work work) override {
-        held_.push_back(std::move(work));
-        if (!holdThreads)
-            letThreadsGo();
-    }
+    void runOnNewThread(Work work) override { threads_.push_back(std::move(work)); }
     bool sleep(double seconds) override {
-        sleeps.push_back(seconds);
+        ++calls;
         threadTime_ += seconds;
         return true;
     }
-    void cancelThreads() override { held_.clear(); }
+    void cancelThreads() override { threads_.clear(); }
 
 private:
-    void make(Piece piece, const Look& look) {
-        pieces[piece] = {};
-        touched(piece).look = look;
-    }
+    void make(Piece piece, const Look& look) { pieces[piece] = {{}, look, {}}; }
     Drawn& touched(Piece piece) {
         ++calls;
         return pieces.at(piece);
     }
     static void apply(PieceChange& state, const PieceChange& given) {
-        const auto set = [&](auto PieceChange::* value) {
-            if (given.*value)
-                state.*value = given.*value;
-        };
-        set(&PieceChange::bounds);
-        set(&PieceChange::frame);
-        set(&PieceChange::center);
-        set(&PieceChange::alpha);
-        set(&PieceChange::scale);
-        set(&PieceChange::hidden);
+        const auto set = [](auto& value, const auto& now) { value = now ? now : value; };
+        set(state.bounds, given.bounds);
+        set(state.frame, given.frame);
+        set(state.center, given.center);
+        set(state.alpha, given.alpha);
+        set(state.scale, given.scale);
+        set(state.hidden, given.hidden);
     }
 
     double now_ = 0;
     double threadTime_ = 0;
     std::multimap<double, Work> due_;
-    std::vector<Work> held_;
+    std::vector<Work> threads_;
 };
 
 } // namespace dubrix

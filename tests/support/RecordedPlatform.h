@@ -13,7 +13,8 @@
 
 namespace dubrix {
 
-/// What the ports were asked, in the order across all of them: "ask …", "log …", "run …".
+/// What the ports were told, in the order across all of them: "log …", "run …", "present …",
+/// "alert".
 using Journal = std::vector<std::string>;
 
 /// The rest of each entry that begins with `kind` and a blank.
@@ -35,32 +36,25 @@ struct RecordedLog final : SystemLog {
 /// Applications as the test says they are; the two services share them, so that only
 /// `isRegistered` tells them apart.
 struct ScriptedCatalogue final : ApplicationWorkspace, ApplicationList {
-    explicit ScriptedCatalogue(Journal& shared) : journal(shared) {}
-
     struct Application {
         Text name = std::nullopt, path = std::nullopt, version = std::nullopt;
         bool isRegistered = true;
     };
 
     bool applicationIsInstalled(const std::string& identifier) const override {
-        journal.push_back("ask installed " + identifier);
         const auto found = known.find(identifier);
         return found != known.end() && found->second.isRegistered;
     }
     Text valueForKey(std::string_view key, const std::string& identifier) const override {
-        journal.push_back("ask " + std::string(key) + " " + identifier);
         const auto found = known.find(identifier);
         if (found == known.end())
             return std::nullopt;
-        const Application& application = found->second;
-        return key == "displayName" ? application.name
-               : key == "path"      ? application.path
-                                    : application.version;
+        const auto& [name, path, version, isRegistered] = found->second;
+        return key == "displayName" ? name : key == "path" ? path : version;
     }
     std::map<std::string, std::string> applications() const override { return {}; }
     std::vector<Entry> entries() const override { return {}; }
 
-    Journal& journal;
     std::map<std::string, Application> known;
 };
 

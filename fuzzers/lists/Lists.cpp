@@ -1,5 +1,7 @@
 #include "fuzzers/lists/Lists.h"
 
+#include "formats/lists/PropertyList.h"
+
 #include <bit>
 #include <limits>
 
@@ -84,7 +86,52 @@ void collect(Node& node, std::vector<Node*>& all) {
             collect(entry.value, all);
 }
 
+void requireRoundTrips(const PropertyListNode& value) {
+    const std::string binary = writeBinaryPropertyList(value);
+    const auto fromBinary = readBinaryPropertyList(binary);
+    require(fromBinary && equal(*fromBinary, value), "the binary form is read as the same value");
+    require(writeBinaryPropertyList(*fromBinary) == binary, "the binary form is written the same");
+
+    const std::string text = describePropertyList(value);
+    const std::string xml = writeXmlPropertyList(value);
+    if (xml.size() <= maximumPropertyListBytes) {
+        const auto fromXml = readXmlPropertyList(xml);
+        require(fromXml && writeXmlPropertyList(*fromXml) == xml,
+                "the XML form is written the same");
+        // It has no null, and spells a UID as a dictionary.
+        require(text.find("<null>") != text.npos || text.find("CF$UID") != text.npos ||
+                    describePropertyList(*fromXml) == text,
+                "the XML form keeps the value, its order and every digit");
+    }
+
+    if ((value.as<Node::Array>() || value.as<Node::Dictionary>()) &&
+        text.size() <= maximumPropertyListBytes) {
+        const auto fromText = readTextPropertyList(text);
+        require(fromText && describePropertyList(*fromText) == text,
+                "the description is read as what it shows");
+    }
+}
+
 } // namespace
+
+void requireSound(std::string_view bytes, const std::optional<PropertyListNode>& read) {
+    if (read)
+        requireRoundTrips(*read);
+    const auto list = PropertyList::parse(bytes);
+    if (!list)
+        return;
+    // Asked for their effect on the sanitizers: any answer will do.
+    (void)list->booleanValue();
+    (void)list->floatValue();
+    PropertyList copy = *list;
+    for (const std::string& key : list->keys()) {
+        const auto value = list->valueForKey(key);
+        copy.removeValueForKey(key);
+        require(value && !copy.hasKey(key), "every key has its value until it is removed");
+        copy.setValueForKey(key, *value);
+    }
+    require(copy == *list, "values put back make the same dictionary");
+}
 
 void changeTree(PropertyListNode& root, Random& random) {
     std::vector<Node*> all;
