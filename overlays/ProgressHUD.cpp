@@ -2,6 +2,7 @@
 
 #include "overlays/HudLayout.h"
 
+#include <mutex>
 #include <utility>
 
 namespace dubrix {
@@ -39,8 +40,9 @@ constexpr double secondsPerCharacter = 0.04;
 constexpr const char* successImage = "ProgressHUD.bundle/progresshud-success.png";
 constexpr const char* errorImage = "ProgressHUD.bundle/progresshud-error.png";
 
-/// The stage in use and the instance that belongs to it.
+/// The stage in use and the instance that belongs to it, made once whoever asks first.
 struct Shared {
+    std::mutex mutex;
     OverlayStage* stage = nullptr;
     std::shared_ptr<ProgressHUD> instance;
 };
@@ -72,19 +74,26 @@ std::optional<WindowId> windowToAttachTo(OverlayStage& stage) {
 
 void ProgressHUD::useStage(OverlayStage& stage) {
     withdrawStage();
-    sharedState().stage = &stage;
+    Shared& state = sharedState();
+    const std::lock_guard lock(state.mutex);
+    state.stage = &stage;
 }
 
 void ProgressHUD::withdrawStage() {
-    const Shared before = std::exchange(sharedState(), {});
-    if (before.instance) {
-        before.stage->cancelThreads();
-        before.instance->hudDestroy();
+    Shared& state = sharedState();
+    std::unique_lock lock(state.mutex);
+    OverlayStage* const stage = std::exchange(state.stage, nullptr);
+    const auto instance = std::exchange(state.instance, nullptr);
+    lock.unlock();
+    if (instance) {
+        stage->cancelThreads();
+        instance->hudDestroy();
     }
 }
 
 ProgressHUD* ProgressHUD::shared() {
     Shared& state = sharedState();
+    const std::lock_guard lock(state.mutex);
     if (state.stage && !state.instance)
         state.instance = std::make_shared<ProgressHUD>(Key{}, *state.stage);
     return state.instance.get();
