@@ -61,28 +61,18 @@ def press(name, role=None):
 
 def expect_controls(*names):
     """What can be operated is called that, and is all there is to be operated."""
-    wanted, seen = sorted(names), []
-
-    def met():
+    def there():
         # The toolkit has a reader stop at words, too.
-        seen[:] = sorted(element.name for element in elements()
-                         if element.getState().contains(pyatspi.STATE_FOCUSABLE)
-                         and element.getState().contains(pyatspi.STATE_SHOWING)
-                         and element.getRole() != pyatspi.ROLE_LABEL)
-        return seen == wanted
-    try:
-        until(met, "controls")
-    except SystemExit:
-        sys.exit(f"controls are {seen} and not {wanted}")
+        return sorted(element.name for element in elements()
+                      if element.getState().contains(pyatspi.STATE_FOCUSABLE)
+                      and element.getState().contains(pyatspi.STATE_SHOWING)
+                      and element.getRole() != pyatspi.ROLE_LABEL)
+    until(lambda: there() == sorted(names), f"controls {names}")
 
 
 def focus(name):
     find(name).queryComponent().grabFocus()
     hears("object:state-changed:focused", "", name)
-
-
-def key(keysym):
-    pyatspi.Registry.generateKeyboardEvent(keysym, None, pyatspi.KEY_SYM)
 
 
 def type_text(text):
@@ -120,7 +110,6 @@ Atspi.set_timeout(LIMIT * 1000, LIMIT * 1000)  # a busy machine answers late
 run("--samples", "list")
 TABS = ("Settings", "About", "Color test")
 BUTTON, TAB, ALERT = pyatspi.ROLE_PUSH_BUTTON, pyatspi.ROLE_PAGE_TAB, pyatspi.ROLE_ALERT
-DELETE, MENU, ESCAPE = 0xffff, 0xff67, 0xff1b
 ROWS = ("Application", "Custom name", "Custom color", "Duplicate", "Update duplicates")
 
 
@@ -133,22 +122,16 @@ def choose_an_application():
     press("Application")
     expect_controls("Cancel", "Search", "Select Application", "Fernleaf Notes", "Skyfathom",
                     "Tockwell")
-    press("Cancel")
-    expect_controls(*ROWS, *TABS)
-    press("Application")
     focus("Search")
     type_text("tock")
     expect_controls("Cancel", "Search", "Clear search", "Select Application", "Tockwell")
     press("Tockwell", pyatspi.ROLE_LIST_ITEM)
-    expect_controls(*ROWS, *TABS)
 
 
 def name_and_tint():
     press("Custom name", pyatspi.ROLE_CHECK_BOX)
-    field = find("Name", pyatspi.ROLE_TEXT)
     focus("Name")
     type_text("heard")
-    until(lambda: field.queryText().getText(0, -1) == "heard", "what was typed")
     press("Done")
     press("Custom color", pyatspi.ROLE_CHECK_BOX)
     expect_controls("Name", "Select color", *ROWS, *TABS)
@@ -162,60 +145,33 @@ def duplicate():
     find("Tockwell", ALERT)
     hears("object:state-changed:focused", "push button", "Duplicate")
     expect_controls("Cancel", "Duplicate")
-    press("Cancel")
-    expect_controls("Name", "Select color", *ROWS, *TABS)
-    press("Duplicate", BUTTON)
-    find("Cancel")
     press("Duplicate", BUTTON)
     announced("successfully duplicated")
     assert "\theard\t" in run("list")
-    press("Update duplicates")
-    find("Tockwell", ALERT)
-    expect_controls("Ok")
-    press("Ok")
 
 
-def other_tabs():
+def follow_a_link():
     press("About", TAB)
     expect_controls("Follow @iQ7r2m", "Donate", "Instructions", "Changelog", "Credits & FAQ", *TABS)
     press("Donate")
     announced("was not opened")
-    press("Color test", TAB)
-    expect_controls("Select Color", *TABS)
-    press("Select Color")
-    find("Cancel")
-    key(ESCAPE)  # which alone leads out
-    press("Settings", TAB)
-    find("Update duplicates")
 
 
 def use_the_home_screen():
-    icons = ("Fernleaf Notes", "Skyfathom", "Tockwell", "heard")
-    expect_controls(*icons, "Dubrix")
+    expect_controls("Fernleaf Notes", "Skyfathom", "Tockwell", "heard", "Dubrix")
     press("heard", BUTTON)
     announced("heard is at home on the phone")
     focus("Tockwell")
-    key(DELETE)
-    announced("Remove “Tockwell”?")
-    expect_controls("Cancel", "Remove")
-    press("Cancel")
-    expect_controls(*icons, "Dubrix")
-    focus("Tockwell")
-    key(MENU)
+    pyatspi.Registry.generateKeyboardEvent(0xff67, None, pyatspi.KEY_SYM)  # for a menu
     expect_controls("Export", "Remove")
     press("Remove")
     announced("Remove “Tockwell”?")
+    expect_controls("Cancel", "Remove")
     press("Remove")
     announced("Tockwell is removed")
-    assert "\tTockwell\t" not in run("list")
     expect_controls("Fernleaf Notes", "Skyfathom", "heard", "Undo", "Dubrix")
     press("Undo")
     announced("Tockwell is back")
-    assert "\tTockwell\t" in run("list")
-    focus("Tockwell")
-    key(MENU)
-    press("Export")
-    announced("Tockwell is saved as")
     press("Dubrix", BUTTON)
     find("Update duplicates")
 
@@ -230,5 +186,5 @@ def within(words, *acts):
         window.wait(LIMIT)
 
 
-within([], choose_an_application, name_and_tint, duplicate, other_tabs)
+within([], choose_an_application, name_and_tint, duplicate, follow_a_link)
 within(["home"], use_the_home_screen)
