@@ -103,9 +103,10 @@ TEST(HostileBundle, WrongTypesAmongTheSettingsAreNoChoice) {
         EXPECT_NE(contentsOf(device.installed(made, "Icon.png")),
                   contentsOf(device.installed(device.source, "Icon.png")));
         EXPECT_EQ(requestWith({"bundleID", "customColorToggle"}),
-                  value.stringValue() ? "dubrix: the application that is chosen is not installed: " +
-                                            *value.stringValue()
-                                      : "dubrix: no application is chosen in the settings: name one");
+                  value.stringValue()
+                      ? "dubrix: the application that is chosen is not installed: " +
+                            *value.stringValue()
+                      : "dubrix: no application is chosen in the settings: name one");
     }
     EXPECT_EQ(device.leftovers(), 0);
 }
