@@ -13,11 +13,11 @@ const std::string large = "com.example.large", other = "com.example.other";
 
 /// Enough to be unpacked by several threads.
 fs::path archiveOf(const ProofDevice& device, const std::string& identifier, char version) {
-    return device.DeviceFolder::application(identifier, {version},
-                                            {{"sub/", "", S_IFDIR | 0555},
-                                             {"large", std::string(1'200'000, version)},
-                                             {"sub/larger", std::string(1'300'000, version)},
-                                             {"link", "sub/larger", S_IFLNK | 0777}});
+    return device.application(identifier, {version},
+                              {{"sub/", "", S_IFDIR | 0555},
+                               {"large", std::string(1'200'000, version)},
+                               {"sub/larger", std::string(1'300'000, version)},
+                               {"link", "sub/larger", S_IFLNK | 0777}});
 }
 
 /// The program that does something on the device: duplicate, update, store settings, or what the
@@ -115,7 +115,7 @@ public:
         SCOPED_TRACE(case_.name + ": " + program + " killed at call " + std::to_string(number));
         const ProofDevice device;
         case_.prepare(device);
-        EXPECT_TRUE(device.installer().install(device.DeviceFolder::application(other, "1")));
+        EXPECT_TRUE(device.installer().install(device.application(other, "1")));
         const Contents source = device.bundle(device.source), beside = device.bundle(other);
         const std::vector<std::string> words = programFor(device, case_.deed);
         const bool alone = program == "dubrix-terminal" || program == "ipainstaller";
@@ -159,8 +159,7 @@ private:
             EXPECT_TRUE(fs::is_empty(device.staging()));
         }
         const Contents left = stateOf(device);
-        EXPECT_TRUE(
-            device.installer().install(device.DeviceFolder::application("com.example.next", "1")));
+        EXPECT_TRUE(device.installer().install(device.application("com.example.next", "1")));
         EXPECT_EQ(device.leftovers(), 0);
         EXPECT_EQ(stateOf(device), left);
         const auto settings = fs::directory_iterator(device.settingsPath().parent_path());

@@ -42,14 +42,13 @@ public:
     /// Where programs look for commands.
     std::string searchPath() const { return tools().native() + ":" PROGRAMS ":/usr/bin:/bin"; }
 
-    /// The application without a window, which is asked for a duplicate, to rebuild it, or to store
-    /// a text among the settings.
+    /// The application without a window, which is asked for a duplicate, or to store a text among
+    /// the settings.
     std::vector<std::string> application(std::vector<std::string> words) const {
         words.insert(words.begin(), {PROGRAMS "/dubrix-terminal", "--root", root()});
         return words;
     }
     std::vector<std::string> duplicating() const { return application({"duplicate", "-y"}); }
-    std::vector<std::string> updating() const { return application({"update", "-y"}); }
     std::vector<std::string> storing(const std::string& text) const {
         return application({"settings", "name", text});
     }
