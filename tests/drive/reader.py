@@ -45,12 +45,11 @@ def elements():
 
 def find(name, role=None):
     """An element that is shown and can be used: what is on its way out or covered takes no press."""
-    def one():
-        return next((element for element in elements() if element.name == name
-                     and (role is None or element.getRole() == role)
-                     and element.getState().contains(pyatspi.STATE_SHOWING)
-                     and element.getState().contains(pyatspi.STATE_ENABLED)), None)
-    return until(one, f"“{name}”")
+    return until(lambda: next((element for element in elements() if element.name == name
+                               and role in (None, element.getRole())
+                               and element.getState().contains(pyatspi.STATE_SHOWING)
+                               and element.getState().contains(pyatspi.STATE_ENABLED)), None),
+                 f"“{name}”")
 
 
 def press(name, role=None):
@@ -152,7 +151,6 @@ def duplicate():
 
 def follow_a_link():
     press("About", TAB)
-    expect_controls("Follow @iQ7r2m", "Donate", "Instructions", "Changelog", "Credits & FAQ", *TABS)
     press("Donate")
     announced("was not opened")
 
