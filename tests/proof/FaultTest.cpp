@@ -1,6 +1,5 @@
 #include "formats/lists/PropertyList.h"
 #include "terminal/Console.h"
-#include "tests/proof/PrivateMounts.h"
 #include "tests/proof/ProofDevice.h"
 
 namespace dubrix {

@@ -1,5 +1,4 @@
 #include "formats/lists/PropertyList.h"
-#include "tests/proof/PrivateMounts.h"
 #include "tests/proof/ProofDevice.h"
 
 #include <span>

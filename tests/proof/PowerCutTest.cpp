@@ -1,5 +1,4 @@
 #include "files/WholeFile.h"
-#include "tests/proof/PrivateMounts.h"
 #include "tests/proof/ProofDevice.h"
 
 #include <cstring>

@@ -155,22 +155,16 @@ void attackLimits() {
         if (::setrlimit(what, &limit) == 0)
             broke("a limit can be lifted: " + std::to_string(what));
     }
-    std::vector<pid_t> children;
-    while (children.size() < tooManyProcesses) {
+    unsigned children = 0;
+    for (; children < tooManyProcesses; ++children) {
         const pid_t child = ::fork();
-        if (child == 0)
+        if (child == 0 && ::prctl(PR_SET_PDEATHSIG, SIGKILL) == 0)
             while (true)
                 ::pause();
         if (child < 0)
-            break;
-        children.push_back(child);
+            return;
     }
-    if (children.size() >= tooManyProcesses)
-        broke("processes without number");
-    for (const pid_t child : children) {
-        ::kill(child, SIGKILL);
-        ::waitpid(child, nullptr, 0);
-    }
+    broke("processes without number");
 }
 
 void lookAround(const std::string& secret, const std::string& place, bool engine) {
@@ -192,12 +186,11 @@ void lookAround(const std::string& secret, const std::string& place, bool engine
         }
     }
     for (const std::string& number : namesIn("/proc/self/fd")) {
-        char target[4096] = "";
-        const std::string link = "/proc/self/fd/" + number;
-        if (::readlink(link.c_str(), target, sizeof target - 1) > 0 && std::stoi(number) > 2 &&
-            std::strstr(target, "/proc/") == nullptr && std::strstr(target, "pipe:") == target)
-            broke("descriptor " + number + " is " + target);
-        if (std::strstr(target, place.c_str()) != nullptr && std::stoi(number) > 2)
+        std::error_code error;
+        const std::string target =
+            std::filesystem::read_symlink("/proc/self/fd/" + number, error).native();
+        if (std::stoi(number) > 2 &&
+            (target.starts_with("pipe:") || target.find(place) != std::string::npos))
             broke("descriptor " + number + " is " + target);
     }
     for (const char* folder : {"/", "/usr", "/etc", "/opt", "/sys", "/proc/sys", "/dubrix"})
@@ -235,18 +228,12 @@ void attackByOldCalls() {
 #endif
 }
 
-/// Exchanges two names for as long as it lives.
-[[noreturn]] void swapForEver(const char* one, const char* other) {
-    while (true)
-        ::renameat2(AT_FDCWD, one, AT_FDCWD, other, RENAME_EXCHANGE);
-}
-
 } // namespace
 
 int main(int, char* words[]) {
     std::setvbuf(stdout, nullptr, _IONBF, 0);
-    if (std::string(words[1]) == "swap")
-        swapForEver(words[2], words[3]);
+    while (std::string(words[1]) == "swap")
+        ::renameat2(AT_FDCWD, words[2], AT_FDCWD, words[3], RENAME_EXCHANGE);
     const bool engine = std::string(words[1]) == "engine";
     attackTerminal();
     attackKernel();
@@ -258,6 +245,5 @@ int main(int, char* words[]) {
     if (!engine)
         attackLimits();
     std::puts("tried everything");
-    std::fflush(stdout);
     ::_exit(0);
 }
