@@ -61,8 +61,7 @@ public:
     /// number when it was killed.
     int wait() const {
         int status = -1;
-        while (::waitpid(leader_, &status, 0) < 0 && errno == EINTR) {
-        }
+        ::waitpid(leader_, &status, 0);
         return shellStatus(status);
     }
 
