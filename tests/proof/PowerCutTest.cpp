@@ -2,8 +2,6 @@
 #include "tests/proof/ProofDevice.h"
 
 #include <cstring>
-#include <iterator>
-#include <sys/sysmacros.h>
 
 namespace dubrix {
 
@@ -32,10 +30,6 @@ public:
         // not every file system does.
         isMounted_ = shell("mount -t ext4 -o loop,noatime,commit=300,noauto_da_alloc '" + image_ +
                            "' '" + folder_ + "'");
-        struct stat status{};
-        ::stat(folder_.c_str(), &status);
-        statistics_ = "/sys/dev/block/" + std::to_string(major(status.st_dev)) + ":" +
-                      std::to_string(minor(status.st_dev)) + "/stat";
     }
     ~PowerCutDisk() {
         // The loop device ends with the mount.
@@ -58,32 +52,17 @@ public:
     /// Everything, as one who wants to begin from a known state.
     void writeAll() const { ASSERT_TRUE(shell("sync -f '" + folder_ + "'")); }
 
-    /// Copies the disk as it is at one moment: again, when a write was on its way.
-    void copyTo(const fs::path& copy) const {
-        for (int tries = 0; tries < 1000; ++tries) {
-            const std::string before = writes();
-            fs::copy_file(image_, copy, fs::copy_options::overwrite_existing);
-            if (!before.empty() && before == writes())
-                return;
-        }
-        FAIL() << "the disk does not come to rest";
-    }
-
-    /// How many writes have come to the disk; nothing while one is on its way.
-    std::string writes() const {
-        std::istringstream words(contentsOf(statistics_));
-        const std::vector<std::string> fields(std::istream_iterator<std::string>(words), {});
-        // In the kernel's order: reads by four fields, writes by four, requests on their way, two
-        // times, discards by four, flushes.
-        return fields.at(8) == "0"
-                   ? fields[4] + " " + fields[6] + " " + fields[11] + " " + fields[15]
-                   : "";
+    /// The disk as it is at one moment: read again, when a write was on its way.
+    std::string bytes() const {
+        std::string bytes;
+        for (std::string before = "none"; before != bytes;)
+            before = std::exchange(bytes, readWholeFile(image_).value_or(""));
+        return bytes;
     }
 
 private:
     std::string image_;
     std::string folder_;
-    std::string statistics_;
     bool isMounted_ = false;
 };
 
@@ -134,17 +113,18 @@ protected:
     /// again.
     Contents cut(State state) {
         const std::string copy = folder_ / "copy";
-        disk_->copyTo(copy);
-        writes_ = disk_->writes();
+        if (std::string bytes = disk_->bytes(); std::exchange(cut_, bytes) == bytes)
+            return found_;
+        putFile(copy, cut_);
         const PowerCutDisk left(copy, folder_ / "left");
         EXPECT_TRUE(left.isMounted()) << std::strerror(errno);
-        Contents found = state(left.root());
+        found_ = state(left.root());
         if (++cuts_ % 6 == 0) {
             putFile(folder_ / "next.ipa", archiveOf('3'));
             EXPECT_TRUE(Installer(left.root()).install(folder_ / "next.ipa"));
             EXPECT_EQ(bundleIn(left.root()).size(), 60U);
         }
-        return found;
+        return found_;
     }
 
     /// Runs the program on the device. Power is cut before each of its steps, before and after the
@@ -152,6 +132,7 @@ protected:
     /// the new one; that of an application is the new one when the program has ended.
     void runWithCuts(const std::vector<std::string>& words, State state, bool commits) {
         disk_->writeAll();
+        cut_.clear();
         const Contents before = state(disk_->root());
         std::vector<Contents> seen;
         std::map<long, int> counts;
@@ -162,8 +143,7 @@ protected:
             const bool isOneOfMany = step.call == SYS_unlinkat || step.call == SYS_mkdirat;
             if (isOneOfMany && count > 1 && count % 16 != 0)
                 return;
-            if (count == 1 || disk_->writes() != writes_)
-                seen.push_back(cut(state));
+            seen.push_back(cut(state));
             if (commits) {
                 disk_->commit();
                 seen.push_back(cut(state));
@@ -182,8 +162,9 @@ protected:
 
     const TemporaryFolder folder_{placeInMemory()};
     std::optional<PowerCutDisk> disk_;
-    /// Those there were when power was cut last.
-    std::string writes_;
+    /// The disk on which power was cut last, and what was found on it.
+    std::string cut_;
+    Contents found_;
     int cuts_ = 0;
 };
 
