@@ -54,16 +54,20 @@ protected:
 
 } // namespace
 
-TEST_F(MountedFault, AFullDiskWhereItStagesLosesNothing) {
+TEST_F(MountedFault, FullDisksAndReadOnlyFoldersLoseNothing) {
     const FaultyDevice device;
-    // From no room at all to nearly enough: the copy, the edit, the tint and the archive run out of
-    // it.
-    for (const std::size_t kilobytes : {4, 20, 200, 212, 224, 236, 300, 400}) {
-        SCOPED_TRACE(kilobytes);
+    const auto expectFailureWith = [&](const char* folder, std::size_t kilobytes) {
+        SCOPED_TRACE(folder + std::to_string(kilobytes));
         PrivateMounts mounts;
-        ASSERT_TRUE(mounts.small(device.staging(), kilobytes * 1024));
+        ASSERT_TRUE(kilobytes == 0 ? mounts.readOnly(device.root() / folder)
+                                   : mounts.small(device.root() / folder, kilobytes * 1024));
         device.expectFailure();
-    }
+    };
+    // To nearly enough room: the copy, the edit, the tint and the archive run out of it.
+    for (const std::size_t kilobytes : {0, 4, 20, 200, 212, 224, 236, 300, 400})
+        expectFailureWith("tmp", kilobytes);
+    for (const char* folder : {"var/containers/Bundle", "."})
+        expectFailureWith(folder, 0);
     device.expectRecovery();
 }
 
@@ -85,18 +89,6 @@ TEST_F(MountedFault, AFullDiskWhereApplicationsLieLosesNothing) {
     EXPECT_EQ(std::distance(fs::directory_iterator(device.settingsPath().parent_path()), {}), 1);
     mounts.undo();
     device.expectRecovery();
-}
-
-TEST_F(MountedFault, ReadOnlyFoldersLoseNothing) {
-    for (const char* folder : {"tmp", "var/containers/Bundle", "."}) {
-        SCOPED_TRACE(folder);
-        const FaultyDevice device;
-        PrivateMounts mounts;
-        ASSERT_TRUE(mounts.readOnly(device.root() / folder));
-        device.expectFailure();
-        mounts.undo();
-        device.expectRecovery();
-    }
 }
 
 TEST_F(MountedFault, WhatCouldBePutBackMakesWay) {

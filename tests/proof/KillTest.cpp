@@ -9,15 +9,6 @@ using Step = ProcessGroup::Step;
 
 const std::string large = "com.example.large", other = "com.example.other";
 
-/// Enough to be unpacked by several threads.
-fs::path archiveOf(const ProofDevice& device, const std::string& identifier, char version) {
-    return device.application(identifier, {version},
-                              {{"sub/", "", S_IFDIR | 0555},
-                               {"large", std::string(1'200'000, version)},
-                               {"sub/larger", std::string(1'300'000, version)},
-                               {"link", "sub/larger", S_IFLNK | 0777}});
-}
-
 /// The program that does something on the device: duplicate, update, store settings, or what the
 /// installer does by an option, with the source's second version or a version of another
 /// application.
@@ -27,9 +18,15 @@ std::vector<std::string> programFor(const ProofDevice& device, const std::string
     if (deed[0] != '-')
         return device.application({deed, "-y"});
     std::string about = large;
-    if (deed.starts_with("-f"))
-        about =
-            deed == "-f source" ? device.sourceArchive("2") : archiveOf(device, large, deed.back());
+    const char version = deed.back();
+    if (deed == "-f source")
+        about = device.sourceArchive("2");
+    else if (deed.starts_with("-f")) // enough to be unpacked by several threads
+        about = device.application(large, {version},
+                                   {{"sub/", "", S_IFDIR | 0555},
+                                    {"large", std::string(1'200'000, version)},
+                                    {"sub/larger", std::string(1'300'000, version)},
+                                    {"link", "sub/larger", S_IFLNK | 0777}});
     return {"ipainstaller", "--root", device.root(), deed.substr(0, 2), about};
 }
 
