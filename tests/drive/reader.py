@@ -93,11 +93,6 @@ def hears(kind, role, name):
     heard.clear()
 
 
-def run(*command):
-    return subprocess.run([launcher, "--device", device, *command], check=True,
-                          capture_output=True, text=True).stdout
-
-
 subprocess.run(["gdbus", "call", "--session", "--dest", "org.a11y.Bus", "--object-path",
                 "/org/a11y/bus", "--method", "org.freedesktop.DBus.Properties.Set",
                 "org.a11y.Status", "ScreenReaderEnabled", "<true>"],
@@ -106,7 +101,6 @@ pyatspi.Registry.registerEventListener(hear, "object:state-changed:focused",
                                        "object:state-changed:showing")
 GLib.timeout_add(20, lambda: True)  # what is waited for is looked for so often
 Atspi.set_timeout(LIMIT * 1000, LIMIT * 1000)  # a busy machine answers late
-run("--samples", "list")
 BUTTON, CHECK_BOX, ALERT = pyatspi.ROLE_PUSH_BUTTON, pyatspi.ROLE_CHECK_BOX, pyatspi.ROLE_ALERT
 
 
@@ -137,7 +131,6 @@ def duplicate():
     expect_controls("Cancel", "Duplicate")
     press("Duplicate", BUTTON)
     announced("successfully duplicated")
-    assert "\theard\t" in run("list")
 
 
 def follow_a_link():

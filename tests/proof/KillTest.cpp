@@ -82,26 +82,26 @@ std::optional<int> runStepwise(const ProofDevice& device, const std::vector<std:
     return group.stepThrough(changes(), before);
 }
 
-/// A case that has once come to its end, and now is killed at one point after the other.
-class Victim {
-public:
-    explicit Victim(const Case& which) : case_(which) {
+} // namespace
+
+/// A case that once comes to its end, and then is killed at one point after the other.
+class KillTest : public testing::TestWithParam<std::size_t> {
+protected:
+    void SetUp() override {
         const ProofDevice device;
         case_.prepare(device);
         before_ = stateOf(device);
-        EXPECT_EQ(runStepwise(device, programFor(device, case_.deed),
-                              [&](const Step& step) {
-                                  const std::string& program = step.program;
-                                  if (program != "bash")
-                                      calls[program] = step.count;
-                              }),
-                  0);
+        const auto status =
+            runStepwise(device, programFor(device, case_.deed), [this](const Step& step) {
+                if (step.program != "bash")
+                    calls_[step.program] = step.count;
+            });
+        if (!status)
+            GTEST_SKIP() << "no process may be traced here";
+        EXPECT_EQ(*status, 0);
         after_ = stateOf(device);
         EXPECT_NE(before_, after_);
     }
-
-    /// How many calls each program makes.
-    std::map<std::string, int> calls;
 
     /// Kills the program at its so manieth call: the application or the installer alone, since each
     /// makes sure of its own work; any other command with its application, which does not ask what
@@ -132,16 +132,9 @@ public:
         }
         const Contents found = stateOf(device);
         EXPECT_TRUE(found == after_ || (killed && found == before_));
-        checkNextRuns(device, words);
-        EXPECT_EQ(device.bundle(device.source), source);
-        EXPECT_EQ(device.bundle(other), beside);
-        return killed;
-    }
 
-private:
-    /// The next runs take away what was left, and only that. A duplicate is built again, or the
-    /// next one when this one was in place already.
-    void checkNextRuns(const ProofDevice& device, const std::vector<std::string>& words) const {
+        // The next runs take away what was left, and only that. A duplicate is built again, or the
+        // next one when this one was in place already.
         if (case_.isRepeated()) {
             EXPECT_EQ(device.run(words).status, 0);
             EXPECT_EQ(stateOf(device), after_);
@@ -156,20 +149,15 @@ private:
         EXPECT_EQ(stateOf(device), left);
         const auto settings = fs::directory_iterator(device.settingsPath().parent_path());
         EXPECT_EQ(std::distance(settings, {}), 1);
+        EXPECT_EQ(device.bundle(device.source), source);
+        EXPECT_EQ(device.bundle(other), beside);
+        return killed;
     }
 
-    const Case& case_;
+    const Case& case_ = cases[GetParam()];
+    /// How many calls each program makes.
+    std::map<std::string, int> calls_;
     Contents before_, after_;
-};
-
-} // namespace
-
-class KillTest : public testing::TestWithParam<std::size_t> {
-protected:
-    void SetUp() override {
-        if (!runStepwise(ProofDevice(), {"true"}, [](const Step&) {}))
-            GTEST_SKIP() << "no process may be traced here";
-    }
 };
 
 INSTANTIATE_TEST_SUITE_P(, KillTest, testing::Range(std::size_t{0}, std::size(cases)),
@@ -177,15 +165,13 @@ INSTANTIATE_TEST_SUITE_P(, KillTest, testing::Range(std::size_t{0}, std::size(ca
 
 /// With DUBRIX_EVERY_POINT set no call is left out, which takes minutes.
 TEST_P(KillTest, LeavesTheOldOrTheNew) {
-    const Case& which = cases[GetParam()];
-    const int stride = std::getenv("DUBRIX_EVERY_POINT") == nullptr ? which.stride : 1;
-    const Victim victim(which);
-    for (const auto& [program, calls] : victim.calls) {
+    const int stride = std::getenv("DUBRIX_EVERY_POINT") == nullptr ? case_.stride : 1;
+    for (const auto& [program, calls] : calls_) {
         int kills = 0;
         for (int number = 1; number <= calls && !HasFailure(); number += stride)
-            kills += victim.killAt(program, number, number / stride % 2 == 0) ? 1 : 0;
+            kills += killAt(program, number, number / stride % 2 == 0) ? 1 : 0;
         EXPECT_GT(kills * stride, calls / 2);
-        std::printf("%s: %s killed at %d calls\n", which.name.c_str(), program.c_str(), kills);
+        std::printf("%s: %s killed at %d calls\n", case_.name.c_str(), program.c_str(), kills);
     }
 }
 

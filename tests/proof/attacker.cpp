@@ -13,14 +13,11 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <linux/perf_event.h>
 #include <linux/sched.h>
 #include <sched.h>
 #include <string>
 #include <sys/ioctl.h>
-#include <sys/mount.h>
 #include <sys/prctl.h>
-#include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
