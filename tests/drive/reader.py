@@ -1,4 +1,4 @@
-"""reader.py LAUNCHER DEVICE: what reader_test does, on the session's bus."""
+"""reader.py LAUNCHER DEVICE: what reader_test does, on the session's bus. Prints what the windows say."""
 
 import subprocess
 import sys
@@ -159,7 +159,7 @@ def use_the_home_screen():
 
 
 def within(words, *acts):
-    window = subprocess.Popen([launcher, "--device", device, *words], stdout=subprocess.DEVNULL)
+    window = subprocess.Popen([launcher, "--device", device, *words], stderr=subprocess.STDOUT)
     try:
         for act in acts:
             act()
