@@ -183,7 +183,6 @@ TEST_F(PowerCutTest, AnApplicationIsTheOldOrTheNewWhole) {
             words.insert(words.end(), command.begin(), command.end());
             runWithCuts(words, bundleIn, commits);
         }
-    std::printf("%d cuts\n", cuts_);
 }
 
 TEST_F(PowerCutTest, SettingsAreTheOldOrTheNew) {
@@ -192,7 +191,6 @@ TEST_F(PowerCutTest, SettingsAreTheOldOrTheNew) {
             runWithCuts({"dubrix-terminal", "--root", disk_->root(), "settings", "name",
                          std::string(20'000, letter)},
                         settingsIn, commits);
-    std::printf("%d cuts\n", cuts_);
 }
 
 } // namespace dubrix
