@@ -1,4 +1,4 @@
-"""reader.py LAUNCHER DEVICE: what reader_test does, on the session's bus."""
+"""reader.py LAUNCHER DEVICE: what reader_test does, on the session's bus. Prints what the windows say."""
 
 import subprocess
 import sys
@@ -45,12 +45,11 @@ def elements():
 
 def find(name, role=None):
     """An element that is shown and can be used: what is on its way out or covered takes no press."""
-    def one():
-        return next((element for element in elements() if element.name == name
-                     and (role is None or element.getRole() == role)
-                     and element.getState().contains(pyatspi.STATE_SHOWING)
-                     and element.getState().contains(pyatspi.STATE_ENABLED)), None)
-    return until(one, f"“{name}”")
+    return until(lambda: next((element for element in elements() if element.name == name
+                               and role in (None, element.getRole())
+                               and element.getState().contains(pyatspi.STATE_SHOWING)
+                               and element.getState().contains(pyatspi.STATE_ENABLED)), None),
+                 f"“{name}”")
 
 
 def press(name, role=None):
@@ -61,28 +60,18 @@ def press(name, role=None):
 
 def expect_controls(*names):
     """What can be operated is called that, and is all there is to be operated."""
-    wanted, seen = sorted(names), []
-
-    def met():
+    def there():
         # The toolkit has a reader stop at words, too.
-        seen[:] = sorted(element.name for element in elements()
-                         if element.getState().contains(pyatspi.STATE_FOCUSABLE)
-                         and element.getState().contains(pyatspi.STATE_SHOWING)
-                         and element.getRole() != pyatspi.ROLE_LABEL)
-        return seen == wanted
-    try:
-        until(met, "controls")
-    except SystemExit:
-        sys.exit(f"controls are {seen} and not {wanted}")
+        return sorted(element.name for element in elements()
+                      if element.getState().contains(pyatspi.STATE_FOCUSABLE)
+                      and element.getState().contains(pyatspi.STATE_SHOWING)
+                      and element.getRole() != pyatspi.ROLE_LABEL)
+    until(lambda: there() == sorted(names), f"controls {names}")
 
 
 def focus(name):
     find(name).queryComponent().grabFocus()
     hears("object:state-changed:focused", "", name)
-
-
-def key(keysym):
-    pyatspi.Registry.generateKeyboardEvent(keysym, None, pyatspi.KEY_SYM)
 
 
 def type_text(text):
@@ -104,11 +93,6 @@ def hears(kind, role, name):
     heard.clear()
 
 
-def run(*command):
-    return subprocess.run([launcher, "--device", device, *command], check=True,
-                          capture_output=True, text=True).stdout
-
-
 subprocess.run(["gdbus", "call", "--session", "--dest", "org.a11y.Bus", "--object-path",
                 "/org/a11y/bus", "--method", "org.freedesktop.DBus.Properties.Set",
                 "org.a11y.Status", "ScreenReaderEnabled", "<true>"],
@@ -117,11 +101,7 @@ pyatspi.Registry.registerEventListener(hear, "object:state-changed:focused",
                                        "object:state-changed:showing")
 GLib.timeout_add(20, lambda: True)  # what is waited for is looked for so often
 Atspi.set_timeout(LIMIT * 1000, LIMIT * 1000)  # a busy machine answers late
-run("--samples", "list")
-TABS = ("Settings", "About", "Color test")
-BUTTON, TAB, ALERT = pyatspi.ROLE_PUSH_BUTTON, pyatspi.ROLE_PAGE_TAB, pyatspi.ROLE_ALERT
-DELETE, MENU, ESCAPE = 0xffff, 0xff67, 0xff1b
-ROWS = ("Application", "Custom name", "Custom color", "Duplicate", "Update duplicates")
+BUTTON, CHECK_BOX, ALERT = pyatspi.ROLE_PUSH_BUTTON, pyatspi.ROLE_CHECK_BOX, pyatspi.ROLE_ALERT
 
 
 def announced(name):
@@ -129,99 +109,57 @@ def announced(name):
 
 
 def choose_an_application():
-    expect_controls(*ROWS, *TABS)
+    expect_controls("Application", "Custom name", "Custom color", "Duplicate", "Update duplicates",
+                    "Settings", "About", "Color test")
     press("Application")
     expect_controls("Cancel", "Search", "Select Application", "Fernleaf Notes", "Skyfathom",
                     "Tockwell")
-    press("Cancel")
-    expect_controls(*ROWS, *TABS)
-    press("Application")
     focus("Search")
     type_text("tock")
     expect_controls("Cancel", "Search", "Clear search", "Select Application", "Tockwell")
     press("Tockwell", pyatspi.ROLE_LIST_ITEM)
-    expect_controls(*ROWS, *TABS)
-
-
-def name_and_tint():
-    press("Custom name", pyatspi.ROLE_CHECK_BOX)
-    field = find("Name", pyatspi.ROLE_TEXT)
-    focus("Name")
-    type_text("heard")
-    until(lambda: field.queryText().getText(0, -1) == "heard", "what was typed")
-    press("Done")
-    press("Custom color", pyatspi.ROLE_CHECK_BOX)
-    expect_controls("Name", "Select color", *ROWS, *TABS)
-    press("Select color")
-    press("Red 255, green 51, blue 51")
-    until(lambda: "red 255" in find("Color").description.lower(), "the color")
 
 
 def duplicate():
+    press("Custom name", CHECK_BOX)
+    focus("Name")
+    type_text("heard")
+    press("Done")
     press("Duplicate", BUTTON)
     find("Tockwell", ALERT)
     hears("object:state-changed:focused", "push button", "Duplicate")
     expect_controls("Cancel", "Duplicate")
-    press("Cancel")
-    expect_controls("Name", "Select color", *ROWS, *TABS)
-    press("Duplicate", BUTTON)
-    find("Cancel")
     press("Duplicate", BUTTON)
     announced("successfully duplicated")
-    assert "\theard\t" in run("list")
-    press("Update duplicates")
-    find("Tockwell", ALERT)
-    expect_controls("Ok")
-    press("Ok")
 
 
-def other_tabs():
-    press("About", TAB)
-    expect_controls("Follow @iQ7r2m", "Donate", "Instructions", "Changelog", "Credits & FAQ", *TABS)
+def follow_a_link():
+    press("About", pyatspi.ROLE_PAGE_TAB)
     press("Donate")
     announced("was not opened")
-    press("Color test", TAB)
-    expect_controls("Select Color", *TABS)
-    press("Select Color")
-    find("Cancel")
-    key(ESCAPE)  # which alone leads out
-    press("Settings", TAB)
-    find("Update duplicates")
 
 
 def use_the_home_screen():
-    icons = ("Fernleaf Notes", "Skyfathom", "Tockwell", "heard")
-    expect_controls(*icons, "Dubrix")
+    expect_controls("Fernleaf Notes", "Skyfathom", "Tockwell", "heard", "Dubrix")
     press("heard", BUTTON)
     announced("heard is at home on the phone")
     focus("Tockwell")
-    key(DELETE)
-    announced("Remove “Tockwell”?")
-    expect_controls("Cancel", "Remove")
-    press("Cancel")
-    expect_controls(*icons, "Dubrix")
-    focus("Tockwell")
-    key(MENU)
+    pyatspi.Registry.generateKeyboardEvent(0xff67, None, pyatspi.KEY_SYM)  # for a menu
     expect_controls("Export", "Remove")
     press("Remove")
     announced("Remove “Tockwell”?")
+    expect_controls("Cancel", "Remove")
     press("Remove")
     announced("Tockwell is removed")
-    assert "\tTockwell\t" not in run("list")
     expect_controls("Fernleaf Notes", "Skyfathom", "heard", "Undo", "Dubrix")
     press("Undo")
     announced("Tockwell is back")
-    assert "\tTockwell\t" in run("list")
-    focus("Tockwell")
-    key(MENU)
-    press("Export")
-    announced("Tockwell is saved as")
     press("Dubrix", BUTTON)
     find("Update duplicates")
 
 
 def within(words, *acts):
-    window = subprocess.Popen([launcher, "--device", device, *words], stdout=subprocess.DEVNULL)
+    window = subprocess.Popen([launcher, "--device", device, *words], stderr=subprocess.STDOUT)
     try:
         for act in acts:
             act()
@@ -230,5 +168,5 @@ def within(words, *acts):
         window.wait(LIMIT)
 
 
-within([], choose_an_application, name_and_tint, duplicate, other_tabs)
+within([], choose_an_application, duplicate, follow_a_link)
 within(["home"], use_the_home_screen)

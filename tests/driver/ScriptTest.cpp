@@ -1,9 +1,9 @@
 #include "driver/script/ScriptStep.h"
 #include "driver/script/ShotPipe.h"
+#include "files/Descriptor.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace dubrix {
 
@@ -65,12 +65,10 @@ TEST(Script, APictureGoesOutWithItsNameAndSize) {
                                          {"", "the desktop side gave no answer"}}) {
         putFile(folder / "pictures", "");
         putFile(folder / "answers", answer);
-        const int pictures = ::open((folder / "pictures").c_str(), O_WRONLY);
-        const int answers = ::open((folder / "answers").c_str(), O_RDONLY);
-        EXPECT_EQ(ShotPipe(pictures, answers).save("a b.png", bytes), result);
+        const Descriptor pictures(::open((folder / "pictures").c_str(), O_WRONLY));
+        const Descriptor answers(::open((folder / "answers").c_str(), O_RDONLY));
+        EXPECT_EQ(ShotPipe(pictures.get(), answers.get()).save("a b.png", bytes), result);
         EXPECT_EQ(contentsOf(folder / "pictures"), "a b.png\n3\n" + bytes);
-        ::close(pictures);
-        ::close(answers);
     }
     EXPECT_EQ(ShotPipe(-1, -1).save("a\nb", bytes), "a file's name must be one line");
     EXPECT_EQ(ShotPipe(-1, -1).save("a", bytes),

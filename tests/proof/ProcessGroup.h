@@ -61,8 +61,7 @@ public:
     /// number when it was killed.
     int wait() const {
         int status = -1;
-        while (::waitpid(leader_, &status, 0) < 0 && errno == EINTR) {
-        }
+        ::waitpid(leader_, &status, 0);
         return shellStatus(status);
     }
 
@@ -89,31 +88,28 @@ public:
         ::ptrace(PTRACE_SYSCALL, leader_, nullptr, nullptr);
         int ended = -1;
         std::map<std::string, int> counts;
-        // Whoever has been born and has not ended, or the other way round.
-        std::set<pid_t> alive{leader_};
-        const auto turn = [&alive](pid_t thread) {
-            if (alive.erase(thread) == 0)
-                alive.insert(thread);
-        };
-        while (!alive.empty()) {
+        // A child's end may be told before its birth.
+        std::set<pid_t> born{leader_}, gone;
+        while (!std::ranges::includes(gone, born)) {
             const pid_t thread = ::waitpid(-1, &status, __WALL);
             if (thread < 0)
                 break;
             if (!WIFSTOPPED(status)) {
                 if (thread == leader_)
                     ended = shellStatus(status);
-                turn(thread);
+                gone.insert(thread);
                 continue;
             }
             const int event = status >> 16;
-            unsigned long born = 0;
             if (event == PTRACE_EVENT_CLONE || event == PTRACE_EVENT_FORK ||
                 event == PTRACE_EVENT_VFORK) {
-                ::ptrace(PTRACE_GETEVENTMSG, thread, nullptr, &born);
-                turn(static_cast<pid_t>(born));
+                unsigned long child = 0;
+                ::ptrace(PTRACE_GETEVENTMSG, thread, nullptr, &child);
+                born.insert(static_cast<pid_t>(child));
             }
             const int signal = WSTOPSIG(status);
-            if (signal == (SIGTRAP | 0x80)) {
+            const bool isCall = signal == (SIGTRAP | 0x80);
+            if (isCall) {
                 __ptrace_syscall_info info{};
                 ::ptrace(PTRACE_GET_SYSCALL_INFO, thread, sizeof info, &info);
                 const auto call = static_cast<long>(info.entry.nr);
@@ -124,8 +120,7 @@ public:
                 }
             }
             // What tracing itself brings is not for the program.
-            const bool isOfTracing =
-                signal == (SIGTRAP | 0x80) || signal == SIGTRAP || signal == SIGSTOP;
+            const bool isOfTracing = isCall || signal == SIGTRAP || signal == SIGSTOP;
             ::ptrace(PTRACE_SYSCALL, thread, nullptr, isOfTracing ? 0L : signal);
         }
         return ended;
@@ -177,10 +172,9 @@ private:
             arguments.push_back(word.data());
         arguments.push_back(nullptr);
         ::alarm(60);
-        if (start == Start::Stepwise && ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0)
+        if (start == Start::Stepwise &&
+            (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0 || ::raise(SIGSTOP) != 0))
             ::_exit(127);
-        if (start == Start::Stepwise)
-            ::raise(SIGSTOP);
         ::execvp(arguments[0], arguments.data());
         ::_exit(127);
     }

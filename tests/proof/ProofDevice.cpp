@@ -9,21 +9,17 @@ ProofDevice::ProofDevice() {
     std::filesystem::create_directories(staging());
     std::filesystem::create_directories(tools());
     installSource("1");
-    PropertyList settings = PropertyList::dictionary();
-    settings.setValueForKey("bundleID", PropertyList::string(source));
-    settings.setValueForKey("customColorToggle", PropertyList::boolean(true));
-    settings.setValueForKey("Red", PropertyList::real(0.75));
-    putFile(settingsPath(), settings.xml());
+    putFile(settingsPath(), "{bundleID = \"" + source + "\"; customColorToggle = 1; Red = 0.75;}");
 }
 
 std::filesystem::path ProofDevice::sourceArchive(const std::string& version) const {
-    PropertyList info = *PropertyList::parse(infoPlist(source, version));
-    info.setValueForKey("CFBundleDisplayName", PropertyList::string("Fine App"));
-    info.setValueForKey("CFBundleIconFiles", *PropertyList::parse("(Icon, \"art/Badge\")"));
+    const auto info = PropertyList::parse(
+        "{CFBundleIdentifier = \"" + source + "\"; CFBundleVersion = " + version +
+        "; CFBundleDisplayName = \"Fine App\"; CFBundleIconFiles = (Icon, \"art/Badge\");}");
     const std::string icon = pngOf(samplePixels(21 * 11), 21);
     std::vector<ZipItem> items{{"large", std::string(200'000, version[0])},
                                {"link", "data/two", S_IFLNK | 0777},
-                               {"Info.plist", info.binary()}};
+                               {"Info.plist", info->binary()}};
     for (const char* name : {"Icon.png", "Icon@2x.png", "art/Badge.png"})
         items.push_back({name, icon});
     for (const char* name : {"one", "data/two", "data/three"})

@@ -13,14 +13,11 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <linux/perf_event.h>
 #include <linux/sched.h>
 #include <sched.h>
 #include <string>
 #include <sys/ioctl.h>
-#include <sys/mount.h>
 #include <sys/prctl.h>
-#include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -40,12 +37,12 @@ void broke(const std::string& what) {
 
 /// The call must be refused with this error, whatever it would have done.
 template<class... Arguments>
-void refused(const char* what, int error, long call, Arguments... arguments) {
+void refused(int error, long call, Arguments... arguments) {
     errno = 0;
-    if (::syscall(call, arguments...) >= 0)
-        broke(what);
-    else if (errno != error)
-        broke(std::string(what) + " fails by itself only: " + std::strerror(errno));
+    const bool done = ::syscall(call, arguments...) >= 0;
+    if (done || errno != error)
+        broke("call " + std::to_string(call) +
+              ((" " + std::to_string(arguments)) + ... + (done ? "" : " fails by itself only")));
 }
 
 std::string contentsOf(const std::string& file) {
@@ -62,88 +59,60 @@ std::vector<std::string> namesIn(const std::string& folder) {
 }
 
 void attackTerminal() {
-    const char byte = '\n';
-    for (const long bits : {0L, highBits}) {
-        refused("TIOCSTI", EPERM, SYS_ioctl, 0, TIOCSTI | bits, &byte);
-        refused("TIOCLINUX", EPERM, SYS_ioctl, 0, 0x541cL | bits, &byte);
-    }
+    char byte = '\n';
+    for (const long request : {long{TIOCSTI}, 0x541cL /* TIOCLINUX */})
+        for (const long bits : {0L, highBits})
+            refused(EPERM, SYS_ioctl, 0, request | bits, reinterpret_cast<long>(&byte));
     if (::open("/dev/tty", O_RDWR) >= 0)
         broke("a controlling terminal");
     for (const int stream : {0, 1, 2})
         if (::isatty(stream) == 1)
             broke("a terminal as standard stream");
-    char typed = 0;
-    if (::read(0, &typed, 1) != 0)
+    if (::read(0, &byte, 1) != 0)
         broke("somebody's input");
     if (::write(0, &byte, 1) > 0)
         broke("writing to the standard input");
 }
 
 void attackKernel() {
-    refused("keyctl", EPERM, SYS_keyctl, 0, -3, 1);
-    refused("add_key", EPERM, SYS_add_key, "user", "name", "value", 5, -3);
-    refused("request_key", EPERM, SYS_request_key, "user", "name", nullptr, 0);
-    refused("ptrace", EPERM, SYS_ptrace, PTRACE_TRACEME, 0, 0, 0);
-    refused("process_vm_readv", EPERM, SYS_process_vm_readv, ::getppid(), nullptr, 0, nullptr, 0,
-            0);
-    refused("perf_event_open", EPERM, SYS_perf_event_open, nullptr, 0, -1, -1, 0);
-    refused("bpf", EPERM, SYS_bpf, 0, nullptr, 0);
-    refused("userfaultfd", EPERM, SYS_userfaultfd, 0);
-    refused("mount", EPERM, SYS_mount, "tmpfs", "/tmp", "tmpfs", 0, nullptr);
-    refused("umount2", EPERM, SYS_umount2, "/tmp", MNT_DETACH);
-    refused("pivot_root", EPERM, SYS_pivot_root, "/", "/");
-    refused("chroot", EPERM, SYS_chroot, "/tmp");
-    refused("setns", EPERM, SYS_setns, -1, 0);
-    refused("open_tree", ENOSYS, SYS_open_tree, AT_FDCWD, "/", 1);
-    refused("fsopen", ENOSYS, SYS_fsopen, "tmpfs", 0);
-    refused("io_uring_setup", ENOSYS, SYS_io_uring_setup, 1, nullptr);
-    refused("openat2", ENOSYS, SYS_openat2, AT_FDCWD, "/tmp", nullptr, 0);
-    refused("clone3", ENOSYS, SYS_clone3, nullptr, 0);
-    refused("a call of tomorrow", ENOSYS, 500);
+    for (const long call : {SYS_keyctl, SYS_add_key, SYS_request_key, SYS_ptrace,
+                            SYS_process_vm_readv, SYS_perf_event_open, SYS_bpf, SYS_userfaultfd,
+                            SYS_mount, SYS_umount2, SYS_pivot_root, SYS_chroot, SYS_setns})
+        refused(EPERM, call, 1, 0, 0, 0, 0, 0);
+    constexpr long ofTomorrow = 500;
+    for (const long call : {long{SYS_open_tree}, long{SYS_fsopen}, long{SYS_io_uring_setup},
+                            long{SYS_openat2}, long{SYS_clone3}, ofTomorrow})
+        refused(ENOSYS, call, 0, 0, 0, 0, 0, 0);
 }
 
 void attackNamespaces() {
-    const struct {
-        const char* name;
-        long kind;
-    } kinds[] = {{"user", CLONE_NEWUSER},    {"mount", CLONE_NEWNS}, {"process", CLONE_NEWPID},
-                 {"network", CLONE_NEWNET},  {"name", CLONE_NEWUTS}, {"memory", CLONE_NEWIPC},
-                 {"group", CLONE_NEWCGROUP}, {"time", CLONE_NEWTIME}};
-    for (const auto& [name, kind] : kinds) {
-        refused(name, EPERM, SYS_unshare, kind);
+    for (const long kind : {CLONE_NEWUSER, CLONE_NEWNS, CLONE_NEWPID, CLONE_NEWNET, CLONE_NEWUTS,
+                            CLONE_NEWIPC, CLONE_NEWCGROUP, CLONE_NEWTIME}) {
+        refused(EPERM, SYS_unshare, kind);
         if (kind == CLONE_NEWTIME)
             continue; // not to be had by clone
         for (const long bits : {0L, highBits}) {
-            errno = 0;
             const long child = ::syscall(SYS_clone, kind | bits | SIGCHLD, 0, 0, 0, 0);
             if (child == 0)
                 ::_exit(0);
             if (child > 0 || errno != EPERM)
-                broke(std::string("clone of a namespace: ") + name);
+                broke("clone of a namespace: " + std::to_string(kind));
         }
     }
 }
 
 void attackSockets(bool engine) {
-    const struct {
-        const char* name;
-        long family;
-    } families[] = {{"vsock", AF_VSOCK}, {"packet", AF_PACKET}, {"alg", AF_ALG},
-                    {"key", AF_KEY},     {"xdp", AF_XDP},       {"bluetooth", AF_BLUETOOTH}};
-    for (const auto& [name, family] : families)
+    for (const long family : {AF_VSOCK, AF_PACKET, AF_ALG, AF_KEY, AF_XDP, AF_BLUETOOTH})
         for (const long bits : {0L, highBits})
-            refused(name, EAFNOSUPPORT, SYS_socket, family | bits, SOCK_STREAM, 0);
+            refused(EAFNOSUPPORT, SYS_socket, family | bits, SOCK_STREAM, 0);
     if (engine)
-        refused("local sockets", EAFNOSUPPORT, SYS_socket, AF_UNIX, SOCK_STREAM, 0);
+        refused(EAFNOSUPPORT, SYS_socket, AF_UNIX, SOCK_STREAM, 0);
 }
 
 void attackSetIds() {
     const char* const file = "/tmp/set-id";
-    const struct {
-        unsigned long flags, mode, resolve;
-    } how[] = {{O_CREAT | O_WRONLY, 0755 | S_ISUID, 0}, {O_CREAT | O_WRONLY, 0755 | S_ISGID, 0}};
-    for (const int which : {0, 1}) {
-        const auto mode = static_cast<mode_t>(how[which].mode);
+    for (const mode_t mode : {0755U | S_ISUID, 0755U | S_ISGID}) {
+        const unsigned long how[] = {O_CREAT | O_WRONLY, mode, 0}; // of openat2
         const std::pair<const char*, std::function<void(int)>> ways[] = {
             {"chmod", [&](int) { ::chmod(file, mode); }},
             {"fchmod", [&](int open) { ::fchmod(open, mode); }},
@@ -152,8 +121,7 @@ void attackSetIds() {
             {"open", [&](int) { ::close(::open(file, O_CREAT | O_WRONLY, mode)); }},
             {"creat", [&](int) { ::close(::creat(file, mode)); }},
             {"mknod", [&](int) { ::mknod(file, S_IFREG | mode, 0); }},
-            {"openat2",
-             [&](int) { ::syscall(SYS_openat2, AT_FDCWD, file, &how[which], sizeof how[which]); }},
+            {"openat2", [&](int) { ::syscall(SYS_openat2, AT_FDCWD, file, how, sizeof how); }},
             {"a file without a name", [&](int) {
                  const int nameless = ::open("/tmp", O_TMPFILE | O_WRONLY, mode);
                  const std::string name = "/proc/self/fd/" + std::to_string(nameless);
@@ -184,22 +152,16 @@ void attackLimits() {
         if (::setrlimit(what, &limit) == 0)
             broke("a limit can be lifted: " + std::to_string(what));
     }
-    std::vector<pid_t> children;
-    while (children.size() < tooManyProcesses) {
+    unsigned children = 0;
+    for (; children < tooManyProcesses; ++children) {
         const pid_t child = ::fork();
-        if (child == 0)
+        if (child == 0 && ::prctl(PR_SET_PDEATHSIG, SIGKILL) == 0)
             while (true)
                 ::pause();
         if (child < 0)
-            break;
-        children.push_back(child);
+            return;
     }
-    if (children.size() >= tooManyProcesses)
-        broke("processes without number");
-    for (const pid_t child : children) {
-        ::kill(child, SIGKILL);
-        ::waitpid(child, nullptr, 0);
-    }
+    broke("processes without number");
 }
 
 void lookAround(const std::string& secret, const std::string& place, bool engine) {
@@ -221,12 +183,11 @@ void lookAround(const std::string& secret, const std::string& place, bool engine
         }
     }
     for (const std::string& number : namesIn("/proc/self/fd")) {
-        char target[4096] = "";
-        const std::string link = "/proc/self/fd/" + number;
-        if (::readlink(link.c_str(), target, sizeof target - 1) > 0 && std::stoi(number) > 2 &&
-            std::strstr(target, "/proc/") == nullptr && std::strstr(target, "pipe:") == target)
-            broke("descriptor " + number + " is " + target);
-        if (std::strstr(target, place.c_str()) != nullptr && std::stoi(number) > 2)
+        std::error_code error;
+        const std::string target =
+            std::filesystem::read_symlink("/proc/self/fd/" + number, error).native();
+        if (std::stoi(number) > 2 &&
+            (target.starts_with("pipe:") || target.find(place) != std::string::npos))
             broke("descriptor " + number + " is " + target);
     }
     for (const char* folder : {"/", "/usr", "/etc", "/opt", "/sys", "/proc/sys", "/dubrix"})
@@ -264,18 +225,12 @@ void attackByOldCalls() {
 #endif
 }
 
-/// Exchanges two names for as long as it lives.
-[[noreturn]] void swapForEver(const char* one, const char* other) {
-    while (true)
-        ::renameat2(AT_FDCWD, one, AT_FDCWD, other, RENAME_EXCHANGE);
-}
-
 } // namespace
 
 int main(int, char* words[]) {
     std::setvbuf(stdout, nullptr, _IONBF, 0);
-    if (std::string(words[1]) == "swap")
-        swapForEver(words[2], words[3]);
+    while (std::string(words[1]) == "swap")
+        ::renameat2(AT_FDCWD, words[2], AT_FDCWD, words[3], RENAME_EXCHANGE);
     const bool engine = std::string(words[1]) == "engine";
     attackTerminal();
     attackKernel();
@@ -287,6 +242,5 @@ int main(int, char* words[]) {
     if (!engine)
         attackLimits();
     std::puts("tried everything");
-    std::fflush(stdout);
     ::_exit(0);
 }
