@@ -1,3 +1,4 @@
+#include "screens/about/QVWebViewController.h"
 #include "screens/colors/ColorSpaces.h"
 #include "screens/colors/ColorWords.h"
 #include "screens/colors/QZColorPickerViewController.h"
@@ -130,21 +131,44 @@ TEST_F(HandTest, AHeldReturnOpensAndAnswersNothing) {
     EXPECT_TRUE(modals.topmost());
 }
 
-TEST_F(HandTest, AlertsBeginAtTheirFirstActionAndEscapeCancelsOnlyWhatCanBeCancelled) {
+TEST_F(HandTest, AlertsAreAnsweredOnceByEveryButtonAndByKeys) {
     std::string ran;
-    const auto noting = [&ran](const char* what) { return [&ran, what] { ran += what; }; };
+    const auto noting = [&](const char* what) {
+        return [&, what] { ran += what + std::string(modals.occupied() ? " too early " : " "); };
+    };
+    const std::function<void()> two = [&] {
+        prefs().show2ButtonAlertWithTitle("T", "M", "Yes", "No", noting("no"), noting("yes"));
+    };
+    const std::function<void()> three = [&] {
+        prefs().show3ButtonAlertWithTitle("T", "M", "A", "B", "C", noting("a"), noting("b"));
+    };
     const auto answered = [&] {
         QCoreApplication::processEvents();
         return !modals.topmost();
     };
-    prefs().show2ButtonAlertWithTitle("T", "M", "Yes", "No", noting("no "), noting("yes "));
+    for (const auto& [show, button] :
+         {std::pair{two, "No"}, {two, "Yes"}, {three, "A"}, {three, "B"}, {three, "C"}}) {
+        const std::string before = ran;
+        show();
+        AlertController& shown = *alert();
+        EXPECT_EQ(shown.title() + shown.message(), "TM");
+        for (const auto nowhere : {qsizetype{-1}, shown.buttons().size()})
+            shown.press(static_cast<int>(nowhere));
+        press(find(button));
+        shown.press(0); // too late
+        EXPECT_EQ(ran, before) << "not within the press";
+        EXPECT_TRUE(answered());
+    }
+    EXPECT_EQ(std::exchange(ran, {}), "no yes a b b ");
+
+    two();
     EXPECT_EQ(focused(), "Yes");
     EXPECT_LT(placeOf("No").x(), placeOf("Yes").x()) << "what cancels is at the left";
     key(Qt::Key_Left);
     EXPECT_EQ(focused(), "No");
     key(Qt::Key_Escape);
     EXPECT_TRUE(answered());
-    prefs().show3ButtonAlertWithTitle("T", "M", "A", "B", "C", noting("a "), noting("b "));
+    three();
     key(Qt::Key_Escape);
     EXPECT_FALSE(answered());
     EXPECT_TRUE(placeOf("A").y() < placeOf("B").y() && placeOf("B").y() < placeOf("C").y());
@@ -155,7 +179,7 @@ TEST_F(HandTest, AlertsBeginAtTheirFirstActionAndEscapeCancelsOnlyWhatCanBeCance
     key(Qt::Key_Up);
     key(Qt::Key_Return);
     EXPECT_TRUE(answered());
-    prefs().showSimpleAlertWithTitle("T", "M", "Ok");
+    prefs().showSimpleAlertWithTitle({}, {}, "Ok"); // a name may be absent
     key(Qt::Key_Escape);
     EXPECT_FALSE(answered());
     EXPECT_EQ(ran, "no a ");
@@ -265,6 +289,50 @@ TEST_F(HandTest, KeysLeadFromTabToTabToHelpAndOut) {
     EXPECT_FALSE(root->tabBarHidden());
     key(Qt::Key_Q, Qt::ControlModifier);
     EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(HandTest, RowsOfTheAboutScreenLeadOutAndToHelpPages) {
+    root->setSelectedIndex(1);
+    auto& tab = static_cast<NavigationController&>(*root->viewControllerAt(1));
+    auto& screen = static_cast<AboutTableViewController&>(*tab.topViewController());
+    const TableView& table = screen.aboutTable;
+    EXPECT_EQ(screen.versionString.text(), "Version 57");
+    const std::vector<std::string> clients{
+        "tweetbot:", "twitterrific:", "tweetings:", "twitter:", "https:"};
+    outside.installed = clients;
+    for (const std::string& client : clients) { // in the order of preference
+        click("Follow @iQ7r2m");
+        EXPECT_EQ(outside.opened.back().rfind(client), 0U) << outside.opened.back();
+        EXPECT_TRUE(outside.opened.back().ends_with("iQ7r2m")) << client;
+        EXPECT_TRUE(table.selectedSection() == -1 && !table.selectionAnimated());
+        std::erase(outside.installed, client);
+    }
+    click("Donate");
+    EXPECT_TRUE(outside.opened.back().starts_with("https://payments."));
+    EXPECT_TRUE(table.selectedSection() == -1 && !table.selectionAnimated());
+    screen.mail();
+    EXPECT_TRUE(outside.opened.back().starts_with("mailto:support%40"));
+    EXPECT_EQ(outside.opened.size(), 7U);
+
+    int row = 0;
+    for (const auto& [site, title, address] :
+         {std::tuple{"http://a:8", "Instructions", "http://a:8/pages/dubrix-instructions.php"},
+          {"http://a:8", "Changelog", "http://a:8/pages/dubrix-changelog.php"},
+          {"http://a:8", "Credits & FAQ", "http://a:8/pages/dubrix-faqcredits.php"},
+          {"", "Instructions", ""}}) {
+        outside.site = site;
+        screen.tableViewDidSelectRowAtIndexPath(1, row % 3);
+        auto* page = qobject_cast<QVWebViewController*>(tab.topViewController());
+        ASSERT_TRUE(page);
+        EXPECT_EQ(page->title() + page->webView->request().toString(), QString(title) + address);
+        EXPECT_TRUE(page->activityIndicator->animating() && !page->webView->bounces());
+        EXPECT_EQ(table.selectedRow(), row++ % 3) << "below its page";
+        tab.popViewController();
+        EXPECT_TRUE(table.selectedRow() == -1 && table.selectionAnimated());
+    }
+    screen.tableViewDidSelectRowAtIndexPath(1, 3);
+    EXPECT_FALSE(tab.canGoBack());
+    EXPECT_EQ(log.lines.back(), "\nindexPath.row 3 \nindex.section 1 \n");
 }
 
 TEST_F(HandTest, RowsObeyTheirCells) {

@@ -11,9 +11,6 @@ namespace dubrix {
 /// elements that are covered, and any of them while the event loop leaves user input alone.
 class PressTest : public WholeWindow {
 protected:
-    using Element = ScreenReader::Element;
-
-    static void press(Element* element) { ScreenReader::press(element); }
     void pressAll(const QList<Element*>& elements) const {
         for (Element* element : elements)
             press(element);

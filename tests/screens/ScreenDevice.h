@@ -7,22 +7,13 @@
 #include "screens/NotificationCenter.h"
 #include "screens/alerts/AlertController.h"
 #include "screens/containers/ModalStack.h"
+#include "tests/support/RecordedPlatform.h"
 #include "tests/support/RegisteredBundles.h"
 #include "tests/support/UnexpectedDownloads.h"
 
 #include <QCoreApplication>
-#include <functional>
 
 namespace dubrix {
-
-struct KeptLog final : SystemLog {
-    void log(const std::string& text) override {
-        lines.push_back(text);
-        heard(text);
-    }
-    std::vector<std::string> lines;
-    std::function<void(const std::string&)> heard = [](const std::string&) {};
-};
 
 /// A device of its own with the real platform on it, and what screens share.
 class ScreenDevice : public testing::Test {
@@ -57,7 +48,7 @@ protected:
 
     TemporaryFolder folder;
     Registry registry{folder.path()};
-    KeptLog log;
+    RecordedLog log;
     UnexpectedDownloads downloader;
     PosixPlatform posix{folder.path(), DEVICE_PATHS};
     PosixFileManager& files = posix.files;
