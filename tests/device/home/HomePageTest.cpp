@@ -83,6 +83,9 @@ TEST_F(HomePageTest, FindsARegistryThatIsMadeLater) {
     for (int changes = 0; applications.count() == 0 && changes < 4; ++changes)
         expectChange(applications);
     EXPECT_EQ(applications.count(), 1);
+    HomeScreen alone(applications, nullptr, "/");
+    alone.save("com.example.Late");
+    EXPECT_TRUE(alone.remark().startsWith("This is only possible when the launcher"));
 }
 
 TEST(HomeScreen, KeysWalkInReadingOrder) {
