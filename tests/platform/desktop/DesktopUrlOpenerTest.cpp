@@ -1,5 +1,5 @@
 #include "platform/desktop/DesktopUrlOpener.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/RegisteredBundles.h"
 
 #include <QDesktopServices>
 #include <QObject>
@@ -7,37 +7,30 @@
 
 namespace dubrix {
 
-/// Stands for the desktop's opener of one scheme.
+/// Stands for the desktop's opener of what must be opened, or not.
 class Desktop : public QObject {
     Q_OBJECT
 
 public:
-    explicit Desktop(const QString& scheme) : scheme_(scheme) {
-        QDesktopServices::setUrlHandler(scheme, this, "open");
+    Desktop() {
+        for (const char* scheme : {"mailto", "file"})
+            QDesktopServices::setUrlHandler(QLatin1String(scheme), this, "open");
     }
-    ~Desktop() override { QDesktopServices::unsetUrlHandler(scheme_); }
-
     Q_SLOT void open(const QUrl& url) { opened += url.toEncoded().toStdString() + "\n"; }
 
     std::string opened;
-
-private:
-    QString scheme_;
 };
 
 namespace {
 
 TEST(DesktopUrlOpener, OpensWhatTheDesktopOrAnInstalledApplicationOpens) {
     const TemporaryFolder device;
-    const std::string bundle = "/var/containers/Bundle/Application/1/Bird.app";
-    putFile(device.path() / bundle.substr(1) / "Info.plist",
-            "{CFBundleIdentifier = \"com.example.bird\"; CFBundleURLTypes = "
-            "({CFBundleURLSchemes = (Bird, bird2, b, \"\");});}");
+    const Registry registry(device.path());
+    makeFoldersOf(registry);
+    enterBundle(registry, "com.example.bird", "Bird",
+                "CFBundleURLTypes = ({CFBundleURLSchemes = (Bird, bird2, b, \"\");});");
     putFile(device / "Applications/Settings.app/Info.plist",
             "{CFBundleURLTypes = ({CFBundleURLSchemes = (prefs);});}");
-    const Registry registry(device.path());
-    ASSERT_TRUE(std::filesystem::create_directories(device / "var/containers/Bundle/Registry"));
-    ASSERT_TRUE(registry.enter("com.example.bird", bundle));
 
     const DesktopUrlOpener opener(device.path());
     for (const char* address :
@@ -52,13 +45,11 @@ TEST(DesktopUrlOpener, OpensWhatTheDesktopOrAnInstalledApplicationOpens) {
 
 TEST(DesktopUrlOpener, HandsOnlyHarmlessAddressesToTheDesktop) {
     DesktopUrlOpener opener("/none");
-    Desktop mail(QStringLiteral("mailto"));
-    Desktop file(QStringLiteral("file"));
+    const Desktop desktop;
     for (const char* address : {"mailto:a@b?attach=/etc/passwd", "file:///etc/passwd",
                                 "mailto:support%40example.org?subject=A%20(1.2)"})
         opener.openURL(address);
-    EXPECT_EQ(mail.opened, "mailto:support%40example.org?subject=A%20(1.2)\n");
-    EXPECT_EQ(file.opened, "");
+    EXPECT_EQ(desktop.opened, "mailto:support%40example.org?subject=A%20(1.2)\n");
 }
 
 } // namespace
