@@ -72,17 +72,6 @@ TEST_F(PressTest, WhatIsCoveredIsNeitherFoundNorPressed) {
     EXPECT_EQ(log.lines[lines], "Custom Name OFF") << "and what is uncovered works";
 }
 
-TEST_F(PressTest, AScreenThatLeavesTakesNoPress) {
-    press(find("Application"));
-    ASSERT_TRUE(QTest::qWaitFor([this] { return find("One"); }));
-    Element* const row = find("One");
-    const std::string before = contentsOf(settingsPath());
-    modals.dismiss(*modals.topmost(), true);
-    press(row);
-    EXPECT_FALSE(find("One"));
-    EXPECT_EQ(contentsOf(settingsPath()), before);
-}
-
 TEST_F(PressTest, NothingBeginsWhileThePipelineRuns) {
     // The first `cp` says that it has been started, and waits until it is let go on.
     const std::string runs = folder / "runs", gate = folder / "gate";

@@ -1,7 +1,6 @@
 #include "screens/about/QVWebViewController.h"
 #include "tests/support/LoopbackServer.h"
 
-#include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlExtensionPlugin>
@@ -9,7 +8,6 @@
 #include <QQuickView>
 #include <QTimer>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 Q_IMPORT_QML_PLUGIN(DubrixPlugin)
 
@@ -107,15 +105,4 @@ TEST(WebPage, SpinsOnceUntilThereIsSomethingToSee) {
 /// whose memory it is that it keeps.
 extern "C" const char* __asan_default_options() {
     return "new_delete_type_mismatch=0:fast_unwind_on_malloc=0";
-}
-
-int main(int count, char** arguments) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_QUICK_BACKEND", "software");
-    if (::geteuid() == 0)
-        qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QGuiApplication application(count, arguments);
-    testing::InitGoogleTest(&count, arguments);
-    return RUN_ALL_TESTS();
 }
