@@ -63,23 +63,20 @@ TEST_F(LookTest, TheSelectedTabHasTheFullerImage) {
     EXPECT_EQ(delegate.applicationSupportedInterfaceOrientationsForWindow(), 30U) << "all four";
 }
 
-struct Stillness {
-    Stillness() { chooseMotion(true); }
-    ~Stillness() { chooseMotion(false); }
-};
-
-/// With the type of a person who sees badly.
-struct LargeType {
-    LargeType() { chooseSize(20); }
-    ~LargeType() { chooseSize(11); }
-    static void chooseSize(int points) {
+/// Without movement, and with type of this size: 20 is for a person who sees badly.
+template<int points = 11>
+struct Still {
+    Still() { choose(true, points); }
+    ~Still() { choose(false, 11); }
+    static void choose(bool still, int size) {
+        chooseMotion(still);
         QFont font = QGuiApplication::font();
-        font.setPointSize(points);
+        font.setPointSize(size);
         QGuiApplication::setFont(font);
     }
 };
 
-class LargeTypeTest : private LargeType, private Stillness, public LookTest {};
+class LargeTypeTest : private Still<20>, public LookTest {};
 
 TEST_F(LargeTypeTest, NoWordsAreCutInTheSmallestWindow) {
     EXPECT_GT(window->minimumWidth(), 500);
@@ -98,7 +95,7 @@ TEST_F(LargeTypeTest, NoWordsAreCutInTheSmallestWindow) {
     EXPECT_EQ(cut(), QStringList());
 }
 
-class StillTest : private Stillness, public LookTest {};
+class StillTest : private Still<>, public LookTest {};
 
 TEST_F(StillTest, WhatComesIsThereAtOnceAndGoesInItsTime) {
     prefs().showSimpleAlertWithTitle("T", "M", "Ok");
@@ -150,11 +147,10 @@ TEST(Icons, AreDrawnRoundKeptAndGreyWhereThereIsNone) {
     ApplicationIconProvider provider([&](const std::string& path, unsigned) {
         ++asked;
         std::optional<RgbaImage> picture;
-        if (path.ends_with("red")) {
+        if (path.ends_with("red"))
             picture.emplace(40, 20);
-            for (std::size_t byte = 0; byte < 40 * 20 * 4; ++byte)
-                picture->bytes[byte] = byte % 4 == 0 || byte % 4 == 3 ? 255 : 0;
-        }
+        for (std::size_t byte = 0; picture && byte < 40 * 20 * 4; ++byte)
+            picture->bytes[byte] = byte % 4 == 0 || byte % 4 == 3 ? 255 : 0;
         return picture;
     });
     const QImage red = provider.icon("/red", 58);

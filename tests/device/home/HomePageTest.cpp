@@ -109,7 +109,7 @@ TEST(HomeScreen, KeysWalkInReadingOrder) {
     EXPECT_EQ(HomeScreen::walk(Qt::Key_Left, 0, 0, 0, 0), -1);
 }
 
-TEST(Wallpaper, IsACalmPictureWithAGlowInTheSky) {
+TEST(Wallpaper, HasAGlowInASkyOfItsAppearance) {
     for (const bool dark : {false, true}) {
         QSize size;
         const QImage image = Wallpaper().requestImage(dark ? "dark" : "light", &size, {});
@@ -117,10 +117,6 @@ TEST(Wallpaper, IsACalmPictureWithAGlowInTheSky) {
         const auto light = [&](int x, int y) { return qGray(image.pixel(x, y)); };
         EXPECT_EQ(light(500, 0) < 128, dark);
         EXPECT_GT(light(640, 420), light(100, 420) + 5);
-        int edges = 0;
-        for (int x = 1; x < size.width(); ++x)
-            edges += std::abs(light(x, 700) - light(x - 1, 700)) > 2 ? 1 : 0;
-        EXPECT_TRUE(edges > 0 && edges < 12) << edges << " where slopes meet";
     }
 }
 
