@@ -107,12 +107,9 @@ TEST_F(ColorsTest, APickerIsAsItsDelegateWantsIt) {
         EXPECT_FALSE(modals.occupied());
         EXPECT_EQ(screen->copyButton()->backgroundColor(), QColor(255, 0, 0));
     }
-    for (const char* button : {"GO", "Cancel"}) {
-        screen->showAlert();
-        EXPECT_EQ(title(), "AlertView");
-        press(button);
-        EXPECT_FALSE(modals.occupied()) << button;
-    }
+    screen->showAlert();
+    press("GO");
+    EXPECT_FALSE(modals.occupied());
     EXPECT_FALSE(files.fileExistsAtPath(settingsFilePath));
 }
 

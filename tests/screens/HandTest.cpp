@@ -25,49 +25,38 @@ protected:
             << modals.rowCount() << " modal; window active: " << window->isActive();
         ASSERT_TRUE(settled());
     }
-    /// Every Tab stop has a name for a screen reader, and the Tab key comes by all.
-    void expectReachableAndNamed(int atLeast) const {
-        ASSERT_TRUE(settled());
-        QSet<QQuickItem*> stops;
-        const std::function<void(QQuickItem*)> collect = [&](QQuickItem* item) {
-            if (!item->isVisible() || !item->isEnabled())
-                return;
-            const QAccessibleInterface* element = QAccessible::queryAccessibleInterface(item);
-            if (item->activeFocusOnTab()) {
-                stops.insert(item);
-                EXPECT_TRUE(element && element->text(QAccessible::Name) != "")
-                    << item->metaObject()->className();
-            }
-            for (QQuickItem* child : item->childItems())
-                collect(child);
-        };
-        collect(window->contentItem());
-        EXPECT_GE(stops.size(), atLeast);
-        for (qsizetype press = stops.size() + 1; press > 0; --press) {
+    /// Where the Tab key leads, once round, by what screen readers call it.
+    std::string stops() const {
+        EXPECT_TRUE(settled());
+        QStringList names;
+        do {
             key(Qt::Key_Tab);
-            // Within a list, a row of it has the keyboard.
-            for (QQuickItem* item = window->activeFocusItem(); item; item = item->parentItem())
-                stops.remove(item);
-        }
-        for (const QQuickItem* missed : stops)
-            ADD_FAILURE() << "Tab does not reach " << missed->metaObject()->className();
+            names << focused();
+        } while (names.size() < 20 && (names.size() == 1 || names.back() != names.front()));
+        names.removeLast();
+        names.sort();
+        return names.join(u',').toStdString();
     }
 };
 
-TEST_F(HandTest, EveryScreenIsReachableAndNamed) {
-    for (const int tab : {0, 1, 2}) {
-        SCOPED_TRACE("tab " + std::to_string(tab));
+TEST_F(HandTest, TabLeadsToAllOfEveryScreen) {
+    const char* const tabs[] = {
+        "About,Application,Color test,Custom color,Custom name,Done,Duplicate,Name,Select color,"
+        "Settings,Update duplicates",
+        "About,Changelog,Color test,Credits & FAQ,Donate,Follow @iQ7r2m,Instructions,Settings",
+        "About,Color test,Select Color,Settings"};
+    for (int tab = 0; tab < 3; ++tab) {
         root->setSelectedIndex(tab);
-        expectReachableAndNamed(tab == 2 ? 4 : 8);
+        EXPECT_EQ(stops(), tabs[tab]);
     }
     root->setSelectedIndex(0);
-    for (const auto& [section, row, stops] : {std::tuple{0, 0, 3}, {2, 1, 2}, {3, 0, 2}}) {
-        SCOPED_TRACE("row of section " + std::to_string(section));
+    for (const auto& [section, row, expected] : {std::tuple{0, 0, "Cancel,One,Search"},
+                                                 {2, 1, "Cancel,Red 0, green 0, blue 0"},
+                                                 {3, 0, "Cancel,Duplicate"}}) {
         prefs().tableViewDidSelectRowAtIndexPath(section, row);
-        ASSERT_TRUE(modals.topmost());
-        expectReachableAndNamed(stops);
+        EXPECT_EQ(stops(), expected);
         modals.dismiss(*modals.topmost(), false);
-        QCoreApplication::processEvents();
+        ASSERT_TRUE(alone());
     }
 }
 
@@ -153,7 +142,6 @@ TEST_F(HandTest, AlertsAreAnsweredOnceByEveryButtonAndByKeys) {
         const std::string before = ran;
         show();
         AlertController& shown = *alert();
-        EXPECT_EQ(shown.title() + shown.message(), "TM");
         for (const auto nowhere : {qsizetype{-1}, shown.buttons().size()})
             shown.press(static_cast<int>(nowhere));
         press(find(button));
@@ -244,13 +232,11 @@ TEST_F(HandTest, AColorIsPickedByKeysAndShown) {
     EXPECT_EQ(names.size(), 216);
     EXPECT_EQ(marked, 1);
     const std::vector<std::pair<std::vector<int>, std::size_t>> ways{
-        {{}, 0},
         {{Qt::Key_Left, Qt::Key_Up}, 0},
         {{Qt::Key_Right, Qt::Key_Right}, 2},
         {{Qt::Key_Down, Qt::Key_Down}, 14}, // six in a row
         {{Qt::Key_Up, Qt::Key_Left}, 7},
-        {{Qt::Key_End}, 215},
-        {{Qt::Key_Right, Qt::Key_Down}, 215},
+        {{Qt::Key_End, Qt::Key_Right, Qt::Key_Down}, 215},
         {{Qt::Key_Home}, 0},
         {{Qt::Key_End, Qt::Key_Up}, 209}};
     for (const auto& [keys, item] : ways) {

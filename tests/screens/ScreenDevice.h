@@ -20,18 +20,17 @@ class ScreenDevice : public testing::Test {
 protected:
     ScreenDevice() {
         makeFoldersOf(registry);
-        std::filesystem::create_directories(settingsPath().parent_path());
+        std::filesystem::create_directories(folder / "var/mobile/Library/Preferences");
     }
 
     void install(const std::string& identifier, const std::string& name,
                  const std::string& more = "") const {
         enterBundle(registry, identifier, name, more);
     }
-    std::filesystem::path settingsPath() const {
-        return folder / "var/mobile/Library/Preferences/com.q7r2m.dubrix2.plist";
-    }
     /// Writes the settings file, in old-style text.
-    void choose(const std::string& settings) const { putFile(settingsPath(), settings); }
+    void choose(const std::string& settings) const {
+        putFile(folder.path().native() + settingsFilePath, settings);
+    }
     std::string stored(std::string_view key) {
         const auto value = DXShared(files, log).retrieveValueForKey(key);
         return value ? value->stringValue().value_or("absent") : "absent";
