@@ -67,17 +67,6 @@ TEST(HelpSite, EveryPageAndEveryLinkAnswersAndNothingElse) {
         EXPECT_EQ(ask("GET", path).status, 404) << path;
 }
 
-/// A connection of somebody who says nothing.
-int silentConnection(const std::string& address) {
-    sockaddr_in place{};
-    place.sin_family = AF_INET;
-    place.sin_port = htons(std::stoi(address.substr(address.rfind(':') + 1)));
-    place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    const int connection = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    EXPECT_EQ(::connect(connection, reinterpret_cast<sockaddr*>(&place), sizeof place), 0);
-    return connection;
-}
-
 TEST(HelpSite, GoesOnBesideSilentConnectionsAndStopsWithItsObject) {
     std::string address;
     std::vector<int> silent;
@@ -85,8 +74,15 @@ TEST(HelpSite, GoesOnBesideSilentConnectionsAndStopsWithItsObject) {
         HelpSite site;
         address = site.siteAddress();
         EXPECT_NE(HelpSite().siteAddress(), address);
-        for (int count = 0; count < 4; ++count)
-            silent.push_back(silentConnection(address));
+        sockaddr_in place{};
+        place.sin_family = AF_INET;
+        place.sin_port = htons(std::stoi(address.substr(address.rfind(':') + 1)));
+        place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        for (int count = 0; count < 4; ++count) {
+            silent.push_back(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+            EXPECT_EQ(::connect(silent.back(), reinterpret_cast<sockaddr*>(&place), sizeof place),
+                      0);
+        }
         EXPECT_TRUE(httplib::Client(address).Get(pages[1]));
     }
     EXPECT_FALSE(httplib::Client(address).Get(pages[1])) << "nobody listens any more";

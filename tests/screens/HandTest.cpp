@@ -1,3 +1,4 @@
+#include "screens/about/QVWebViewController.h"
 #include "screens/colors/ColorSpaces.h"
 #include "screens/colors/ColorWords.h"
 #include "screens/colors/QZColorPickerViewController.h"
@@ -20,67 +21,58 @@ protected:
         QCoreApplication::processEvents();
     }
     void waitFor(const QString& application) const {
-        ASSERT_TRUE(QTest::qWaitFor([&] { return find(application); }))
+        ASSERT_TRUE(QTest::qWaitFor([&] { return find(application); }, 20'000))
             << modals.rowCount() << " modal; window active: " << window->isActive();
         ASSERT_TRUE(settled());
     }
-    /// Every Tab stop has a name and a role for a screen reader, and the Tab key comes by all.
-    void expectReachableAndNamed(int atLeast) const {
-        ASSERT_TRUE(settled());
-        QSet<QQuickItem*> stops;
-        const std::function<void(QQuickItem*)> collect = [&](QQuickItem* item) {
-            if (!item->isVisible() || !item->isEnabled())
-                return;
-            const QAccessibleInterface* element = QAccessible::queryAccessibleInterface(item);
-            if (item->activeFocusOnTab()) {
-                stops.insert(item);
-                EXPECT_TRUE(element && element->text(QAccessible::Name) != "" &&
-                            element->role() != QAccessible::NoRole)
-                    << item->metaObject()->className();
-            }
-            for (QQuickItem* child : item->childItems())
-                collect(child);
-        };
-        collect(window->contentItem());
-        EXPECT_GE(stops.size(), atLeast);
-        for (qsizetype press = stops.size() + 1; press > 0; --press) {
+    /// Where the Tab key leads, once round, by what screen readers call it.
+    std::string stops() const {
+        EXPECT_TRUE(settled());
+        QStringList names;
+        do {
             key(Qt::Key_Tab);
-            // Within a list, a row of it has the keyboard.
-            for (QQuickItem* item = window->activeFocusItem(); item; item = item->parentItem())
-                stops.remove(item);
-        }
-        for (const QQuickItem* missed : stops)
-            ADD_FAILURE() << "Tab does not reach " << missed->metaObject()->className();
+            names << focused();
+        } while (names.size() < 20 && (names.size() == 1 || names.back() != names.front()));
+        names.removeLast();
+        names.sort();
+        return names.join(u',').toStdString();
     }
 };
 
-TEST_F(HandTest, EveryScreenIsReachableAndNamed) {
-    for (const int tab : {0, 1, 2}) {
-        SCOPED_TRACE("tab " + std::to_string(tab));
+TEST_F(HandTest, TabLeadsToAllOfEveryScreen) {
+    const char* const tabs[] = {
+        "About,Application,Color test,Custom color,Custom name,Done,Duplicate,Name,Select color,"
+        "Settings,Update duplicates",
+        "About,Changelog,Color test,Credits & FAQ,Donate,Follow @iQ7r2m,Instructions,Settings",
+        "About,Color test,Select Color,Settings"};
+    for (int tab = 0; tab < 3; ++tab) {
         root->setSelectedIndex(tab);
-        expectReachableAndNamed(tab == 2 ? 4 : 8);
+        EXPECT_EQ(stops(), tabs[tab]);
     }
     root->setSelectedIndex(0);
-    for (const auto& [section, row, stops] : {std::tuple{0, 0, 3}, {2, 1, 2}, {3, 0, 2}}) {
-        SCOPED_TRACE("row of section " + std::to_string(section));
+    for (const auto& [section, row, expected] : {std::tuple{0, 0, "Cancel,One,Search"},
+                                                 {2, 1, "Cancel,Red 0, green 0, blue 0"},
+                                                 {3, 0, "Cancel,Duplicate"}}) {
         prefs().tableViewDidSelectRowAtIndexPath(section, row);
-        ASSERT_TRUE(modals.topmost());
-        expectReachableAndNamed(stops);
+        EXPECT_EQ(stops(), expected);
         modals.dismiss(*modals.topmost(), false);
-        QCoreApplication::processEvents();
+        ASSERT_TRUE(alone());
     }
 }
 
-TEST_F(HandTest, ASecondClickDoesNotGoThroughWhatIsLeaving) {
+TEST_F(HandTest, WhatIsLeavingTakesNoPressAndLetsNoneThrough) {
     const QPoint places[] = {placeOf("Custom color"), placeOf("Duplicate"), placeOf("About")};
     click("Application");
     waitFor("One");
+    Element* const row = find("One");
     click("One");
     ASSERT_TRUE(QTest::qWaitFor([this] { return !modals.topmost(); }));
     ASSERT_EQ(modals.rowCount(), 1) << "still leaving";
+    EXPECT_FALSE(find("One"));
     const std::size_t lines = log.lines.size();
     for (const QPoint& place : places)
         click(place);
+    press(row);
     EXPECT_EQ(log.lines.size(), lines) << log.lines.back();
     EXPECT_EQ(root->selectedIndex(), 0);
     ASSERT_TRUE(settled());
@@ -130,21 +122,43 @@ TEST_F(HandTest, AHeldReturnOpensAndAnswersNothing) {
     EXPECT_TRUE(modals.topmost());
 }
 
-TEST_F(HandTest, AlertsBeginAtTheirFirstActionAndEscapeCancelsOnlyWhatCanBeCancelled) {
+TEST_F(HandTest, AlertsAreAnsweredOnceByEveryButtonAndByKeys) {
     std::string ran;
-    const auto noting = [&ran](const char* what) { return [&ran, what] { ran += what; }; };
+    const auto noting = [&](const char* what) {
+        return [&, what] { ran += what + std::string(modals.occupied() ? " too early " : " "); };
+    };
+    const std::function<void()> two = [&] {
+        prefs().show2ButtonAlertWithTitle("T", "M", "Yes", "No", noting("no"), noting("yes"));
+    };
+    const std::function<void()> three = [&] {
+        prefs().show3ButtonAlertWithTitle("T", "M", "A", "B", "C", noting("a"), noting("b"));
+    };
     const auto answered = [&] {
         QCoreApplication::processEvents();
         return !modals.topmost();
     };
-    prefs().show2ButtonAlertWithTitle("T", "M", "Yes", "No", noting("no "), noting("yes "));
+    for (const auto& [show, button] :
+         {std::pair{two, "No"}, {two, "Yes"}, {three, "A"}, {three, "B"}, {three, "C"}}) {
+        const std::string before = ran;
+        show();
+        AlertController& shown = *alert();
+        for (const auto nowhere : {qsizetype{-1}, shown.buttons().size()})
+            shown.press(static_cast<int>(nowhere));
+        press(find(button));
+        shown.press(0); // too late
+        EXPECT_EQ(ran, before) << "not within the press";
+        EXPECT_TRUE(answered());
+    }
+    EXPECT_EQ(std::exchange(ran, {}), "no yes a b b ");
+
+    two();
     EXPECT_EQ(focused(), "Yes");
     EXPECT_LT(placeOf("No").x(), placeOf("Yes").x()) << "what cancels is at the left";
     key(Qt::Key_Left);
     EXPECT_EQ(focused(), "No");
     key(Qt::Key_Escape);
     EXPECT_TRUE(answered());
-    prefs().show3ButtonAlertWithTitle("T", "M", "A", "B", "C", noting("a "), noting("b "));
+    three();
     key(Qt::Key_Escape);
     EXPECT_FALSE(answered());
     EXPECT_TRUE(placeOf("A").y() < placeOf("B").y() && placeOf("B").y() < placeOf("C").y());
@@ -155,7 +169,7 @@ TEST_F(HandTest, AlertsBeginAtTheirFirstActionAndEscapeCancelsOnlyWhatCanBeCance
     key(Qt::Key_Up);
     key(Qt::Key_Return);
     EXPECT_TRUE(answered());
-    prefs().showSimpleAlertWithTitle("T", "M", "Ok");
+    prefs().showSimpleAlertWithTitle({}, {}, "Ok"); // a name may be absent
     key(Qt::Key_Escape);
     EXPECT_FALSE(answered());
     EXPECT_EQ(ran, "no a ");
@@ -218,13 +232,11 @@ TEST_F(HandTest, AColorIsPickedByKeysAndShown) {
     EXPECT_EQ(names.size(), 216);
     EXPECT_EQ(marked, 1);
     const std::vector<std::pair<std::vector<int>, std::size_t>> ways{
-        {{}, 0},
         {{Qt::Key_Left, Qt::Key_Up}, 0},
         {{Qt::Key_Right, Qt::Key_Right}, 2},
         {{Qt::Key_Down, Qt::Key_Down}, 14}, // six in a row
         {{Qt::Key_Up, Qt::Key_Left}, 7},
-        {{Qt::Key_End}, 215},
-        {{Qt::Key_Right, Qt::Key_Down}, 215},
+        {{Qt::Key_End, Qt::Key_Right, Qt::Key_Down}, 215},
         {{Qt::Key_Home}, 0},
         {{Qt::Key_End, Qt::Key_Up}, 209}};
     for (const auto& [keys, item] : ways) {
@@ -265,6 +277,49 @@ TEST_F(HandTest, KeysLeadFromTabToTabToHelpAndOut) {
     EXPECT_FALSE(root->tabBarHidden());
     key(Qt::Key_Q, Qt::ControlModifier);
     EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(HandTest, RowsOfTheAboutScreenLeadOutAndToHelpPages) {
+    root->setSelectedIndex(1);
+    auto& tab = static_cast<NavigationController&>(*root->viewControllerAt(1));
+    auto& screen = static_cast<AboutTableViewController&>(*tab.topViewController());
+    const TableView& table = screen.aboutTable;
+    EXPECT_EQ(screen.versionString.text(), "Version 57");
+    const std::vector<std::string> clients{
+        "tweetbot:", "twitterrific:", "tweetings:", "twitter:", "https:"};
+    outside.installed = clients;
+    for (const std::string& client : clients) { // in the order of preference
+        click("Follow @iQ7r2m");
+        EXPECT_EQ(outside.opened.back().rfind(client), 0U) << outside.opened.back();
+        EXPECT_TRUE(outside.opened.back().ends_with("iQ7r2m")) << client;
+        EXPECT_TRUE(table.selectedSection() == -1 && !table.selectionAnimated());
+        std::erase(outside.installed, client);
+    }
+    click("Donate");
+    EXPECT_TRUE(outside.opened.back().starts_with("https://payments."));
+    EXPECT_TRUE(table.selectedSection() == -1 && !table.selectionAnimated());
+    screen.mail();
+    EXPECT_TRUE(outside.opened.back().starts_with("mailto:support%40"));
+    EXPECT_EQ(outside.opened.size(), 7U);
+
+    int row = 0;
+    for (const char* page :
+         {"Instructions http://a:8/pages/dubrix-instructions.php",
+          "Changelog http://a:8/pages/dubrix-changelog.php",
+          "Credits & FAQ http://a:8/pages/dubrix-faqcredits.php", "Instructions "}) {
+        outside.site = row < 3 ? "http://a:8" : "";
+        screen.tableViewDidSelectRowAtIndexPath(1, row % 3);
+        auto* shown = qobject_cast<QVWebViewController*>(tab.topViewController());
+        ASSERT_TRUE(shown);
+        EXPECT_EQ(shown->title() + " " + shown->webView->request().toString(), page);
+        EXPECT_TRUE(shown->activityIndicator->animating() && !shown->webView->bounces());
+        EXPECT_EQ(table.selectedRow(), row++ % 3) << "below its page";
+        tab.popViewController();
+        EXPECT_TRUE(table.selectedRow() == -1 && table.selectionAnimated());
+    }
+    screen.tableViewDidSelectRowAtIndexPath(1, 3);
+    EXPECT_FALSE(tab.canGoBack());
+    EXPECT_EQ(log.lines.back(), "\nindexPath.row 3 \nindex.section 1 \n");
 }
 
 TEST_F(HandTest, RowsObeyTheirCells) {

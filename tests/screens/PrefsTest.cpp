@@ -1,10 +1,11 @@
 #include "screens/prefs/PrefsViewController.h"
 
+#include "screens/alerts/AlertView.h"
 #include "tests/screens/ScreenDevice.h"
 
-namespace dubrix {
+#include <QTest>
 
-using Lines = std::vector<std::string>;
+namespace dubrix {
 
 class PrefsTest : public ScreenDevice {
 protected:
@@ -32,20 +33,12 @@ protected:
                                   screen->tableViewHeightForRowAtIndexPath(section, row)));
         return text;
     }
-    /// A block that notes its name and what is presented when it runs.
-    AlertBlock noting(const char* what) {
-        return [this, what] { ran.push_back(what + (" over [" + title().toStdString() + "]")); };
-    }
 
     std::unique_ptr<PrefsViewController> screen;
-    Lines ran;
 };
 
 TEST_F(PrefsTest, LoadsFromTheSettings) {
-    const struct {
-        const char* settings;
-        const char* shown;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"{}", "[ ] [] #ff000000 0 1 0 1 1 44 44 0 44 0 0 44 44"},
         {"(a, b)", "[ ] [] #ff000000 0 1 0 1 1 44 44 0 44 0 0 44 44"},
         {"{appName = \"\"; customText = Work; customNameToggle = 1; Green = 1;}",
@@ -73,98 +66,95 @@ TEST_F(PrefsTest, SwitchesShowTheirRowsAskForAReloadAndThenStore) {
         QCoreApplication::sendPostedEvents(&screen->prefTable);
         EXPECT_EQ(screen->prefTable.reloads(), ++reloads) << "it was asked for before";
     };
-    const struct {
-        void (PrefsViewController::*change)(bool);
-        bool on;
-        const char* said;
-        const char* stored;
-        const char* shown;
-    } cases[] = {
+    using Change = void (PrefsViewController::*)(bool);
+    const std::tuple<Change, bool, const char*, const char*> cases[] = {
         {&PrefsViewController::nameSwitchChanged, true, "Custom Name ON",
-         "1 - For Key customNameToggle", " 1 0 0 1 1 44 44 44 44 0 0 44 44"},
+         " 1 0 0 1 1 44 44 44 44 0 0 44 44"},
         {&PrefsViewController::colorSwitchChanged, true, "Custom Color ON",
-         "1 - For Key customColorToggle", " 1 0 1 0 0 44 44 44 44 44 16 44 44"},
+         " 1 0 1 0 0 44 44 44 44 44 16 44 44"},
         {&PrefsViewController::nameSwitchChanged, false, "Custom Name OFF",
-         "0 - For Key customNameToggle", " 0 1 1 0 0 44 44 0 44 44 16 44 44"},
+         " 0 1 1 0 0 44 44 0 44 44 16 44 44"},
         {&PrefsViewController::colorSwitchChanged, false, "Custom Color OFF",
-         "0 - For Key customColorToggle", " 0 1 0 1 1 44 44 0 44 0 0 44 44"},
-    };
-    for (const auto& [change, on, said, stored, expected] : cases) {
+         " 0 1 0 1 1 44 44 0 44 0 0 44 44"}};
+    for (const auto& [change, on, said, expected] : cases) {
         log.lines.clear();
         (screen.get()->*change)(on);
-        EXPECT_EQ(log.lines, (Lines{said, std::string("Adding Object: ") + stored,
-                                    "Wrote to file successfully"}));
+        EXPECT_EQ(log.lines.at(0), said);
         EXPECT_EQ(shown(), std::string("[ ] [] #ff000000") + expected);
     }
+    EXPECT_EQ(reloads, 4);
 }
 
 TEST_F(PrefsTest, RowsStartTheirActions) {
     load("{}");
+    const TableView& table = screen->prefTable;
     int selected = -1; // when something is presented
-    QObject::connect(&modals, &ModalStack::occupiedChanged, screen.get(), [&] {
-        if (modals.occupied())
-            selected = screen->prefTable.selectedSection();
-    });
-    for (const auto& [section, row] : {std::pair{1, 0}, {2, 0}, {2, 2}, {0, 1}}) {
-        log.lines.clear();
+    QObject::connect(&modals, &ModalStack::occupiedChanged, screen.get(),
+                     [&] { selected = modals.occupied() ? table.selectedSection() : -1; });
+    for (const auto& [section, row, expected] : {std::tuple{1, 0, ""},
+                                                 {2, 0, ""},
+                                                 {2, 2, ""},
+                                                 {0, 1, ""},
+                                                 {3, 0, "Please select an app from the list"},
+                                                 {4, 0, "The selected app is not installed"},
+                                                 {0, 0, "a sheet"},
+                                                 {2, 1, "a sheet"}}) {
+        SCOPED_TRACE(std::to_string(section) + " " + std::to_string(row));
         screen->tableViewDidSelectRowAtIndexPath(section, row);
-        EXPECT_EQ(log.lines, Lines{"\nindexPath.row " + std::to_string(row) + " \nindex.section " +
-                                   std::to_string(section) + " \n"});
-        EXPECT_FALSE(modals.occupied()) << section;
-    }
-    for (const auto& [section, message] : {std::pair{3, "Please select an app from the list"},
-                                           {4, "The selected app is not installed"}}) {
-        screen->tableViewDidSelectRowAtIndexPath(section, 0);
-        ASSERT_EQ(title(), "Dubrix");
-        EXPECT_EQ(alert()->message(), message);
+        const bool covered = modals.occupied() && !alert();
+        EXPECT_EQ(alert() ? alert()->message() : covered ? "a sheet" : "", expected);
+        if (!modals.occupied())
+            continue;
         EXPECT_EQ(selected, section) << "deselected when the action is over";
-        EXPECT_EQ(screen->prefTable.selectedSection(), -1);
-        EXPECT_FALSE(screen->prefTable.selectionAnimated());
-        press("Ok");
-    }
-    for (const auto& [section, row] : {std::pair{0, 0}, {2, 1}}) {
-        screen->tableViewDidSelectRowAtIndexPath(section, row);
-        ASSERT_TRUE(modals.occupied());
-        EXPECT_EQ(screen->prefTable.selectedRow(), row) << "below the sheet";
+        EXPECT_EQ(table.selectedRow(), covered ? row : -1);
         modals.topmost()->dismissBySystem();
-        EXPECT_EQ(screen->prefTable.selectedRow(), -1);
-        EXPECT_TRUE(screen->prefTable.selectionAnimated());
+        EXPECT_EQ(table.selectedRow(), -1);
+        EXPECT_EQ(table.selectionAnimated(), covered);
     }
 }
 
-TEST_F(PrefsTest, EveryButtonRunsItsBlockOnceAfterTheDismissal) {
+TEST_F(PrefsTest, AnAlertViewReportsEachShowingOnceAndLivesAsLong) {
     load("{}");
-    const auto one = [&] { screen->showSimpleAlertWithTitle("T", "M\nM", "Ok"); };
-    const auto two = [&] {
-        screen->show2ButtonAlertWithTitle("T", "M\nM", "Yes", "No", noting("no"), noting("yes"));
+    std::vector<ButtonIndex> reported;
+    auto view = AlertView::make(*screen, "Title", "Message");
+    const std::weak_ptr watched = view;
+    view->addButtonWithTitle("Later");
+    view->setCancelButtonIndex(view->addButtonWithTitle("Cancel"));
+    auto token = std::make_shared<int>(); // held by the completion block and its copies alone
+    INAlertWrapper::CompletionBlock completion = [&, token](AlertView& told, ButtonIndex index) {
+        EXPECT_EQ(&told, watched.lock().get());
+        reported.push_back(index);
     };
-    const auto three = [&] {
-        screen->show3ButtonAlertWithTitle("T", "M\nM", "A", "B", "C", noting("a"), noting("b"));
-    };
-    const struct {
-        std::function<void()> show;
-        int pressed;
-        Lines ran;
-    } cases[] = {{one, 0, {}},
-                 {two, 0, {"no over []"}},
-                 {two, 1, {"yes over []"}},
-                 {three, 0, {"a over []"}},
-                 {three, 1, {"b over []"}},
-                 {three, 2, {"b over []"}}};
-    for (const auto& [show, pressed, expected] : cases) {
-        ran.clear();
-        show();
-        ASSERT_EQ(title() + alert()->message(), "TM\nM");
-        const QPointer<AlertController> shown = alert();
-        for (const int each : {-1, static_cast<int>(shown->buttons().size()), pressed, 0})
-            shown->press(each); // only the first that is there counts
-        EXPECT_EQ(ran, Lines()) << "not within the press";
-        QCoreApplication::processEvents();
-        EXPECT_EQ(alert(), nullptr);
-        EXPECT_EQ(ran, expected);
-    }
-    screen->showSimpleAlertWithTitle({}, {}, "Ok"); // a name may be absent
-    EXPECT_EQ(alert()->title() + alert()->message(), "");
+    const std::weak_ptr used = std::exchange(token, nullptr);
+
+    view->showWithCompletion([&](AlertView& told, ButtonIndex index) {
+        reported.push_back(10 + index);
+        told.showWithCompletion(completion); // again, by its own completion
+    });
+    ASSERT_EQ(title(), "Title");
+    EXPECT_TRUE(modals.data(modals.index(0), ModalStack::AnimatedRole).toBool());
+    view->show(); // already
+    EXPECT_EQ(modals.rowCount(), 1);
+    press("Later");
+    EXPECT_TRUE(alert());
+    view->cancelBySystem();
+    view->cancelBySystem();
+    EXPECT_FALSE(alert());
+    view->show();
+    alert()->press(0);
+    view->cancelBySystem(); // between the press and now
+    QCoreApplication::processEvents();
+    view->show();
+    view.reset();
+    completion = nullptr;
+    EXPECT_FALSE(watched.expired());
+    press("Later");
+    EXPECT_FALSE(modals.occupied());
+    EXPECT_EQ(reported, (std::vector<ButtonIndex>{10, 1, 1, 0}));
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return watched.expired() && used.expired();
+    })) << "and no longer";
 }
 
 } // namespace dubrix

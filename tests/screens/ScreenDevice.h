@@ -7,40 +7,30 @@
 #include "screens/NotificationCenter.h"
 #include "screens/alerts/AlertController.h"
 #include "screens/containers/ModalStack.h"
+#include "tests/support/RecordedPlatform.h"
 #include "tests/support/RegisteredBundles.h"
 #include "tests/support/UnexpectedDownloads.h"
 
 #include <QCoreApplication>
-#include <functional>
 
 namespace dubrix {
-
-struct KeptLog final : SystemLog {
-    void log(const std::string& text) override {
-        lines.push_back(text);
-        heard(text);
-    }
-    std::vector<std::string> lines;
-    std::function<void(const std::string&)> heard = [](const std::string&) {};
-};
 
 /// A device of its own with the real platform on it, and what screens share.
 class ScreenDevice : public testing::Test {
 protected:
     ScreenDevice() {
         makeFoldersOf(registry);
-        std::filesystem::create_directories(settingsPath().parent_path());
+        std::filesystem::create_directories(folder / "var/mobile/Library/Preferences");
     }
 
     void install(const std::string& identifier, const std::string& name,
                  const std::string& more = "") const {
         enterBundle(registry, identifier, name, more);
     }
-    std::filesystem::path settingsPath() const {
-        return folder / "var/mobile/Library/Preferences/com.q7r2m.dubrix2.plist";
-    }
     /// Writes the settings file, in old-style text.
-    void choose(const std::string& settings) const { putFile(settingsPath(), settings); }
+    void choose(const std::string& settings) const {
+        putFile(folder.path().native() + settingsFilePath, settings);
+    }
     std::string stored(std::string_view key) {
         const auto value = DXShared(files, log).retrieveValueForKey(key);
         return value ? value->stringValue().value_or("absent") : "absent";
@@ -57,7 +47,7 @@ protected:
 
     TemporaryFolder folder;
     Registry registry{folder.path()};
-    KeptLog log;
+    RecordedLog log;
     UnexpectedDownloads downloader;
     PosixPlatform posix{folder.path(), DEVICE_PATHS};
     PosixFileManager& files = posix.files;

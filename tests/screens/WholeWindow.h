@@ -1,5 +1,6 @@
 #pragma once
 
+#include "formats/lists/PropertyList.h"
 #include "platform/HelpPages.h"
 #include "platform/UrlOpener.h"
 #include "screens/AppDelegate.h"
@@ -8,44 +9,41 @@
 #include "screens/overlay/QuickOverlayStage.h"
 #include "screens/prefs/PrefsViewController.h"
 #include "tests/screens/ScreenDevice.h"
-#include "tests/support/ScreenReader.h"
-
-#include <QQmlApplicationEngine>
-#include <QQuickItem>
-#include <QTest>
+#include "tests/support/QuickWindow.h"
 
 namespace dubrix {
 
-struct NoPages final : HelpPages, UrlOpener {
-    std::string siteAddress() override { return {}; }
-    bool canOpenURL(const std::string&) const override { return false; }
-    void openURL(const std::string&) override {}
+/// What the about screen leads to.
+struct Outside final : HelpPages, UrlOpener {
+    std::string siteAddress() override { return site; }
+    bool canOpenURL(const std::string& address) const override {
+        return std::ranges::count(installed, address) > 0;
+    }
+    void openURL(const std::string& address) override { opened.push_back(address); }
+
+    std::string site;
+    std::vector<std::string> installed, opened;
 };
 
 /// The whole window over a real device with one application, which is chosen, and both switches on;
-/// under a pointer, a keyboard and a screen reader.
-class WholeWindow : public ScreenDevice {
+/// under a pointer, too.
+class WholeWindow : public ScreenDevice, protected QuickWindow {
 protected:
     WholeWindow();
     ~WholeWindow() override;
+    using QuickWindow::press, ScreenDevice::press;
 
     PrefsViewController& prefs() const {
         return static_cast<PrefsViewController&>(*root->viewControllerAt(0));
     }
 
-    QAccessibleInterface* find(const QString& name) const { return reader.find(name); }
     QQuickItem* itemOf(const QString& name) const;
-    /// What has the keyboard.
-    QString focused() const;
     /// The middle of what has this name, where it stands now.
     QPoint placeOf(const QString& name) const;
     void click(const QPoint& place) const {
         QTest::mouseClick(window, Qt::LeftButton, Qt::NoModifier, place);
     }
     void click(const QString& name) const { click(placeOf(name)); }
-    void key(int code, Qt::KeyboardModifiers modifiers = {}) const {
-        QTest::keyClick(window, static_cast<Qt::Key>(code), modifiers);
-    }
     /// Whether the topmost modal screen has come all the way.
     bool rested() const;
     /// Until it has, and what is below it has gone or stays.
@@ -55,15 +53,12 @@ protected:
         return QTest::qWaitFor([this] { return modals.rowCount() == 0; });
     }
 
-    NoPages pages;
-    const std::unique_ptr<const PropertyList> information;
-    const AboutServices about{log, pages, pages, *information};
+    Outside outside;
+    PropertyList information = PropertyList::dictionary();
+    const AboutServices about{log, outside, outside, information};
     QuickOverlayStage stage;
     AppDelegate delegate;
     TabBarController* root = nullptr;
-    QQmlApplicationEngine engine;
-    QQuickWindow* window = nullptr;
-    const ScreenReader reader{window};
 };
 
 } // namespace dubrix

@@ -22,6 +22,7 @@ public:
 
     void start() {
         this->set_keep_alive_timeout(1);
+        this->set_keep_alive_max_count(1);
         port_ = this->bind_to_any_port("127.0.0.1");
         this->new_task_queue = [this] {
             listening_.set_value();

@@ -27,10 +27,17 @@ inline std::vector<std::string> entriesOf(const Journal& journal, const std::str
 }
 
 struct RecordedLog final : SystemLog {
-    explicit RecordedLog(Journal& shared) : journal(shared) {}
-    void log(const std::string& text) override { journal.push_back("log " + text); }
+    RecordedLog() = default;
+    /// Also in a journal of others.
+    explicit RecordedLog(Journal& shared)
+        : heard([&shared](const std::string& text) { shared.push_back("log " + text); }) {}
+    void log(const std::string& text) override {
+        lines.push_back(text);
+        heard(text);
+    }
 
-    Journal& journal;
+    std::vector<std::string> lines;
+    std::function<void(const std::string&)> heard = [](const std::string&) {};
 };
 
 /// Applications as the test says they are; the two services share them, so that only

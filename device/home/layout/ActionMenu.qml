@@ -3,16 +3,13 @@ import DubrixControls
 import DubrixHome
 
 /// What can be done with an icon that is held, beside that icon.
-LayerScope {
+FadingLayer {
     id: menu
 
     required property HomeScreen home
-    property bool shown: false
     property string identifier: ""
     property string name: ""
     property rect beside: Qt.rect(0, 0, 0, 0)
-
-    signal closed
 
     function open(icon: Item, application: string, called: string) {
         beside = icon.mapToItem(menu, Qt.rect(0, 0, icon.width, icon.height));
@@ -21,28 +18,14 @@ LayerScope {
         shown = true;
         exportButton.forceActiveFocus();
     }
-    function close() {
-        shown = false;
-        closed();
-    }
 
-    enabled: shown
-    Accessible.role: Accessible.LayeredPane
-    opacity: shown ? 1 : 0
-    visible: shown || opacity > 0 // can be pressed from the start
-    Keys.onEscapePressed: menu.close()
+    Keys.onEscapePressed: menu.shown = false
     Keys.onUpPressed: exportButton.forceActiveFocus()
     Keys.onDownPressed: removeButton.forceActiveFocus()
 
-    Behavior on opacity {
-        NumberAnimation {
-            duration: Theme.duration(140)
-        }
-    }
-
     Shade {
         anchors.fill: parent
-        onTapped: menu.close()
+        onTapped: menu.shown = false
     }
 
     Rectangle {
@@ -85,7 +68,7 @@ LayerScope {
                 text: qsTr("Export")
                 lineAbove: true
                 onTapped: {
-                    menu.close();
+                    menu.shown = false;
                     menu.home.save(menu.identifier);
                 }
             }
@@ -97,7 +80,7 @@ LayerScope {
                 dangerous: true
                 lineAbove: true
                 onTapped: {
-                    menu.close();
+                    menu.shown = false;
                     menu.home.remove(menu.identifier);
                 }
             }
