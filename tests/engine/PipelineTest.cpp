@@ -69,8 +69,7 @@ protected:
 
     PosixPlatform onDevicePlatform{device.root(), DEVICE_PATHS};
     LoadedEngine onDeviceEngine{
-        onDevicePlatform.ports(
-            {.commands = &commands, .monochrome = &filter, .log = &log, .downloader = &downloader}),
+        onDevicePlatform.ports({.commands = &commands, .monochrome = &filter, .log = &log}),
         alerts};
     std::string skipped;
 };
