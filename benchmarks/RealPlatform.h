@@ -3,7 +3,6 @@
 #include "engine/Alerts.h"
 #include "engine/CloneEngine.h"
 #include "platform/posix/PosixPlatform.h"
-#include "tests/support/UnexpectedDownloads.h"
 
 namespace dubrix {
 
@@ -49,9 +48,8 @@ public:
           engine(platform, alerts) {}
 
     Silence log;
-    UnexpectedDownloads downloader;
     PosixPlatform posix;
-    const Platform platform = posix.ports({.log = &log, .downloader = &downloader});
+    const Platform platform = posix.ports({.log = &log});
     AgreeingAlerts alerts;
 
     class LoadedEngine final : public CloneEngine {

@@ -17,8 +17,8 @@ enum class Piece {
 };
 
 struct Font {
-    double pointSize = 0;
-    bool bold = false; ///< of the system's own family
+    double pointSize;
+    bool bold; ///< of the system's own family
 
     bool operator==(const Font&) const = default;
 };
@@ -32,10 +32,10 @@ struct BackgroundAppearance {
 
 struct HudAppearance {
     Rect frame;
-    bool translucent = false; ///< what lies below shines through, blurred
-    Color backgroundColor;    ///< laid over the translucent material
-    double cornerRadius = 0;
-    bool clipsToBounds = false;
+    bool translucent;      ///< what lies below shines through, blurred
+    Color backgroundColor; ///< laid over the translucent material
+    double cornerRadius;
+    bool clipsToBounds;
 
     bool operator==(const HudAppearance&) const = default;
 };
@@ -43,9 +43,9 @@ struct HudAppearance {
 enum class SpinnerStyle { White, WhiteLarge, Gray };
 
 struct SpinnerAppearance {
-    SpinnerStyle style = SpinnerStyle::White;
+    SpinnerStyle style;
     Color color;
-    bool hidesWhenStopped = false;
+    bool hidesWhenStopped;
 
     bool operator==(const SpinnerAppearance&) const = default;
 };
@@ -64,9 +64,9 @@ struct LabelAppearance {
     Font font;
     Color textColor;
     Color backgroundColor;
-    TextAlignment textAlignment = TextAlignment::Left;
-    BaselineAdjustment baselineAdjustment = BaselineAdjustment::AlignBaselines;
-    int numberOfLines = 1; ///< 0: as many as there is room for
+    TextAlignment textAlignment;
+    BaselineAdjustment baselineAdjustment;
+    int numberOfLines; ///< 0: as many as there is room for
 
     bool operator==(const LabelAppearance&) const = default;
 };
@@ -84,9 +84,9 @@ struct PieceChange {
 };
 
 struct Animation {
-    double duration = 0;               ///< seconds, counted from the call
-    bool layoutSubviews = false;       ///< lay the pieces inside out again on the way
-    bool allowUserInteraction = false; ///< touches pass meanwhile
+    double duration;             ///< seconds, counted from the call
+    bool layoutSubviews = false; ///< lay the pieces inside out again on the way
+    bool allowUserInteraction;   ///< touches pass meanwhile
 
     bool operator==(const Animation&) const = default;
 };

@@ -7,7 +7,6 @@
 #include "tests/device/DeviceFolder.h"
 #include "tests/overlays/FakeStage.h"
 #include "tests/support/RecordedPlatform.h"
-#include "tests/support/UnexpectedDownloads.h"
 
 namespace dubrix {
 
@@ -48,15 +47,13 @@ protected:
     RecordedLog log{journal};
     RecordedAlerts alerts{journal};
     FakeStage stage;
-    UnexpectedDownloads downloader;
     PosixPlatform posix{device.root()};
     PosixFileManager& files = posix.files;
     const Platform platform = posix.ports({.commands = &commands,
                                            .workspace = &catalogue,
                                            .applications = &catalogue,
                                            .monochrome = &filter,
-                                           .log = &log,
-                                           .downloader = &downloader});
+                                           .log = &log});
     LoadedEngine engine{platform, alerts};
 };
 

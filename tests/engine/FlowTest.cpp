@@ -114,7 +114,7 @@ protected:
         for (std::size_t number = 0; number < state.size(); ++number)
             catalogue.known["s" + (number == 0 ? "" : std::to_string(number))] = state[number];
         journal.clear();
-        alerts.current.reset();
+        alerts.shown.clear();
         alerts.progress.clear();
     }
     /// A source with a current duplicate, one of 2.0 and another current one.
@@ -127,12 +127,12 @@ protected:
     }
     /// What the user saw first: the pipeline's progress text or an alert.
     std::string outcome() const {
-        return alerts.progress.empty() ? alerts.shown() : alerts.progress.front().message;
+        return alerts.progress.empty() ? alerts.shown : alerts.progress.front().message;
     }
     std::string shownBy(void (CloneEngine::*flow)()) {
-        alerts.current.reset();
+        alerts.shown.clear();
         (engine.*flow)();
-        return alerts.shown();
+        return alerts.shown;
     }
 
     const std::string refusal = "Dubrix|Please select an app from the list|Ok";
@@ -174,7 +174,7 @@ TEST_F(FlowTest, EveryAnswerDoesItsOwn) {
     EXPECT_EQ(outcome(), "Updating Example 2\nto version (null)\nPlease wait...\n\n");
     choose("{}");
     engine.updateAlertAt(7);
-    EXPECT_EQ(alerts.shown(), offer(State(8), 7)) << "asks without a source, too";
+    EXPECT_EQ(alerts.shown, offer(State(8), 7)) << "asks without a source, too";
 
     for (const auto flow : {&CloneEngine::showUpdateAlert, &CloneEngine::showDuplicateAlert}) {
         givenAStaleSecond();
@@ -252,7 +252,7 @@ TEST_F(FlowTest, NothingBeginsInsideARun) {
     engine.DuplicateStartAt(3);
     EXPECT_EQ(engine.changes, (std::vector<bool>{true, false}));
     EXPECT_EQ(alerts.progress.size(), 1U);
-    EXPECT_EQ(alerts.shown(), "");
+    EXPECT_EQ(alerts.shown, "");
     EXPECT_EQ(entriesOf(journal, "run").size(), 3U);
 }
 

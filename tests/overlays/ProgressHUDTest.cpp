@@ -104,17 +104,12 @@ TEST_F(ProgressHUDTest, ABoxThatIsUpStaysAndSaysSomethingElse) {
 }
 
 TEST_F(ProgressHUDTest, TheBoxFitsItsText) {
-    const struct {
-        Text message;
-        double textWidth;
-        Size box;
-        Rect label;
-        Point mark;
-    } cases[] = {{"", 0, {100, 115}, {{0, 66}, {100, 35}}, {50, 36}},
-                 {"x", 75.9, {100, 115}, {{0, 66}, {100, 35}}, {50, 36}},
-                 {"x", 76, {100, 115}, {{12, 66}, {76, 35}}, {50, 36}},
-                 {"x", 150, {174, 115}, {{12, 66}, {150, 35}}, {87, 36}},
-                 {std::nullopt, 150, {100, 100}, {}, {50, 50}}};
+    const std::tuple<Text, double, Size, Rect, Point> cases[] = {
+        {"", 0, {100, 115}, {{0, 66}, {100, 35}}, {50, 36}},
+        {"x", 75.9, {100, 115}, {{0, 66}, {100, 35}}, {50, 36}},
+        {"x", 76, {100, 115}, {{12, 66}, {76, 35}}, {50, 36}},
+        {"x", 150, {174, 115}, {{12, 66}, {150, 35}}, {87, 36}},
+        {std::nullopt, 150, {100, 100}, {}, {50, 50}}};
     for (const auto& [message, textWidth, box, label, mark] : cases) {
         stage.measured = {textWidth, 35};
         ProgressHUD::show(message);
@@ -131,20 +126,19 @@ TEST_F(ProgressHUDTest, TheBoxKeepsClearOfTheKeyboard) {
     const WindowContents other{"UITextEffectsWindow",
                                {{"UIView", 60}, {"UIPeripheralHostView", 216}}};
     const WindowContents later{"UITextEffectsWindow", {{"UIKeyboard", 70}}};
-    struct Case {
-        int orientation;
-        Point without, with;
-    };
-    for (const Case& c : {Case{1, {160, 240}, {160, 132}}, Case{2, {160, 240}, {160, 348}},
-                          Case{3, {160, 240}, {268, 240}}, Case{4, {160, 240}, {52, 240}},
-                          Case{0, {160, 240}, {160, 132}}, Case{9, {160, 240}, {160, 132}}}) {
-        stage.orientation = static_cast<Orientation>(c.orientation);
+    for (const auto& [orientation, center] : {std::pair{1, Point{160, 132}},
+                                              {2, {160, 348}},
+                                              {3, {268, 240}},
+                                              {4, {52, 240}},
+                                              {0, {160, 132}},
+                                              {9, {160, 132}}}) {
+        stage.orientation = static_cast<Orientation>(orientation);
         stage.contents = {decoy};
         ProgressHUD::show("x");
-        EXPECT_EQ(state(Piece::Hud).center, c.without) << c.orientation;
+        EXPECT_EQ(state(Piece::Hud).center, (Point{160, 240})) << orientation;
         stage.contents = {decoy, other, later};
         ProgressHUD::show("x");
-        expectAnimated({.center = c.with}, {0, false, true});
+        expectAnimated({.center = center}, {0, false, true});
     }
     stage.contents = {decoy, later};
     ProgressHUD::show("x");
@@ -156,21 +150,16 @@ TEST_F(ProgressHUDTest, TheBoxFollowsNotifications) {
     // What the windows hold does not count once a notification tells.
     stage.contents = {{"UITextEffectsWindow", {{"UIKeyboard", 99}}}};
     const Rect keyboard{{0, 264}, {162, 216}};
-    struct Case {
-        OverlayNotification notification;
-        int orientation;
-        Point center;
-    };
-    for (const Case& c :
-         {Case{{UIKeyboardWillShowNotification, 0.25, keyboard}, 1, {160, 132}},
-          Case{{UIKeyboardDidShowNotification, 0.3, keyboard}, 4, {79, 240}},
-          Case{{UIKeyboardWillHideNotification, 0.4, keyboard}, 1, {160, 240}},
-          Case{{UIKeyboardDidHideNotification, 0.5, keyboard}, 1, {160, 240}},
-          Case{{UIKeyboardWillShowNotification, 0.1, keyboard}, 3, {241, 240}},
-          Case{{UIApplicationDidChangeStatusBarOrientationNotification}, 3, {160, 240}}}) {
-        stage.orientation = static_cast<Orientation>(c.orientation);
-        stage.notify(c.notification);
-        expectAnimated({.center = c.center}, {c.notification.animationDuration, false, true});
+    for (const auto& [name, seconds, orientation, center] :
+         {std::tuple{UIKeyboardWillShowNotification, 0.25, 1, Point{160, 132}},
+          {UIKeyboardDidShowNotification, 0.3, 4, {79, 240}},
+          {UIKeyboardWillHideNotification, 0.4, 1, {160, 240}},
+          {UIKeyboardDidHideNotification, 0.5, 1, {160, 240}},
+          {UIKeyboardWillShowNotification, 0.1, 3, {241, 240}},
+          {UIApplicationDidChangeStatusBarOrientationNotification, 0, 3, {160, 240}}}) {
+        stage.orientation = static_cast<Orientation>(orientation);
+        stage.notify({name, seconds, keyboard});
+        expectAnimated({.center = center}, {seconds, false, true});
     }
 }
 

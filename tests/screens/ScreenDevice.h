@@ -9,7 +9,6 @@
 #include "screens/containers/ModalStack.h"
 #include "tests/support/RecordedPlatform.h"
 #include "tests/support/RegisteredBundles.h"
-#include "tests/support/UnexpectedDownloads.h"
 
 #include <QCoreApplication>
 
@@ -48,10 +47,9 @@ protected:
     TemporaryFolder folder;
     Registry registry{folder.path()};
     RecordedLog log;
-    UnexpectedDownloads downloader;
     PosixPlatform posix{folder.path(), DEVICE_PATHS};
     PosixFileManager& files = posix.files;
-    PaintingPlatform painting{posix.ports({.log = &log, .downloader = &downloader})};
+    PaintingPlatform painting{posix.ports({.log = &log})};
     const Platform platform = painting.ports();
     NotificationCenter notifications;
     ModalStack modals;

@@ -92,7 +92,7 @@ TEST(WebPage, SpinsOnceUntilThereIsSomethingToSee) {
     }
     const ShownPage halfway(server.address("/halfway"));
     ASSERT_TRUE(until([&] { return !halfway.spins(); }));
-    EXPECT_TRUE(server.holdsOneBack()) << "one frame has loaded, another has not";
+    EXPECT_TRUE(server.holdsOneBack) << "one frame has loaded, another has not";
     EXPECT_TRUE(halfway.page()->property("loading").toBool() && halfway.page()->opacity() == 1);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <future>
 #include <httplib.h>
 #include <string>
@@ -24,12 +25,13 @@ public:
         this->set_keep_alive_timeout(1);
         this->set_keep_alive_max_count(1);
         port_ = this->bind_to_any_port("127.0.0.1");
-        this->new_task_queue = [this] {
-            listening_.set_value();
+        std::promise<void> listening;
+        this->new_task_queue = [&listening] {
+            listening.set_value();
             return new httplib::ThreadPool(8);
         };
         thread_ = std::thread([this] { this->listen_after_bind(); });
-        listening_.get_future().wait();
+        listening.get_future().wait();
     }
 
     std::string address(const std::string& path, const std::string& scheme = "http") const {
@@ -37,21 +39,16 @@ public:
     }
     int port() const { return port_; }
 
-    /// Holds a request back until the server is taken down; tells that it has come.
+    /// Holds a request back until the server is taken down.
     void holdBack() {
-        held_.set_value();
+        holdsOneBack = true;
         release_.wait();
     }
-    bool holdsOneBack() {
-        return heldBack_.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
-    }
+    std::atomic<bool> holdsOneBack = false;
 
 private:
-    std::promise<void> listening_;
     std::promise<void> released_;
     std::shared_future<void> release_ = released_.get_future().share();
-    std::promise<void> held_;
-    std::shared_future<void> heldBack_ = held_.get_future().share();
     std::thread thread_;
     int port_ = 0;
 };

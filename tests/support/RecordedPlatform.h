@@ -95,35 +95,23 @@ struct RecordedFilter final : MonochromeFilter {
 
 /// Alerts as they were asked for; the last is open until a button is pressed.
 struct RecordedAlerts final : Alerts {
-    struct Button {
-        std::string title;
-        AlertBlock block;
-    };
-    struct Alert {
-        Text title, message;
-        std::vector<Button> buttons;
-    };
-
     explicit RecordedAlerts(Journal& shared) : journal(shared) {}
 
     void showSimpleAlertWithTitle(const Text& title, const Text& message,
                                   const std::string& okText) override {
-        open({title, message, {{okText, [] {}}}});
+        open(title, message, {{okText, [] {}}});
     }
     void show2ButtonAlertWithTitle(const Text& title, const Text& message,
                                    const std::string& okButton, const std::string& cancelButton,
                                    AlertBlock cancelBlock, AlertBlock okBlock) override {
-        open({title, message, {{cancelButton, cancelBlock}, {okButton, okBlock}}});
+        open(title, message, {{cancelButton, cancelBlock}, {okButton, okBlock}});
     }
     void show3ButtonAlertWithTitle(const Text& title, const Text& message,
                                    const std::string& firstButton, const std::string& secondButton,
                                    const std::string& cancelButton, AlertBlock firstBlock,
                                    AlertBlock secondBlock) override {
-        open({title,
-              message,
-              {{firstButton, firstBlock},
-               {secondButton, secondBlock},
-               {cancelButton, secondBlock}}});
+        open(title, message,
+             {{firstButton, firstBlock}, {secondButton, secondBlock}, {cancelButton, secondBlock}});
     }
     void presentProgressAlert(const ProgressAlert& alert) override {
         journal.push_back("present " + alert.title + "|" + alert.message);
@@ -133,36 +121,34 @@ struct RecordedAlerts final : Alerts {
     void dismissProgressAlert() override { journal.emplace_back("dismiss"); }
     Size mainViewSize() const override { return view; }
 
-    /// The open alert in one line: "title|message|button|button…"; empty when none is open.
-    std::string shown() const {
-        if (!current)
-            return "";
-        std::string text = current->title.value_or("(absent)") + "|" + current->message.value();
-        for (const Button& button : current->buttons)
-            text += "|" + button.title;
-        return text;
-    }
     /// Presses a button of the open alert. False when it has no such button.
     bool press(const std::string& title) {
-        const Alert pressed = std::exchange(current, std::nullopt).value_or(Alert());
-        const auto button = std::ranges::find(pressed.buttons, title, &Button::title);
-        if (button == pressed.buttons.end())
+        const auto pressed = std::exchange(buttons_, {});
+        const auto button = std::ranges::find(pressed, title, &Button::first);
+        if (std::exchange(shown, {}).empty() || button == pressed.end())
             return false;
-        button->block();
+        button->second();
         return true;
     }
 
     Journal& journal;
-    std::optional<Alert> current;
+    std::string shown; ///< the open alert: "title|message|button|button…"; empty when none is open
     std::vector<ProgressAlert> progress;
     std::function<void()> presenting = [] {};
     Size view{320, 480};
 
 private:
-    void open(Alert alert) {
+    using Button = std::pair<std::string, AlertBlock>;
+
+    void open(const Text& title, const Text& message, const std::vector<Button>& buttons) {
         journal.emplace_back("alert");
-        current = std::move(alert);
+        shown = title.value_or("(absent)") + "|" + message.value();
+        for (const auto& [text, block] : buttons)
+            shown += "|" + text;
+        buttons_ = buttons;
     }
+
+    std::vector<Button> buttons_;
 };
 
 } // namespace dubrix
