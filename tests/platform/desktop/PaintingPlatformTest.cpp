@@ -1,10 +1,8 @@
 #include "platform/desktop/PaintingPlatform.h"
 #include "platform/desktop/PaintingWait.h"
 #include "platform/posix/PosixPlatform.h"
-#include "terminal/Color.h"
 #include "tests/support/TemporaryFolder.h"
 
-#include <QColor>
 #include <QCoreApplication>
 #include <QMouseEvent>
 #include <QRasterWindow>
@@ -85,15 +83,6 @@ TEST(PaintingPlatform, FramesComeAndTapsAreKeptForLater) {
         const auto outer = std::this_thread::get_id();
         waitWhilePainting([outer] { EXPECT_EQ(std::this_thread::get_id(), outer); });
     }).join();
-}
-
-TEST(ColorNames, AreThoseOfStyleSheets) {
-    for (const QString& name : QColor::colorNames()) {
-        const auto color = colorIn(name.toStdString());
-        EXPECT_TRUE(name == u"transparent" ||
-                    (color && textOf(*color) == QColor(name).name().toStdString()))
-            << name.toStdString();
-    }
 }
 
 } // namespace dubrix
