@@ -190,29 +190,4 @@ TEST(Installer, AnExportHoldsOneVersionWholeOrLeavesNothing) {
     EXPECT_FALSE(fs::exists(saved));
 }
 
-TEST(Installer, WorksForAnOrdinaryUserToo) {
-    const DeviceFolder device;
-    const auto first =
-        device.application(identifier, "1",
-                           {file("closed/deep/inside", 0400), folder("closed/deep/", 0500),
-                            folder("closed/", 0555), folder("", 0555)});
-    const auto second = device.application(identifier, "2");
-    constexpr uid_t nobody = 65534;
-    if (::geteuid() == 0) {
-        ASSERT_EQ(::chown(device.folder().path().c_str(), nobody, nobody), 0);
-        ASSERT_EQ(::chown(device.root().c_str(), nobody, nobody), 0);
-    }
-    const int status = inChild([&] {
-        if (::geteuid() == 0 && (::setgid(nobody) != 0 || ::setuid(nobody) != 0))
-            return false;
-        Installer installer = device.installer();
-        return installer.install(first) &&
-               installer.exportTo(identifier, device.folder() / "e.ipa") &&
-               installer.install(device.folder() / "e.ipa") && installer.install(second) &&
-               installer.install(first) && installer.uninstall(identifier) &&
-               device.leftovers() == 0;
-    });
-    EXPECT_EQ(status, 0);
-}
-
 } // namespace dubrix
