@@ -40,13 +40,6 @@ fs::path placeInMemory() {
     return isFit ? "/dev/shm" : fs::temp_directory_path();
 }
 
-Contents DeviceFolder::snapshot() const {
-    Contents everything;
-    for (auto& [path, content] : contentsBelow(root()))
-        everything[(root() / path).native()] = content;
-    return everything;
-}
-
 long DeviceFolder::leftovers() const {
     const auto bundles = root() / "var/containers/Bundle";
     const auto count = [](const fs::path& path) {

@@ -57,8 +57,7 @@ public:
         return info ? info->version.value_or("none") : "not installed";
     }
 
-    /// Everything on the device, by whole paths.
-    Contents snapshot() const;
+    Contents snapshot() const { return contentsBelow(root()); }
 
     /// What lies among the installed bundles beyond one folder for each registered application, and
     /// for one that can be put back.

@@ -5,6 +5,7 @@
 #include "screens/colors/QZColorPickerViewController.h"
 #include "screens/containers/NavigationController.h"
 #include "screens/prefs/PrefsViewController.h"
+#include "terminal/ColorNames.h"
 #include "tests/screens/ScreenDevice.h"
 
 namespace dubrix {
@@ -128,6 +129,12 @@ TEST(ColorWords, SayAColor) {
                                       {{102, 102, 255}, "light blue"}})
         EXPECT_EQ(ColorWords::nameOf(color), name);
     EXPECT_EQ(ColorWords::componentsOf({102, 0, 153}), "Red 102, green 0, blue 153");
+}
+
+TEST(ColorNames, AreQts) {
+    for (const auto& [name, color] : colorNames)
+        EXPECT_TRUE(QColor(name.data()).rgb() == (color | 0xff000000) || name == "rebeccapurple")
+            << name;
 }
 
 } // namespace dubrix

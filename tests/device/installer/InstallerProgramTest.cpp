@@ -72,7 +72,13 @@ TEST_F(InstallerProgram, SaysOneLineForEachApplication) {
         {"-f damaged.ipa", 1, "", "ipainstaller: damaged.ipa: has a damaged Info.plist\n"},
         {"-f missing.ipa", 1, "",
          "ipainstaller: missing.ipa: cannot be opened: No such file or directory\n"},
+        {"-U com.example.app3", 0, "Removed com.example.app3, can be put back\n", ""},
+        {"-r com.example.app3", 0, "Put back com.example.app3\n", ""},
+        {"-U com.example.app3", 0, "Removed com.example.app3, can be put back\n", ""},
         {"--report fields -u com.example.App", 0, "removed\tcom.example.App\n", ""},
+        {"-r com.example.app3", 1, "",
+         "ipainstaller: com.example.app3: cannot be put back any more\n"},
+        {"-f 'my app.ipa'", 0, "Installed com.example.app3 (例 a b c d 3)\n", ""},
         {"-u com.example.App", 1, "", "ipainstaller: com.example.App: is not installed\n"},
     };
     for (const auto& [arguments, status, output, errors] : cases) {
@@ -85,6 +91,10 @@ TEST_F(InstallerProgram, SaysOneLineForEachApplication) {
     EXPECT_TRUE(path.ends_with("/例 X.app"));
     EXPECT_EQ(run("--root device -l").output, "com.example.app3\t例 a b c d 3\t\t" + path + "\n");
 
+    ASSERT_TRUE(device.registry().enter("com.example.system", "/Applications/Settings.app"));
+    for (const std::string system : {"com.example.system", "com.example.settings"})
+        EXPECT_EQ(run("--root device -u " + system).errors,
+                  "ipainstaller: " + system + ": is a system application and cannot be removed\n");
     putFile(device.root() / "export/Docs.app/secret", "secret");
     fs::create_symlink("/export/Docs.app", links / "com.example.docs");
     EXPECT_EQ(

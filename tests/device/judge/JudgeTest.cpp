@@ -7,24 +7,6 @@
 
 namespace dubrix {
 
-namespace {
-
-struct Recorder final : PictureWriter {
-    std::string begin(const std::string& name) override {
-        said += "begin " + name + "\n";
-        return name == "refused.png" ? "No room" : "";
-    }
-    void write(std::string_view bytes) override { said += bytes; }
-    std::string end() override {
-        said += "\nend\n";
-        return {};
-    }
-
-    std::string said;
-};
-
-} // namespace
-
 TEST(Addresses, PagesAndPlainMailAreOpenedAndNothingElse) {
     std::istringstream opened(R"(https://example.org
 HTTP://example.org:8080/a?b=c&d=%0A#e
@@ -135,24 +117,6 @@ TEST(ShotNames, AreWhatTheDriverSendsAndFillNoMemory) {
     EXPECT_TRUE(names.contains("0"));
     EXPECT_FALSE(names.contains("199999"));
     EXPECT_LE(names.held(), ShotNames::mostBytes);
-}
-
-TEST(PictureReader, DrainsWhatIsTooLargeOrRefused) {
-    ShotNames names;
-    for (const char* name : {"a.png", "refused.png"})
-        names.add(name);
-    Recorder recorder;
-    PictureReader reader(names, recorder);
-    PictureReader(names, recorder).read("a.png\n536870912\n");
-    EXPECT_EQ(std::exchange(recorder.said, ""), "begin a.png\n") << "as large as may be";
-    EXPECT_TRUE(reader.read("a.png\n536870913\n").empty());
-    const std::string zeros(std::size_t{64} << 20, '\0');
-    for (int number = 0; number < 8; ++number)
-        EXPECT_TRUE(reader.read(zeros).empty());
-    EXPECT_EQ(reader.read("xa.png\n1\nyrefused.png\n2\nzza.png\n0\n"),
-              (std::vector<std::string>{"a.png: larger than 512 MiB", "ok", "refused.png: No room",
-                                        "ok"}));
-    EXPECT_EQ(recorder.said, "begin a.png\ny\nend\nbegin refused.png\nbegin a.png\n\nend\n");
 }
 
 } // namespace dubrix

@@ -77,7 +77,7 @@ def ends(person, what):
 
 
 def offers():
-    person = asked("--count", "2", "--plain")
+    person = asked("--count", "2", "--plain", "--update", "ask")
     for answers, answer in enumerate(["d", "n", "update"]):
         person.wait_for("[C]ancel ", answers + 1)
         person.type(answer + "\r")
@@ -100,6 +100,7 @@ def work():
     person.type("\x03")
     person.wait_for("dubrix: stopped; nothing was made")
     ends(person, "broken off at work")
+    print(*re.findall(r"\] (.*?)\s*\x1b", person.seen)[-1:])
 
 
 signal.alarm(60)

@@ -94,39 +94,28 @@ TEST(Registry, EntersRelativeLinksInPlaceOfEarlierOnes) {
     const fs::path links = device.root() / "var/containers/Bundle/Registry";
     fs::create_directories(links / "com.example.taken");
     ASSERT_TRUE(registry.enter("com.example.app", "/Applications/Settings.app"));
-    EXPECT_EQ(registry.pathOf("com.example.app"), "/Applications/Settings.app");
     ASSERT_TRUE(registry.enter("com.example.app", place));
     EXPECT_EQ(fs::read_symlink(links / "com.example.app"), "../Application/1/X.app");
     EXPECT_FALSE(registry.enter("..", place));
     EXPECT_FALSE(registry.enter("com.example.taken", place));
     EXPECT_EQ(std::distance(fs::directory_iterator(links.parent_path()), {}), 1)
         << "a failure leaves no temporary link";
-    EXPECT_TRUE(registry.strike("com.example.app"));
-    EXPECT_EQ(registry.targetOf("com.example.app"), std::nullopt);
-    EXPECT_FALSE(registry.strike("com.example.app"));
-
-    fs::create_directories(device.root() / "Applications/Empty.app");
-    EXPECT_EQ(registry.systemBundles(),
-              (std::vector<std::string>{"/Applications/Empty.app", "/Applications/Settings.app"}));
-    EXPECT_TRUE(registry.isSystemApplication("com.example.settings"));
-    EXPECT_FALSE(registry.isSystemApplication("com.example.Settings"));
 }
 
 TEST(BundleInfo, AWrongTypeIsNoValue) {
     const auto read = [](const char* list) {
         return BundleInfo::from(*PropertyList::parse(list), "My.Cool.app");
     };
-    EXPECT_EQ(read("{CFBundleName = N; CFBundleDisplayName = (D);}").displayName, "N");
-    EXPECT_EQ(read("{CFBundleName = {};}").displayName, "My.Cool");
-    EXPECT_FALSE(read("{SBAppTags = hidden;}").hidden) << "a string is not a list of tags";
+    const BundleInfo odd = read(
+        "{CFBundleName = N; CFBundleDisplayName = (D); SBAppTags = hidden; CFBundleURLTypes = (odd,"
+        "{CFBundleURLSchemes = (one, two);}, {CFBundleURLSchemes = odd;},"
+        "{CFBundleURLSchemes = (three);});}");
+    EXPECT_EQ(odd.displayName, "N");
+    EXPECT_FALSE(odd.hidden) << "a string is not a list of tags";
+    EXPECT_EQ(odd.urlSchemes, (std::vector<std::string>{"one", "two", "three"}));
     EXPECT_FALSE(read("{SBAppTags = (other);}").hidden);
     EXPECT_TRUE(read("{SBAppTags = ({}, hidden, other);}").hidden);
-    const auto odd = "{CFBundleURLTypes = (odd, {CFBundleURLSchemes = (one, two);},"
-                     "{CFBundleURLSchemes = odd;}, {CFBundleURLSchemes = (three);});}";
-    EXPECT_EQ(read(odd).urlSchemes, (std::vector<std::string>{"one", "two", "three"}));
-    const TemporaryFolder folder;
-    putFile(folder / "Info.plist", "(A)");
-    EXPECT_FALSE(BundleInfo::read(folder.path())) << "no dictionary";
+    EXPECT_EQ(read("{CFBundleName = {};}").displayName, "My.Cool");
 }
 
 } // namespace dubrix
