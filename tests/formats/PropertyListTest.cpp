@@ -234,6 +234,7 @@ TEST(BinaryPropertyList, RefusesWhatIsDamaged) {
         EXPECT_FALSE(PropertyList::parse(binaryOf(objects)))
             << testing::PrintToString(objects.front());
     const std::string good = binaryOf({a});
+    EXPECT_EQ(PropertyList::string("a").binary(), good);
     ASSERT_TRUE(PropertyList::parse(good));
     for (std::size_t length = 6; length < good.size(); ++length) // before: a bare word
         EXPECT_FALSE(PropertyList::parse(good.substr(0, length))) << length;
@@ -272,7 +273,8 @@ TEST(OldStyleText, ResolvesEscapes) {
         {R"("\a\b\f\n\r\t\v\"\'\\\q")", "\a\b\f\n\r\t\v\"'\\q"},
         {R"("\101\60x\0012")", "A0x\0012"},
         {R"("\341\256\200\377")", "Æﬁ\u00A0\uFFFD"},
-        {R"("\U00e9\U41 \Ud83e\Udd16\u263A\Udbff\uDFFF")", "éA 🤖☺\U0010FFFF"},
+        {R"("\U00e9\U41 \Ud83e\Udd16\u263A\Ud800\Udc00\Udbff\uDFFF")",
+         "éA 🤖☺\U00010000\U0010FFFF"},
         {"\"line \\\nbreak\"", "line \nbreak"},
         {"'it\\'s'", "it's"}};
     for (const auto& [input, expected] : cases)
