@@ -130,32 +130,44 @@ duplicate_and_pack() {
 
 # pack_made NAME: packs the duplicates of the lines that it reads, and gives their lines in that order.
 pack_made() {
-    local line errands=() errand_kind=packed begun=0 told status=0
+    local line errands=() errand_kind=packed begun=0 told status=0 packing=''
     while [[ -e $scratch/packed-$((begun + 1)) ]]; do
         ((++begun))
     done
     told=$begun
-    trap 'stop_errands; give_rest; exit 1' HUP TERM
+    trap 'heard stop_packing' HUP TERM
     while IFS= read -r line; do
         if [[ -z $single ]]; then
             begin_errand pack_one "$1" "$line" || status=1
         else
             ((++begun))
+            packing=yes
             pack_one "$1" "$line" <&- >"$scratch/packed-$begun" || status=1
             give_rest
+            packing=
+            [[ -z $stopped ]] || exit 1
         fi
     done
     finish_errands || status=1
     return "$status"
 }
 
+stop_packing() {
+    if [[ -n $packing ]]; then
+        stop_export
+        return
+    fi
+    stop_errands
+    give_rest
+    exit 1
+}
+
 # pack_one NAME LINE: the duplicate of the line as an archive, called after its identifier, or NAME
 # and its number; the line with it at its end. What stands in it is the device's: the identifier goes
 # to the device's own installer, and into a name only as one part of a path.
 pack_one() {
-    local line=$2 number identifier archive=$target stopped='' progress=visible
-    # An archive that is whole by then stands, and its line with it.
-    trap '[[ -n $child ]] || exit 1; kill -TERM "$child"; wait "$child"; stopped=$?' HUP TERM
+    local line=$2 number identifier archive=$target progress=visible
+    [[ -n $packing ]] || trap 'heard stop_export' HUP TERM
     # Beside other work there is no room for another bar.
     [[ -z $single || -n $quiet ]] || progress=
     number=${line%%$'\t'*}
@@ -169,13 +181,24 @@ pack_one() {
         say "$archive is there already"
         archive=''
     elif [[ ! $number =~ ^[0-9]{1,3}$ || $identifier == */* || ! $line == *$'\t' ]] ||
-        ! { export_archive "$identifier" "$archive" >/dev/null || [[ $stopped == 0 ]]; }; then
+        ! { export_archive "$identifier" "$archive" >/dev/null || stands "$archive"; }; then
         [[ -z $stopped ]] || return
         say "no archive of $identifier"
         archive=''
     fi
     printf '%s%s\n' "$line" "$archive"
     [[ -n $archive ]]
+}
+
+# An archive that is whole when its export is stopped stands, and its line with it: the status of
+# what ended as the signal came is lost.
+stands() {
+    [[ -n $stopped && -e $1 ]]
+}
+
+stop_export() {
+    stopped=yes
+    [[ -z $child ]] || kill -TERM "$child" 2>/dev/null
 }
 
 # duplicate_archives FILE...: several at a time where nothing is asked.
@@ -206,17 +229,21 @@ begin_errand() {
         wait_for_errand
         status=$?
     fi
+    at_once note_errand "$@"
+    return "$status"
+}
+
+note_errand() {
     ((++begun))
     "$@" </dev/null >"$scratch/$errand_kind-$begun" 2>"$scratch/$errand_kind-$begun-said" &
     errands+=("$!")
-    return "$status"
 }
 
 wait_for_errand() {
     wait "${errands[0]}"
     local status=$?
     errands=("${errands[@]:1}")
-    give_next
+    at_once give_next
     return "$status"
 }
 
