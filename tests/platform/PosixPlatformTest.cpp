@@ -11,6 +11,13 @@
 #include <limits>
 #include <poll.h>
 #include <regex>
+#ifdef __linux__
+#include "platform/posix/linux/SystemCallConfinement.h"
+
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/syscall.h>
+#endif
 
 namespace dubrix {
 
@@ -141,7 +148,12 @@ TEST_F(PosixCommandRunnerTest, StopsACommandWithAllThatItHasStarted) {
     runner.makeStoppable();
     running = &runner;
     ::signal(SIGUSR1, [](int) { running->stop(); });
-    outputOf("exec 3> pipe; sleep 1000 & kill -USR1 $PPID; wait; echo > out");
+    struct sigaction interrupting{};
+    interrupting.sa_handler = [](int) {};
+    ::sigaction(SIGUSR2, &interrupting, nullptr);
+    outputOf("exec 3> pipe; sleep 1000 & kill -USR2 $PPID; /bin/true; kill -USR1 $PPID; wait; echo "
+             "> out");
+    ::signal(SIGUSR2, SIG_DFL);
     ::signal(SIGUSR1, SIG_DFL);
     EXPECT_TRUE(runner.isStopped());
     // Nobody is left who could write.
@@ -150,6 +162,36 @@ TEST_F(PosixCommandRunnerTest, StopsACommandWithAllThatItHasStarted) {
     EXPECT_TRUE(end.revents & POLLHUP);
     EXPECT_EQ(outputOf("echo > out"), "") << "neither the rest nor another one";
 }
+
+TEST_F(PosixCommandRunnerTest, WhatCannotBeConfinedIsNotRun) {
+    struct Impossible : CommandConfinement {
+        bool enter() const override { return false; }
+    };
+    PosixCommandRunner("/", "/none", std::make_unique<Impossible>())
+        .runCommand("echo > '" + (folder / "out").native() + "'");
+    EXPECT_FALSE(fs::exists(folder / "out"));
+}
+
+#ifdef __linux__
+TEST_F(PosixCommandRunnerTest, AConfinedCommandReachesNoMemoryButItsOwn) {
+    const sock_filter everything = BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW);
+    putFile(folder / "filter", {reinterpret_cast<const char*>(&everything), sizeof everything});
+    const std::string attack =
+        "cd '" + folder.path().native() +
+        "'; rm -f out; { : <> /proc/$PPID/mem; } 2> /dev/null && echo theirs > "
+        "out; : <> /proc/$$/mem && echo own >> out";
+    runner.runCommand(attack);
+    if (contentsOf(folder / "out") != "theirs\nown\n")
+        GTEST_SKIP() << "other processes' memory is closed without confinement, too";
+    if (::syscall(SYS_landlock_create_ruleset, nullptr, 0, 1) < 2)
+        GTEST_SKIP() << "the kernel has no Landlock with renaming";
+    PosixCommandRunner confined("/", "/none", SystemCallConfinement::read(folder / "filter"));
+    confined.runCommand(attack);
+    EXPECT_EQ(contentsOf(folder / "out"), "own\n");
+    confined.runCommand("cd '" + folder.path().native() + "'; mkdir a b; echo > a/c; ln a/c b/c");
+    EXPECT_TRUE(fs::exists(folder / "b/c"));
+}
+#endif
 
 TEST(FileStyleByteCount, RoundsAndCarries) {
     const std::pair<std::int64_t, const char*> cases[] = {
@@ -161,6 +203,7 @@ TEST(FileStyleByteCount, RoundsAndCarries) {
         {999'499, "999 KB"},
         {999'500, "1 MB"},
         {1'050'000, "1.1 MB"},
+        {1'200'000'000, "1.2 GB"},
         {999'949'999, "999.9 MB"},
         {999'950'000, "1 GB"},
         {1'005'000'000, "1.01 GB"},

@@ -39,6 +39,7 @@ TEST_F(ColorsTest, ThePickerSortsByHueThenSaturationThenBrightness) {
     const std::vector<Color>& colors = picker.colors();
     ASSERT_EQ(colors.size(), 216U);
     EXPECT_EQ(colors[20], (Color{1, 0, 0, 1}));
+    EXPECT_EQ(hueSaturationBrightness({0, 0, 0.5, 1}), (HueSaturationBrightness{2 / 3.0, 1, 0.5}));
     const auto hue = [](const Color& color) { return std::max(0, drawable(color).hsvHue()); };
     const auto rest = [](const Color& color) {
         return std::pair(drawable(color).hsvSaturation(), drawable(color).value());
@@ -92,6 +93,7 @@ TEST_F(ColorsTest, APickerIsAsItsDelegateWantsIt) {
     const auto screen = loaded<Looks>();
     EXPECT_EQ(screen->copyButton()->frame, QRectF(-1305, 230, 3000, 40)) << "beyond both edges";
     screen->selectColorTapped(); // without a delegate
+    EXPECT_TRUE(modals.data(modals.index(0), ModalStack::AnimatedRole).toBool());
     cancel();
     picker()->collectionViewDidSelectItemAtIndexPath(0, 20);
     EXPECT_FALSE(picker()->collectionViewLayout());

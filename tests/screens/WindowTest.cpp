@@ -209,8 +209,11 @@ TEST_F(PressTest, WhatIsCoveredIsNeitherFoundNorPressed) {
         while (ViewController* modal = modals.topmost())
             modals.dismiss(*modal, false);
         modals.setSuspended(false);
-        if (stage.background()->shown())
+        if (const OverlayPiece& shade = *stage.background(); shade.shown()) {
+            EXPECT_EQ(QRectF(shade.x(), shade.y(), shade.width(), shade.height()),
+                      QRectF(QPointF(), window->size()));
             ProgressHUD::withdrawStage();
+        }
         ASSERT_TRUE(alone());
         for (int index = 0; index < names.size(); ++index)
             EXPECT_EQ(find(names[index]), elements[index]) << names[index].toStdString();
