@@ -260,6 +260,10 @@ TEST(PosixApplications, GiveTheFirstIconThatCanBeDrawn) {
     EXPECT_EQ(widthOfIcon(), 3U);
     putFile(bundle / "A.png", whole);
     EXPECT_EQ(widthOfIcon(), 60U);
+    fs::resize_file(bundle / "A.png", 32U << 20);
+    EXPECT_EQ(widthOfIcon(), 60U);
+    fs::resize_file(bundle / "A.png", (32U << 20) + 1);
+    EXPECT_EQ(widthOfIcon(), 3U) << "no icon is as large as that";
 }
 
 } // namespace dubrix

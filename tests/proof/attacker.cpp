@@ -105,8 +105,9 @@ void attackSockets(bool engine) {
     for (const long family : {AF_VSOCK, AF_PACKET, AF_ALG, AF_KEY, AF_XDP, AF_BLUETOOTH})
         for (const long bits : {0L, highBits})
             refused(EAFNOSUPPORT, SYS_socket, family | bits, SOCK_STREAM, 0);
-    if (engine)
-        refused(EAFNOSUPPORT, SYS_socket, AF_UNIX, SOCK_STREAM, 0);
+    for (const int type : {SOCK_STREAM, SOCK_DGRAM})
+        if (engine)
+            refused(EAFNOSUPPORT, SYS_socket, AF_UNIX, type, 0);
 }
 
 void attackSetIds() {

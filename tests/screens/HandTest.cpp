@@ -300,6 +300,7 @@ TEST_F(HandTest, RowsOfTheAboutScreenLeadOutAndToHelpPages) {
     EXPECT_TRUE(table.selectedSection() == -1 && !table.selectionAnimated());
     screen.mail();
     EXPECT_TRUE(outside.opened.back().starts_with("mailto:support%40"));
+    EXPECT_TRUE(outside.opened.back().ends_with("%20Support"));
     EXPECT_EQ(outside.opened.size(), 7U);
 
     int row = 0;

@@ -6,6 +6,7 @@
 #include "tests/device/DeviceFolder.h"
 
 #include <fcntl.h>
+#include <pty.h>
 
 namespace dubrix {
 
@@ -145,6 +146,18 @@ TEST(ShownText, AProgressLineKeepsWithinTheTerminal) {
     };
     for (const auto& each : cases)
         EXPECT_EQ(progressLine(each.title, each.percent, each.columns), each.line);
+
+    const winsize size{.ws_row = 24, .ws_col = 21, .ws_xpixel = 0, .ws_ypixel = 0};
+    int ends[2];
+    ASSERT_EQ(::openpty(&ends[0], &ends[1], nullptr, nullptr, &size), 0);
+    const Descriptor seen(ends[0]);
+    const Descriptor terminal(ends[1]);
+    ::setenv("TERM", "xterm", 1);
+    ProgressBar(terminal.get()).start("grüße.ipa", 50);
+    char bytes[99];
+    EXPECT_EQ(std::string(bytes, static_cast<std::size_t>(::read(seen.get(), bytes, sizeof bytes))),
+              "\r 50% [####....] grüß\033[K\r\033[K")
+        << "a letter in the last column makes some terminals begin a new line";
 }
 
 } // namespace dubrix

@@ -141,6 +141,7 @@ TEST(Wallpaper, HasAGlowInASkyOfItsAppearance) {
         const auto light = [&](int x, int y) { return qGray(image.pixel(x, y)); };
         EXPECT_EQ(light(500, 0) < 128, dark);
         EXPECT_GT(light(640, 420), light(100, 420) + 5);
+        EXPECT_NE(light(20, 0), light(20, 400)) << "above the hills, outside the glow";
     }
 }
 

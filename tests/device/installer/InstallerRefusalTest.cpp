@@ -67,7 +67,7 @@ std::vector<Refusal> refusals() {
         {withIdentifier(std::string(256, 'a')), "no usable CFBundleIdentifier"},
         {withIdentifier("-l"), "no usable CFBundleIdentifier"},
         {withIdentifier("a\u202eb"), "no usable CFBundleIdentifier"},
-        {withIdentifier("com.example.settings"), "is a system application"},
+        {withIdentifier("com.example.settings"), "is a system application and cannot be replaced"},
         {with({"/tmp/a", ""}), "forbidden name"},
         {with({"../a", ""}), "forbidden name"},
         {with({bundle + "a/../../../a", ""}), "forbidden name"},
