@@ -86,6 +86,7 @@ struct DosTime {
 
 DosTime dosTime(std::time_t seconds) {
     std::tm parts{};
+    seconds += seconds & 1; // up, as other programs do: never older than the file
     if (!::localtime_r(&seconds, &parts) || parts.tm_year < 80 || parts.tm_year > 207)
         return {};
     const auto number = [](int value) { return static_cast<std::uint64_t>(value); };

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <linux/netlink.h>
 #include <linux/sched.h>
 #include <sched.h>
 #include <string>
@@ -105,6 +106,8 @@ void attackSockets(bool engine) {
     for (const long family : {AF_VSOCK, AF_PACKET, AF_ALG, AF_KEY, AF_XDP, AF_BLUETOOTH})
         for (const long bits : {0L, highBits})
             refused(EAFNOSUPPORT, SYS_socket, family | bits, SOCK_STREAM, 0);
+    for (const int protocol : {NETLINK_UNUSED, NETLINK_AUDIT, NETLINK_KOBJECT_UEVENT})
+        refused(EAFNOSUPPORT, SYS_socket, AF_NETLINK, SOCK_RAW, protocol);
     for (const int type : {SOCK_STREAM, SOCK_DGRAM})
         if (engine)
             refused(EAFNOSUPPORT, SYS_socket, AF_UNIX, type, 0);
