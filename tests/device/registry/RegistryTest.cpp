@@ -46,7 +46,7 @@ TEST(Registry, ALinkThatLeadsToAFolderIsAnInstalledApplication) {
         {"com.example.hidden", "../Application/.installing-1/X.app", std::nullopt},
         {"com.example.inner", "../Application/1/X.app/Inner.app", std::nullopt},
         {"com.example.plain", "../Application/1/plain", std::nullopt},
-        {"-old", "../Application/1/X.app", place},
+        {"-" + std::string(254, 'x'), "../Application/1/X.app", place},
         {"com.example.\u202edirection", "../Application/1/X.app", place},
     };
     std::vector<std::string> installed;
