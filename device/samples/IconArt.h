@@ -1,20 +1,12 @@
 #pragma once
 
 #include <QImage>
-#include <QPainter>
+#include <filesystem>
 
 namespace dubrix {
 
-/// Paints one icon into the square (0, 0)-(100, 100), edge to edge: the phone rounds the corners.
-using IconArt = void (*)(QPainter& painter);
-
-void paintFernleaf(QPainter& painter);
-void paintSkyfathom(QPainter& painter);
-void paintTockwell(QPainter& painter);
-/// The application's own icon: two overlapping rounded squares, as in resources/dubrix.svg.
-void paintDubrix(QPainter& painter);
-
-/// The art as an opaque square of `pixels` by `pixels`.
-QImage iconImage(IconArt art, int pixels);
+/// The drawing in the SVG file `art` as an opaque square of `pixels` by `pixels`, edge to edge: the
+/// phone rounds the corners. Null when the file is no drawing.
+QImage iconImage(const std::filesystem::path& art, int pixels);
 
 } // namespace dubrix

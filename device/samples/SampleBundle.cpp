@@ -1,5 +1,6 @@
 #include "device/samples/SampleBundle.h"
 
+#include "device/samples/IconArt.h"
 #include "files/WholeFile.h"
 #include "formats/lists/PropertyList.h"
 
@@ -53,7 +54,7 @@ void setIconKeys(PropertyList& info, const SampleBundle& sample) {
     }
 }
 
-std::string identifierPart(std::string name) {
+std::string lowerCase(std::string name) {
     std::transform(name.begin(), name.end(), name.begin(),
                    [](char letter) { return static_cast<char>(letter | 0x20); });
     return name;
@@ -67,7 +68,7 @@ std::string infoPropertyList(const SampleBundle& sample) {
     const auto setText = [&info](const char* key, const std::string& text) {
         info.setValueForKey(key, PropertyList::string(text));
     };
-    setText("CFBundleIdentifier", "com.dubrix.samples." + identifierPart(sample.name));
+    setText("CFBundleIdentifier", "com.dubrix.samples." + lowerCase(sample.name));
     setText("CFBundleExecutable", sample.name);
     setText("CFBundleName", sample.name);
     setText("CFBundleDisplayName", sample.displayName);
@@ -121,7 +122,6 @@ std::vector<SampleBundle> sampleBundles() {
          "2.1",
          IconKeys::TopLevelList,
          false,
-         paintFernleaf,
          {{"Icon-29", {{"", 29}, {"@2x", 58}, {"@3x", 87}}},
           {"Icon-60", {{"@2x", 120}, {"@3x", 180}}},
           {"Icon-76", {{"~ipad", 76}, {"@2x~ipad", 152}}}}},
@@ -130,7 +130,6 @@ std::vector<SampleBundle> sampleBundles() {
          "4.0.3",
          IconKeys::PrimaryIcon,
          true,
-         paintSkyfathom,
          {{"AppIcon29x29", {{"", 29}, {"@2x", 58}, {"@3x", 87}}},
           {"AppIcon40x40", {{"@2x", 80}, {"@3x", 120}}},
           {"AppIcon60x60", {{"@2x", 120}, {"@3x", 180}}}}},
@@ -139,7 +138,6 @@ std::vector<SampleBundle> sampleBundles() {
          "1.7 Evening",
          IconKeys::PrimaryIconAndTablet,
          false,
-         paintTockwell,
          {{"AppIcon29x29", {{"@2x", 58}, {"@3x", 87}}},
           {"AppIcon60x60", {{"@2x", 120}, {"@3x", 180}}},
           {"AppIcon76x76", {{"~ipad", 76}, {"@2x~ipad", 152}}},
@@ -147,7 +145,7 @@ std::vector<SampleBundle> sampleBundles() {
     };
 }
 
-bool writeIcons(const fs::path& folder, IconArt art, const std::vector<IconFile>& icons) {
+bool writeIcons(const fs::path& folder, const fs::path& art, const std::vector<IconFile>& icons) {
     std::error_code error;
     fs::create_directories(folder, error);
     for (const IconFile& icon : icons) {
@@ -160,9 +158,9 @@ bool writeIcons(const fs::path& folder, IconArt art, const std::vector<IconFile>
     return true;
 }
 
-bool writeBundle(const fs::path& folder, const SampleBundle& sample) {
+bool writeBundle(const fs::path& folder, const SampleBundle& sample, const fs::path& art) {
     const fs::path bundle = folder / (std::string(sample.name) + ".app");
-    return writeIcons(bundle, sample.art, sample.icons) &&
+    return writeIcons(bundle, art / (lowerCase(sample.name) + ".svg"), sample.icons) &&
            writeFile(bundle / "Info.plist", infoPropertyList(sample), fs::perms(0644)) &&
            writeResources(bundle, sample);
 }

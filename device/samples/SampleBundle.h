@@ -1,7 +1,5 @@
 #pragma once
 
-#include "device/samples/IconArt.h"
-
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -28,20 +26,21 @@ struct SampleBundle {
     const char* version;
     IconKeys iconKeys;
     bool binaryPropertyList;
-    IconArt art;
     std::vector<IconFile> icons;
 };
 
 /// The sample applications, in the order of their folders' names.
 std::vector<SampleBundle> sampleBundles();
 
-/// All icon files of `icons` as PNG files in `folder`; false when one cannot be written.
-bool writeIcons(const std::filesystem::path& folder, IconArt art,
+/// All icon files of `icons`, drawn from the SVG file `art`, as PNG files in `folder`; false when
+/// one cannot be written.
+bool writeIcons(const std::filesystem::path& folder, const std::filesystem::path& art,
                 const std::vector<IconFile>& icons);
 
-/// Writes <folder>/<name>.app with icons, Info.plist, an executable placeholder and resources of
-/// several kinds (localised folders, a symbolic link, unusual permissions). False on any failure,
-/// with a part of the bundle left.
-bool writeBundle(const std::filesystem::path& folder, const SampleBundle& sample);
+/// Writes <folder>/<name>.app with icons, drawn from <art>/<name in lower case>.svg, Info.plist, an
+/// executable placeholder and resources of several kinds (localised folders, a symbolic link,
+/// unusual permissions). False on any failure, with a part of the bundle left.
+bool writeBundle(const std::filesystem::path& folder, const SampleBundle& sample,
+                 const std::filesystem::path& art);
 
 } // namespace dubrix

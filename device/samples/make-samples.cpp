@@ -4,22 +4,24 @@
 
 namespace fs = std::filesystem;
 
-/// make-samples SAMPLES BUNDLE: writes the sample applications into the folder SAMPLES, which is
-/// emptied before, and the application's own icon files into its bundle's folder BUNDLE.
+/// make-samples ART SAMPLES BUNDLE: draws the icons of the folder ART and writes the sample
+/// applications into the folder SAMPLES, which is emptied before, and the application's own icon
+/// files into its bundle's folder BUNDLE.
 int main(int count, char** arguments) {
     using namespace dubrix;
-    if (count != 3) {
-        std::fputs("usage: make-samples SAMPLES BUNDLE\n", stderr);
+    if (count != 4) {
+        std::fputs("usage: make-samples ART SAMPLES BUNDLE\n", stderr);
         return 2;
     }
-    const fs::path samples = arguments[1];
+    const fs::path art = arguments[1];
+    const fs::path samples = arguments[2];
     std::error_code error;
     fs::remove_all(samples, error);
     bool written = !error;
     for (const SampleBundle& sample : sampleBundles()) {
-        written = written && writeBundle(samples, sample);
+        written = written && writeBundle(samples, sample, art);
     }
-    written = written && writeIcons(arguments[2], paintDubrix,
+    written = written && writeIcons(arguments[3], art / "dubrix.svg",
                                     {{"AppIcon29x29", {{"@2x", 58}, {"@3x", 87}}},
                                      {"AppIcon60x60", {{"@2x", 120}, {"@3x", 180}}},
                                      {"AppIcon76x76", {{"~ipad", 76}, {"@2x~ipad", 152}}}});

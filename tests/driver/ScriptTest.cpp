@@ -37,7 +37,6 @@ TEST(Script, ReadsEveryFormOfAStep) {
         {R"(type "Custom name" " x ")", "type|Custom name| x "},
         {R"(type "Custom name" plain text)", "type|Custom name|plain text"},
         {"wait Done. 2.5", "wait|Done.||250"},
-        {"wait Duplicates: 0 60", "wait|Duplicates: 0||6000"},
         {R"(wait "Duplicates: 0" 3600)", "wait|Duplicates: 0||360000"},
         {"wait 5", "wait|5||1000"},
         {"gone Please wait... 60", "gone|Please wait...||6000"},

@@ -175,17 +175,13 @@ TEST(BinaryPropertyList, ReadsEveryScalar) {
         {"\x33\x7F\xEF\xFF\xFF\xFF\xFF\xFF\xFF", "<date>9999-12-31T23:59:59Z</date>"},
         {"\x33\x7F\xF8\0\0\0\0\0\0"s, "<date>2001-01-01T00:00:00Z</date>"},
         {"\x42\0\1"s, "<data>AAE=</data>"},
-        {"\x5F\x10\x03"
-         "abc",
-         "<string>abc</string>"},
+        {"\x5F\x10\x03xyz", "<string>xyz</string>"},
         {"\x63\0\xE9\xD8\x3E\xDD\x16"s, "<string>é🤖</string>"},
         {"\x80\x2A", "<dict><key>CF$UID</key><integer>42</integer></dict>"},
         {"\x09", "<true/>"}};
     for (const auto& [object, xml] : cases)
         EXPECT_EQ(PropertyList::parse(binaryOf({object}))->xml(), PropertyList::parse(xml)->xml());
-    const auto null = PropertyList::parse(binaryOf({"\0"s}));
-    ASSERT_TRUE(null);
-    EXPECT_EQ(null->type(), PropertyList::Type::Null);
+    EXPECT_EQ(PropertyList::parse(binaryOf({"\0"s})).value().type(), PropertyList::Type::Null);
 }
 
 TEST(BinaryPropertyList, SharesObjectsOnceAndInNoCircle) {
@@ -218,15 +214,12 @@ TEST(BinaryPropertyList, RefusesWhatIsDamaged) {
                                             {"\x14\1" + std::string(15, '\0')},
                                             {"\x5F\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"},
                                             {"\xAF\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"},
-                                            {"\x5F\x51"
-                                             "abc"}, // a length that is no integer
+                                            {"\x5F\x51xyz"}, // a length that is no integer
                                             {"\x5F\1\0\1a"s},
-                                            {"\x54"
-                                             "abc"},          // longer than the object area
-                                            {"\x51\xE9"},     // neither ASCII nor UTF-8
-                                            {"\x61\xD8\x3E"}, // lone surrogate
-                                            {"\x53"
-                                             "a\0b"s},              // zero in a text
+                                            {"\x54xyz"},            // longer than the object area
+                                            {"\x51\xE9"},           // neither ASCII nor UTF-8
+                                            {"\x61\xD8\x3E"},       // lone surrogate
+                                            {"\x53x\0y"s},          // zero in a text
                                             {"\xA1\1"},             // reference to no object
                                             {"\xD1\1\1", "\x10\1"}, // number as key
                                             {"\xC1\1", "\x10\1"}};  // set
@@ -254,18 +247,17 @@ TEST(OldStyleText, ReadsEveryKindOfValue) {
                                           "  bytes = <0fbd77 1c27\n35AE>; none = <>;\n"
                                           "  path=/usr/bin; // the end\n"
                                           "}\n// bye");
-    ASSERT_TRUE(list);
     EXPECT_EQ(list,
               PropertyList::parse(
                   "<dict><key>bare</key><string>com.example-1.App_$/:</string>"
                   "<key>quoted key</key><string>single \"quotes\"</string>"
                   "<key>list</key><array><string>a</string><string>b c</string><array/><dict/>"
                   "</array><key>bytes</key><data>D713HCc1rg==</data><key>none</key><data/>"
-                  "<key>path</key><string>/usr/bin</string></dict>"));
+                  "<key>path</key><string>/usr/bin</string></dict>")
+                  .value());
     const auto table =
         PropertyList::parse("/* Title *//**/\n\"Title\" = \"Größe\";\nalone;\nTitle = again;\n");
-    ASSERT_TRUE(table);
-    EXPECT_EQ(table, PropertyList::parse("{alone = alone; Title = \"Größe\";}"));
+    EXPECT_EQ(table, PropertyList::parse("{alone = alone; Title = \"Größe\";}").value());
 }
 
 TEST(OldStyleText, ResolvesEscapes) {

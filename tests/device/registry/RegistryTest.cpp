@@ -106,16 +106,13 @@ TEST(BundleInfo, AWrongTypeIsNoValue) {
     const auto read = [](const char* list) {
         return BundleInfo::from(*PropertyList::parse(list), "My.Cool.app");
     };
-    const BundleInfo odd = read(
-        "{CFBundleName = N; CFBundleDisplayName = (D); SBAppTags = hidden; CFBundleURLTypes = (odd,"
-        "{CFBundleURLSchemes = (one, two);}, {CFBundleURLSchemes = odd;},"
-        "{CFBundleURLSchemes = (three);});}");
-    EXPECT_EQ(odd.displayName, "N");
-    EXPECT_FALSE(odd.hidden) << "a string is not a list of tags";
+    const BundleInfo odd = read("{CFBundleName = N; CFBundleDisplayName = (D); SBAppTags = hidden;"
+                                "CFBundleURLTypes = (odd, {CFBundleURLSchemes = (one, two);},"
+                                "{CFBundleURLSchemes = odd;}, {CFBundleURLSchemes = (three);});}");
+    EXPECT_TRUE(odd.displayName == "N" && !odd.hidden);
     EXPECT_EQ(odd.urlSchemes, (std::vector<std::string>{"one", "two", "three"}));
-    EXPECT_FALSE(read("{SBAppTags = (other);}").hidden);
     EXPECT_TRUE(read("{SBAppTags = ({}, hidden, other);}").hidden);
-    EXPECT_EQ(read("{CFBundleName = {};}").displayName, "My.Cool");
+    EXPECT_EQ(read("{CFBundleName = {}; SBAppTags = (other);}").displayName, "My.Cool");
 }
 
 } // namespace dubrix
