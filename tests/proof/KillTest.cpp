@@ -45,8 +45,8 @@ struct Case {
     bool isRepeated() const { return deed[0] != '-'; }
 };
 
-const Case cases[] = {{"duplicating", 13, {}, "duplicate"},
-                      {"updating", 17, {"duplicate", "-f source"}, "update"},
+const Case cases[] = {{"duplicating", 19, {}, "duplicate"},
+                      {"updating", 23, {"duplicate", "-f source"}, "update"},
                       {"installing", 4, {}, "-f 2"},
                       {"replacing", 4, {"-f 1"}, "-f 2"},
                       {"removing", 4, {"-f 1"}, "-u"},
