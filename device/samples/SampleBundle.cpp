@@ -5,6 +5,8 @@
 #include "formats/lists/PropertyList.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 
 namespace dubrix {
 
@@ -29,11 +31,13 @@ PropertyList primaryIcon(const std::vector<IconFile>& icons) {
     return result;
 }
 
+int pixelsOf(const IconFile& icon, const std::string& suffix) {
+    const int scale = suffix.starts_with("@") ? suffix[1] - '0' : 1;
+    return static_cast<int>(scale * std::atof(std::strpbrk(icon.baseName, "0123456789")));
+}
+
 bool isForTablets(const IconFile& icon) {
-    return std::any_of(icon.variants.begin(), icon.variants.end(),
-                       [](const IconFile::Variant& variant) {
-                           return std::string(variant.suffix).ends_with("~ipad");
-                       });
+    return icon.suffixes.back().ends_with("~ipad");
 }
 
 void setIconKeys(PropertyList& info, const SampleBundle& sample) {
@@ -122,26 +126,26 @@ std::vector<SampleBundle> sampleBundles() {
          "2.1",
          IconKeys::TopLevelList,
          false,
-         {{"Icon-29", {{"", 29}, {"@2x", 58}, {"@3x", 87}}},
-          {"Icon-60", {{"@2x", 120}, {"@3x", 180}}},
-          {"Icon-76", {{"~ipad", 76}, {"@2x~ipad", 152}}}}},
+         {{"Icon-29", {"", "@2x", "@3x"}},
+          {"Icon-60", {"@2x", "@3x"}},
+          {"Icon-76", {"~ipad", "@2x~ipad"}}}},
         {"Skyfathom",
          "Skyfathom",
          "4.0.3",
          IconKeys::PrimaryIcon,
          true,
-         {{"AppIcon29x29", {{"", 29}, {"@2x", 58}, {"@3x", 87}}},
-          {"AppIcon40x40", {{"@2x", 80}, {"@3x", 120}}},
-          {"AppIcon60x60", {{"@2x", 120}, {"@3x", 180}}}}},
+         {{"AppIcon29x29", {"", "@2x", "@3x"}},
+          {"AppIcon40x40", {"@2x", "@3x"}},
+          {"AppIcon60x60", {"@2x", "@3x"}}}},
         {"Tockwell",
          "Tockwell",
          "1.7 Evening",
          IconKeys::PrimaryIconAndTablet,
          false,
-         {{"AppIcon29x29", {{"@2x", 58}, {"@3x", 87}}},
-          {"AppIcon60x60", {{"@2x", 120}, {"@3x", 180}}},
-          {"AppIcon76x76", {{"~ipad", 76}, {"@2x~ipad", 152}}},
-          {"AppIcon83.5x83.5", {{"@2x~ipad", 167}}}}},
+         {{"AppIcon29x29", {"@2x", "@3x"}},
+          {"AppIcon60x60", {"@2x", "@3x"}},
+          {"AppIcon76x76", {"~ipad", "@2x~ipad"}},
+          {"AppIcon83.5x83.5", {"@2x~ipad"}}}},
     };
 }
 
@@ -149,9 +153,10 @@ bool writeIcons(const fs::path& folder, const fs::path& art, const std::vector<I
     std::error_code error;
     fs::create_directories(folder, error);
     for (const IconFile& icon : icons) {
-        for (const IconFile::Variant& variant : icon.variants) {
-            const fs::path file = folder / (std::string(icon.baseName) + variant.suffix + ".png");
-            if (!iconImage(art, variant.pixels).save(QString::fromStdString(file.string()), "PNG"))
+        for (const std::string& suffix : icon.suffixes) {
+            const fs::path file = folder / (icon.baseName + suffix + ".png");
+            if (!iconImage(art, pixelsOf(icon, suffix))
+                     .save(QString::fromStdString(file.string()), "PNG"))
                 return false;
         }
     }

@@ -6,15 +6,11 @@
 
 namespace dubrix {
 
-/// A base name in an icon list and the file variants that stand for it.
+/// A base name in an icon list, with the icon's size in points, and what follows it in the names of
+/// the files that stand for it, ".png" left out: "", "@2x", "@3x", "~ipad", "@2x~ipad".
 struct IconFile {
-    /// What follows the base name, ".png" left out: "", "@2x", "@3x", "~ipad", "@2x~ipad".
-    struct Variant {
-        const char* suffix;
-        int pixels;
-    };
     const char* baseName;
-    std::vector<Variant> variants;
+    std::vector<std::string> suffixes;
 };
 
 /// Where a bundle's Info.plist names its icons.

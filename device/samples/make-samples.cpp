@@ -22,9 +22,9 @@ int main(int count, char** arguments) {
         written = written && writeBundle(samples, sample, art);
     }
     written = written && writeIcons(arguments[3], art / "dubrix.svg",
-                                    {{"AppIcon29x29", {{"@2x", 58}, {"@3x", 87}}},
-                                     {"AppIcon60x60", {{"@2x", 120}, {"@3x", 180}}},
-                                     {"AppIcon76x76", {{"~ipad", 76}, {"@2x~ipad", 152}}}});
+                                    {{"AppIcon29x29", {"@2x", "@3x"}},
+                                     {"AppIcon60x60", {"@2x", "@3x"}},
+                                     {"AppIcon76x76", {"~ipad", "@2x~ipad"}}});
     if (!written)
         std::perror("make-samples");
     return written ? 0 : 1;

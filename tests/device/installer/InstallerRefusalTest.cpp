@@ -44,6 +44,7 @@ std::vector<Refusal> refusals() {
         {good.substr(0, good.size() - 1), "is cut short"},
         {good.substr(0, good.find("PK\1\2")), "is cut short"},
         {"PK\7\10" + good.substr(0, 40), "is cut short"}, // begun as the first of several volumes
+        {std::string(good).replace(good.size() - 18, 1, "\1"), "is spread over several volumes"},
         {badSignature, "is damaged"},
         {good.substr(10), "is damaged"},
         {with({bundle + "a", "secret", S_IFREG | 0644, 0, 1}), "is encrypted"},
