@@ -76,9 +76,10 @@ void attackTerminal() {
 }
 
 void attackKernel() {
-    for (const long call : {SYS_keyctl, SYS_add_key, SYS_request_key, SYS_ptrace,
-                            SYS_process_vm_readv, SYS_perf_event_open, SYS_bpf, SYS_userfaultfd,
-                            SYS_mount, SYS_umount2, SYS_pivot_root, SYS_chroot, SYS_setns})
+    for (const long call :
+         {SYS_keyctl, SYS_add_key, SYS_request_key, SYS_ptrace, SYS_process_vm_readv,
+          SYS_perf_event_open, SYS_bpf, SYS_userfaultfd, SYS_mount, SYS_umount2, SYS_pivot_root,
+          SYS_chroot, SYS_setns, SYS_personality})
         refused(EPERM, call, 1, 0, 0, 0, 0, 0);
     constexpr long ofTomorrow = 500;
     for (const long call : {long{SYS_open_tree}, long{SYS_fsopen}, long{SYS_io_uring_setup},

@@ -142,7 +142,7 @@ TEST(ShownText, AProgressLineKeepsWithinTheTerminal) {
         {"例例例.ipa", 50, 20, " 50% [####....] 例例"},
         {"a.ipa", 50, 16, " 50% [####....] "},
         {"a.ipa", 50, 8, " 50% a.i"},
-        {"a.ipa", 50, 0, " 50%"},
+        {"a.ipa", 50, 4, " 50%"},
     };
     for (const auto& each : cases)
         EXPECT_EQ(progressLine(each.title, each.percent, each.columns), each.line);

@@ -24,7 +24,6 @@ https:///etc/passwd
 https:example.org
 https://?x
 file:///etc/passwd
-javascript:alert(1)
 ssh://-oProxyCommand=x/
 httpsx://a/
  https://a/
