@@ -22,7 +22,6 @@ mailto:a@b?subject=%C3%A9&body=)");
     std::istringstream refused(R"(
 https:///etc/passwd
 https:example.org
-https://?x
 file:///etc/passwd
 ssh://-oProxyCommand=x/
 httpsx://a/
