@@ -114,7 +114,6 @@ TEST(Text, TakesBundleNamesFromPaths) {
     for (const auto& [path, name] : {std::pair("/a.b/Example.app", "Example"),
                                      {"/a/My App.app//", "My App"},
                                      {"/a/One.Two.app", "One.Two"},
-                                     {"a/", "a"},
                                      {"/a/.app", ".app"},
                                      {"/", ""}})
         EXPECT_EQ(lastPathComponentWithoutExtension(path), name);

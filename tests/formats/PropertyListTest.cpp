@@ -93,13 +93,13 @@ TEST(PropertyList, DescribesItselfAsThePhonePrints) {
     EXPECT_EQ(PropertyList::parse("<date>1999-12-31T23:59:59Z</date>")->description(),
               "1999-12-31 23:59:59 +0000");
     const auto list = *PropertyList::parse(
-        "<dict><key>a b</key><array><string>x_9Z</string><dict/></array><key>n</key><integer>-1"
+        "<dict><key>a b</key><array><string>aAzZ_09</string><dict/></array><key>n</key><integer>-1"
         "</integer><key>d</key><data>AQIDBAU=</data><key>t</key><string>é🤖\n\t\"\\\x01\x7F</"
         "string>"
         "<key>e</key><string></string></dict>");
     EXPECT_EQ(list.description(), R"({
     "a b" =     (
-        x_9Z,
+        aAzZ_09,
                 {
         }
     );

@@ -144,6 +144,8 @@ TEST_F(AppListTest, ChoosingStoresInOrderTellsAndDismisses) {
         selected += QString::number(picker.tableView.selectedRow()) +
                     (picker.tableView.selectionAnimated() ? " slowly " : " at once ");
     });
+    QObject::connect(picker.dataSource(), &Source::dataChanged, &picker,
+                     [](const QModelIndex& first) { EXPECT_EQ(first.row(), 0); });
     picker.tableViewDidSelectRowAtIndexPath(0, 1);
     EXPECT_EQ(selected, "1 at once -1 slowly ");
     EXPECT_TRUE(log.lines.at(0).starts_with("al.applications: {\n    \"com.acme.notes\" = Notes;"));

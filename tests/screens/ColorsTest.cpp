@@ -39,7 +39,8 @@ TEST_F(ColorsTest, ThePickerSortsByHueThenSaturationThenBrightness) {
     const std::vector<Color>& colors = picker.colors();
     ASSERT_EQ(colors.size(), 216U);
     EXPECT_EQ(colors[20], (Color{1, 0, 0, 1}));
-    EXPECT_EQ(hueSaturationBrightness({0, 0, 0.5, 1}), (HueSaturationBrightness{2 / 3.0, 1, 0.5}));
+    EXPECT_EQ(hueSaturationBrightness({0.5, 0, 0.25, 1}),
+              (HueSaturationBrightness{11 / 12.0, 1, 0.5}));
     const auto hue = [](const Color& color) { return std::max(0, drawable(color).hsvHue()); };
     const auto rest = [](const Color& color) {
         return std::pair(drawable(color).hsvSaturation(), drawable(color).value());
@@ -57,13 +58,15 @@ TEST_F(ColorsTest, TheMainScreenStoresThePickedColor) {
     ASSERT_TRUE(picker());
     EXPECT_EQ(picker()->colors().at(static_cast<std::size_t>(picker()->currentItem())),
               (Color{1, 0, 51 / 255.0, 1}));
+    EXPECT_EQ(picker()->collectionViewLayout()->sectionInset, QMarginsF(10, 10, 10, 10));
     picker()->setColors({{0.2, 0.4, 0.6, 0.5}, {1, 0, 0, 1}});
     EXPECT_EQ(picker()->currentItem(), -1);
     std::size_t linesBeforeSwatch = 0;
     QObject::connect(&screen->colorView, &TableViewCell::backgroundColorChanged,
                      [&] { linesBeforeSwatch = log.lines.size(); });
     picker()->collectionViewDidSelectItemAtIndexPath(0, 0);
-    EXPECT_EQ(log.lines.at(1), "\n red 0.200000 \n blue 0.600000 \n green 0.400000");
+    EXPECT_EQ(log.lines.at(0) + log.lines.at(1),
+              "Color Selected\n red 0.200000 \n blue 0.600000 \n green 0.400000");
     EXPECT_EQ(linesBeforeSwatch, log.lines.size()) << "stored before it is shown";
     EXPECT_EQ(screen->colorView.backgroundColor().rgb(), qRgb(51, 102, 153));
     EXPECT_FALSE(modals.occupied());

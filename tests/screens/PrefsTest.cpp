@@ -40,7 +40,6 @@ protected:
 TEST_F(PrefsTest, LoadsFromTheSettings) {
     const std::pair<const char*, const char*> cases[] = {
         {"{}", "[ ] [] #ff000000 0 1 0 1 1 44 44 0 44 0 0 44 44"},
-        {"(a, b)", "[ ] [] #ff000000 0 1 0 1 1 44 44 0 44 0 0 44 44"},
         {"{appName = \"\"; customText = Work; customNameToggle = 1; Green = 1;}",
          "[] [Work] #ff00ff00 1 0 0 1 1 44 44 44 44 0 0 44 44"},
         {"{appName = \"My App\"; customColorToggle = 1; Red = \"0.2\"; Blue = 1;}",

@@ -79,7 +79,6 @@ TEST_F(InstallerProgram, SaysOneLineForEachApplication) {
         {"-r com.example.app3", 1, "",
          "ipainstaller: com.example.app3: cannot be put back any more\n"},
         {"-f 'my app.ipa'", 0, "Installed com.example.app3 (例 a b c d 3)\n", ""},
-        {"-u com.example.App", 1, "", "ipainstaller: com.example.App: is not installed\n"},
     };
     for (const auto& [arguments, status, output, errors] : cases) {
         const Ended result = run("--root device " + arguments);
