@@ -280,7 +280,7 @@ TEST_F(HandTest, KeysLeadFromTabToTabToHelpAndOut) {
 }
 
 TEST_F(HandTest, RowsOfTheAboutScreenLeadOutAndToHelpPages) {
-    root->setSelectedIndex(2); // which is not there
+    root->setSelectedIndex(3); // which is not there
     root->setSelectedIndex(1);
     auto& tab = static_cast<NavigationController&>(*root->viewControllerAt(1));
     auto& screen = static_cast<AboutTableViewController&>(*tab.topViewController());
