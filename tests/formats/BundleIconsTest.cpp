@@ -67,7 +67,7 @@ TEST_F(BundleIconsTest, OrdersTheVariantsByWhatFillsTheSquare) {
 }
 
 TEST_F(BundleIconsTest, AsksTheSourcesInTurn) {
-    put({{"P@2x", 58}, {"T", 58}, {"I~ipad", 58}, {"Icon", 1024}, {"X", 58}});
+    put({{"P@2x", 58}, {"T", 58}, {"I~ipad", 58}, {"Icon", 1024}, {"X", 180}});
     putFile(bundle / "S", png(58, 58));
     const std::string primary = "{CFBundlePrimaryIcon = {CFBundleIconFiles = ";
     const std::pair<std::string, const char*> cases[] = {

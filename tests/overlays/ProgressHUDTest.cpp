@@ -90,19 +90,6 @@ TEST_F(ProgressHUDTest, EachShowSaysItsOwn) {
     }
 }
 
-TEST_F(ProgressHUDTest, ABoxThatIsUpStaysAndSaysSomethingElse) {
-    ProgressHUD::show("m");
-    const std::size_t animations = stage.animations.size();
-    stage.pieces.at(Piece::Hud).parent = stage.pieces.at(Piece::Label).parent = {};
-    ProgressHUD::showError("n", false);
-    EXPECT_EQ(stage.text, "n");
-    EXPECT_FALSE(stage.pieces.contains(Piece::Background));
-    EXPECT_EQ(parent(Piece::Hud), FakeStage::Parent()) << "not placed again";
-    EXPECT_EQ(parent(Piece::Label), FakeStage::Parent());
-    EXPECT_EQ(stage.handlers.size(), 5U);
-    EXPECT_EQ(stage.animations.size(), animations + 1) << "its place, and no popping in";
-}
-
 TEST_F(ProgressHUDTest, TheBoxFitsItsText) {
     const std::tuple<Text, double, Size, Rect, Point> cases[] = {
         {"", 0, {100, 115}, {{0, 66}, {100, 35}}, {50, 36}},

@@ -72,8 +72,10 @@ TEST_F(HomePageTest, ShowsWhatIsInstalledWhereItBelongs) {
     EXPECT_EQ(rows(first), "0:apples 1:Notes2");
     EXPECT_EQ(rows(second), "0:Notes10");
 
+    const QSignalSpy moved(&second, &HomePage::dataChanged);
     install("Bells"); // pushes one to the next page, where it is not new
     expectChange(applications);
+    EXPECT_EQ(moved.count(), 1);
     EXPECT_EQ(rows(first), "0:apples 1:Bells+");
     EXPECT_EQ(rows(second), "0:Notes2 1:Notes10");
 

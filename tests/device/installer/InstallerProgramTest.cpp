@@ -46,7 +46,9 @@ TEST_F(InstallerProgram, SaysOneLineForEachApplication) {
     PropertyList info = *PropertyList::parse("{CFBundleIdentifier = com.example.app3;}");
     info.setValueForKey("CFBundleDisplayName",
                         PropertyList::string("例\ta\u009bb\u202ec\u2028d\n3"));
-    device.archive("my app.ipa", zipOf({{"Payload/例 X.app/Info.plist", info.xml()}}));
+    std::string zip = zipOf({{"Payload/例 X.app/Info.plist", info.xml()}});
+    zip.replace(zip.size() - 2, 2, bytesOf(22, 2) + "PK\5\6" + std::string(16, 0) + bytesOf(1, 2));
+    device.archive("my app.ipa", zip); // with a comment that is like an end
     device.archive("text.ipa", "no archive");
     device.archive("other.ipa", zipOf({{"a", "a"}}));
     device.archive("damaged.ipa", zipOf({{"Payload/X.app/Info.plist", "damaged"}}));
@@ -138,11 +140,12 @@ TEST_F(InstallerProgram, SavesIntoAnOpenEmptyFileOnly) {
     EXPECT_EQ(run(save + " --descriptor 7 7>out").output, "Saved com.example.app (Notes.ipa)\n");
     EXPECT_FALSE(fs::exists(device.folder() / "Notes.ipa"));
     EXPECT_EQ(run("--root device -f out").status, 0);
-    for (const char* wrong : {"7>&-", "7>>filled", "7<out", "7</", "7<>pipe", "7>/dev/null"})
-        EXPECT_EQ(run(save + " --descriptor 7 " + wrong)
-                      .errors.rfind("ipainstaller: Notes.ipa: cannot be written", 0),
-                  0U)
-            << wrong;
+    std::string reason = "Bad file descriptor";
+    for (const char* wrong : {"7>&-", "7>>filled", "7<out", "7</", "7<>pipe", "7>/dev/null"}) {
+        EXPECT_EQ(run(save + " --descriptor 7 " + wrong).errors,
+                  "ipainstaller: Notes.ipa: cannot be written: " + reason + "\n");
+        reason = "not an empty regular file open for writing";
+    }
     EXPECT_EQ(contentsOf(device.folder() / "filled"), "already here");
 
     // Whose file may not become so large hears of it, and nothing is left.

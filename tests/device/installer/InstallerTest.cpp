@@ -70,9 +70,9 @@ TEST(Installer, AbsurdTimesAreNotTaken) {
         return "UT" + bytesOf(5, 2) + flags + bytesOf(seconds, 4);
     };
     const std::string other = "ux" + bytesOf(3, 2) + "abc";
-    constexpr std::uint32_t noonIn2010 = (30U << 9 | 12U << 5 | 15U) << 16 | 12U << 11;
+    constexpr std::uint32_t noonIn2010 = (30U << 9 | 1U << 5 | 15U) << 16 | 12U << 11;
     std::tm noon{};
-    noon.tm_year = 110, noon.tm_mon = 11, noon.tm_mday = 15, noon.tm_hour = 12, noon.tm_isdst = -1;
+    noon.tm_year = 110, noon.tm_mday = 15, noon.tm_hour = 12, noon.tm_isdst = -1;
     const std::time_t localNoon = std::mktime(&noon);
     const struct {
         std::uint32_t dateAndTime;
@@ -80,6 +80,8 @@ TEST(Installer, AbsurdTimesAreNotTaken) {
         std::optional<std::time_t> time;
     } cases[] = {
         {noonIn2010, "", localNoon},
+        {noonIn2010 + (11U << 21) + (59U << 5), "",
+         localNoon + 334 * 86'400 + 59 * 60}, // in December
         {noonIn2010, other + stamp(1'000'000'001), 1'000'000'001},
         {0, stamp(static_cast<std::uint64_t>(now) - 40'000), now - 40'000},
         {noonIn2010, stamp(1'000'000'001, std::string(1, '\2')), localNoon},

@@ -32,7 +32,7 @@ TEST(DesktopUrlOpener, OpensWhatTheDesktopOrAnApplicationOpensIfItIsHarmless) {
     putFile(device / "Applications/Settings.app/Info.plist",
             "{CFBundleURLTypes = ({CFBundleURLSchemes = (prefs);});}");
 
-    DesktopUrlOpener opener(device.path());
+    DesktopUrlOpener opener(device.path(), [](const std::string& at) { ADD_FAILURE() << at; });
     for (const char* address :
          {"http://example.org/", "HTTPS://example.org/", "mailto:a@example.org",
           "bird:", "BIRD://user", "bird2:", "b:", "prefs:root"})
