@@ -80,8 +80,7 @@ TEST(Installer, AbsurdTimesAreNotTaken) {
         std::optional<std::time_t> time;
     } cases[] = {
         {noonIn2010, "", localNoon},
-        {noonIn2010 + (11U << 21) + (59U << 5), "",
-         localNoon + 334 * 86'400 + 59 * 60}, // in December
+        {noonIn2010 + (11U << 21 | 11U << 11 | 59U << 5), "", localNoon + 8027 * 3600 + 59 * 60},
         {noonIn2010, other + stamp(1'000'000'001), 1'000'000'001},
         {0, stamp(static_cast<std::uint64_t>(now) - 40'000), now - 40'000},
         {noonIn2010, stamp(1'000'000'001, std::string(1, '\2')), localNoon},
@@ -101,6 +100,7 @@ TEST(Installer, AbsurdTimesAreNotTaken) {
         item.extra = extra;
     }
     ASSERT_TRUE(device.installer().install(device.application("com.example.app", "1", items)));
+    EXPECT_EQ(fs::status(device.installed(identifier)).permissions(), fs::perms(0755));
     for (const ZipItem& item : items) {
         struct stat status{};
         ASSERT_EQ(::lstat(device.installed("com.example.app", item.name).c_str(), &status), 0);
