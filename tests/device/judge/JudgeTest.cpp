@@ -110,7 +110,7 @@ TEST(ShotNames, AreWhatTheDriverSendsAndFillNoMemory) {
         names.read("shot " + std::to_string(number) + "\n");
     EXPECT_TRUE(names.contains("0"));
     EXPECT_FALSE(names.contains("199999"));
-    EXPECT_LE(names.held(), ShotNames::mostBytes);
+    EXPECT_LE(names.held(), std::size_t{4} << 20);
 }
 
 } // namespace dubrix
