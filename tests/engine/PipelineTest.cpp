@@ -178,14 +178,6 @@ TEST_F(PipelineTest, TintsBetweenEditingAndPackingAsWasChosenAtFirst) {
     EXPECT_EQ(contentsOfBundle("com.example.app2"), expected);
 }
 
-TEST_F(PipelineTest, AbsentValuesReadNull) {
-    alerts.view = {};
-    EXPECT_EQ(duplicate("1"), "Failed to duplicate (null).");
-    EXPECT_EQ(journal.at(0), "present Dubrix|Cloning (null) 1\nPlease wait...\n\n");
-    EXPECT_EQ(journal.at(1), "run cp -rf '(null)' '/tmp/(null)/Payload/'");
-    EXPECT_EQ(alerts.progress[0].spinnerFrame, (Rect{{-10, -150}, {20, 20}}));
-}
-
 /// A staged copy of Example.app; images hold "image " and their name, and gain a "+" each time
 /// they are tinted.
 class IconTintTest : public EngineTest {

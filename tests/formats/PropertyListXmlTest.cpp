@@ -114,7 +114,6 @@ TEST(XmlPropertyList, ReadsTheEncodingThatADocumentDeclares) {
     // Some names do not tell, or tell a lie.
     for (const auto& [encoding, bytes, text] : {std::tuple("ISO-8859-1", "\xE9", "é"),
                                                 {"Windows-1252", "Caf\xE9 \x80", "Café €"},
-                                                {"Shift_JIS", "\x83\x65\x83\x58\x83\x67", "テスト"},
                                                 {"EBCDIC", "a\xC3\xA9", "aé"},
                                                 {"x-unknown", "a\xE9", "a\uFFFD"},
                                                 {"UTF-16", "\xC3\xA9", "é"},

@@ -5,6 +5,8 @@
 #include <QQmlExtensionPlugin>
 #include <QTimer>
 #include <fcntl.h>
+#include <private/qinputmethod_p.h>
+#include <qpa/qplatforminputcontext.h>
 #include <sys/stat.h>
 
 Q_IMPORT_QML_PLUGIN(DubrixPlugin)
@@ -117,6 +119,19 @@ TEST_F(StillTest, WhatComesIsThereAtOnceAndGoesInItsTime) {
     };
     const QQuickItem& box = *itemOf("Done")->parentItem();
     EXPECT_TRUE(isDrawn(box) && box.opacity() == 1);
+    struct Keyboard : QPlatformInputContext {
+        QRectF keyboardRect() const override { return {0, 0, 300, 200}; }
+    } keyboard;
+    const auto middle = [&box] { return box.y() + box.height() / 2; };
+    const double alone = middle();
+    QInputMethodPrivate::get(QGuiApplication::inputMethod())->testContext = &keyboard;
+    keyboard.emitKeyboardRectChanged();
+    EXPECT_EQ(middle(), alone - 100);
+    ProgressHUD::show("Done, too");
+    EXPECT_EQ(middle(), alone - 100);
+    QInputMethodPrivate::get(QGuiApplication::inputMethod())->testContext = nullptr;
+    keyboard.emitKeyboardRectChanged();
+    EXPECT_EQ(middle(), alone);
     ProgressHUD::dismiss();
     EXPECT_TRUE(isDrawn(box) && box.opacity() == 0);
     EXPECT_TRUE(stage.hud()->shown()) << "its time is the overlay's own";

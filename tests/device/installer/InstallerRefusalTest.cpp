@@ -59,7 +59,6 @@ std::vector<Refusal> refusals() {
         {withInfo("bplist00garbage"), "has a damaged Info.plist"},
         {withInfo(PropertyList::array().xml()), "has a damaged Info.plist"},
         {withInfo("{A = B;}"), "no usable CFBundleIdentifier"},
-        {withInfo("{CFBundleIdentifier = (a);}"), "no usable CFBundleIdentifier"},
         {withIdentifier(""), "no usable CFBundleIdentifier"},
         {withIdentifier("a/b"), "no usable CFBundleIdentifier"},
         {withIdentifier("a\nb"), "no usable CFBundleIdentifier"},
