@@ -103,8 +103,7 @@ TEST(ShownText, NothingThatCommandsATerminalPassesHoweverItArrives) {
     } cases[] = {
         {"plain\ttext\n", "plain\ttext\n"},
         {"例 ä 😀 \u200d", "例 ä 😀 \u200d"},
-        {"\u0800\U0003f000\U00100000",
-         "\u0800\U0003f000\U00100000"}, // the ends of what may come second
+        {"\u0800\U0003f000\U00100000", "\u0800\U0003f000\U00100000"}, // ends of what may be second
         {"\033]52;c;AAAA\007", "\\x1b]52;c;AAAA\\x07"},
         {"\r\b\x7f", "\\x0d\\x08\\x7f"},
         {std::string("\0", 1), "\\x00"},

@@ -80,7 +80,8 @@ TEST(Installer, AbsurdTimesAreNotTaken) {
         std::optional<std::time_t> time;
     } cases[] = {
         {noonIn2010, "", localNoon},
-        {noonIn2010 + (11U << 21 | 11U << 11 | 59U << 5), "", localNoon + 8027 * 3600 + 59 * 60},
+        {noonIn2010 + (11U << 21 | 11U << 11 | 59U << 5), "",
+         localNoon + (334 * 24 + 11) * 3600 + 59 * 60}, // 15 December, 23:59
         {noonIn2010, other + stamp(1'000'000'001), 1'000'000'001},
         {0, stamp(static_cast<std::uint64_t>(now) - 40'000), now - 40'000},
         {noonIn2010, stamp(1'000'000'001, std::string(1, '\2')), localNoon},
